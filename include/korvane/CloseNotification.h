@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace korvane {
+
+/// Name of the notification that ends a journey: "NotificationCloseUI".
+extern const std::string NotificationCloseUI;
+
+/// What a notification carries. `NotificationCloseUI` has one entry: "result", which is "SUCCESS", "CANCELED"
+/// or "FAILURE".
+using NotificationUserInfo = std::map<std::string, std::string>;
+
+/// Where the component posts and the host observes. Main thread only.
+class NotificationCenter {
+  public:
+    using Observer = std::function<void(const NotificationUserInfo&)>;
+    class Observation;
+
+    static NotificationCenter& defaultCenter();
+
+    /// Calls `observer` at each post of `name`, on the main thread, until the returned handle is released.
+    /// Observers may add and release observations, their own included, while they are called.
+    [[nodiscard]] std::shared_ptr<Observation> observe(std::string name, Observer observer);
+
+    /// Calls the observers that are there now, in the order in which they came.
+    void post(const std::string& name, const NotificationUserInfo& userInfo);
+
+  private:
+    std::multimap<std::string, std::weak_ptr<Observation>> observations_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/platform/BiometricContext.h>
+#include <korvane/platform/Console.h>
+#include <korvane/platform/MainQueue.h>
+#include <korvane/platform/Pasteboard.h>
+#include <korvane/platform/SecureItemStore.h>
+#include <korvane/platform/StringTable.h>
+#include <korvane/platform/Timers.h>
+#include <korvane/platform/UrlSession.h>
+
+#include <memory>
+
+namespace korvane {
+
+/// Everything that the component asks of the device, as one value. It is put together at one place, the
+/// composition root of an app. The first four have no stand-in; the others start as a device without them.
+struct Ports {
+    std::shared_ptr<MainQueue> mainQueue;
+    std::shared_ptr<Timers> timers;
+    std::shared_ptr<UrlSession> urlSession;
+    std::shared_ptr<Console> console;
+    std::shared_ptr<SecureItemStore> secureItemStore = std::make_shared<NoSecureItemStore>();
+    std::shared_ptr<BiometricContext> biometricContext = std::make_shared<NoBiometricContext>();
+    std::shared_ptr<StringTable> stringTable = std::make_shared<KeyStringTable>();
+    std::shared_ptr<Pasteboard> pasteboard = std::make_shared<NoPasteboard>();
+};
+
+/// Installs the ports; call it on the main thread, before `initialize`. A later call replaces them, which is
+/// meant for tests between journeys. Returns false, and installs nothing, when a port is missing.
+bool installPorts(Ports ports);
+
+/// The ports in use. Calling it before `installPorts` ends the process with a message on standard error: there
+/// is nothing yet that could carry a failure. Any thread, as long as nobody installs.
+const Ports& ports();
+
+}  // namespace korvane

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korvane {
+
+/// Overwrites with zeros in a way that the compiler cannot leave out, then empties.
+void wipe(std::string& text);
+void wipe(std::vector<std::uint8_t>& bytes);
+
+/// Owns a text or bytes that held a secret, and wipes them when it goes.
+template <class Buffer>
+class Wiped {
+  public:
+    Wiped() = default;
+    explicit Wiped(Buffer value) : value_(std::move(value)) {}
+    Wiped(Wiped&& other) noexcept : value_(std::move(other.value_)) { wipe(other.value_); }
+    Wiped& operator=(Wiped&& other) noexcept {
+        std::swap(value_, other.value_);
+        wipe(other.value_);
+        return *this;
+    }
+    Wiped(const Wiped&) = delete;
+    Wiped& operator=(const Wiped&) = delete;
+    ~Wiped() { wipe(value_); }
+
+    Buffer& operator*() { return value_; }
+    const Buffer& operator*() const { return value_; }
+    Buffer* operator->() { return &value_; }
+    const Buffer* operator->() const { return &value_; }
+
+  private:
+    Buffer value_;
+};
+
+}  // namespace korvane

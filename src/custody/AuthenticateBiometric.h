@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+
+namespace korvane {
+
+/// Keeps the PCI token and its timeout in the secure item store, behind the biometric check. Main thread.
+class AuthenticateBiometric {
+  public:
+    /// Writes both; true only if both were written.
+    static bool savePciTokenAndTimeoutToKeychain();
+    /// Each true when the item was there and now stands in the shared state.
+    static bool loadPciToken();
+    static bool loadBiometricsTimeout();
+    /// Deletes both; true only if both were there and are gone.
+    static bool deletePciTokenAndTimeoutInKeychain();
+
+    /// What `initialize` does with biometrics on: asks for a check and, on a match, brings the token back.
+    static void reloadAtInitialize();
+
+    enum class Outcome { authenticated, noStoredToken, notAuthenticated };
+
+    /// The gate of the journeys. False when the device cannot evaluate: then nothing runs and `done` is dropped.
+    /// Otherwise `done` runs once on the main queue.
+    static bool runGate(std::function<void(Outcome)> done);
+};
+
+}  // namespace korvane

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <korvane/CloseNotification.h>
+
+#include <utility>
+#include <vector>
+
+namespace korvane {
+
+const std::string NotificationCloseUI = "NotificationCloseUI";
+
+class NotificationCenter::Observation {
+  public:
+    explicit Observation(Observer observer) : observer_(std::move(observer)) {}
+    void call(const NotificationUserInfo& userInfo) const { observer_(userInfo); }
+
+  private:
+    Observer observer_;
+};
+
+NotificationCenter& NotificationCenter::defaultCenter() {
+    static NotificationCenter* const center = new NotificationCenter;
+    return *center;
+}
+
+std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string name, Observer observer) {
+    std::erase_if(observations_, [](const auto& entry) { return entry.second.expired(); });
+    auto observation = std::make_shared<Observation>(std::move(observer));
+    observations_.emplace(std::move(name), observation);
+    return observation;
+}
+
+void NotificationCenter::post(const std::string& name, const NotificationUserInfo& userInfo) {
+    // Weak copies first: an observer that is called may release another one, or add some.
+    std::vector<std::weak_ptr<Observation>> present;
+    for (auto [entry, end] = observations_.equal_range(name); entry != end; ++entry) present.push_back(entry->second);
+    for (const auto& weak : present) {
+        if (const auto observation = weak.lock()) observation->call(userInfo);
+    }
+}
+
+}  // namespace korvane
