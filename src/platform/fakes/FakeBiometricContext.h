@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/platform/BiometricContext.h>
+#include <korvane/platform/MainQueue.h>
+
+#include <string>
+#include <vector>
+
+namespace korvane {
+
+/// A check that is answered by hand. Main thread only; replies are posted to the queue it was made with.
+class FakeBiometricContext final : public BiometricContext {
+  public:
+    explicit FakeBiometricContext(std::shared_ptr<MainQueue> queue);
+    ~FakeBiometricContext() override;
+
+    bool canEvaluate() override { return available_; }
+    std::unique_ptr<BiometricEvaluation> evaluate(std::string reason, std::function<void(bool)> reply) override;
+
+    void setAvailable(bool available) { available_ = available; }
+    /// Answers the oldest check that is still open; false when there is none.
+    bool answer(bool match);
+    const std::vector<std::string>& reasons() const { return reasons_; }
+
+  private:
+    struct Check;
+    class Evaluation;
+    std::shared_ptr<MainQueue> queue_;
+    bool available_ = true;
+    std::vector<std::string> reasons_;
+    std::vector<std::shared_ptr<Check>> open_;
+};
+
+}  // namespace korvane

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/platform/Timers.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+
+namespace korvane {
+
+/// Timers on a clock that is moved by hand.
+class FakeTimers final : public Timers {
+  public:
+    FakeTimers();
+    ~FakeTimers() override;
+
+    std::unique_ptr<Timer> start(std::chrono::duration<double> delay, std::function<void()> fire) override;
+    std::chrono::nanoseconds now() const override;
+
+    /// Moves the clock on and fires what is due, in the order of the due times; the clock shows each timer's due
+    /// time while it fires.
+    void advance(std::chrono::duration<double> by);
+    std::size_t pending() const;
+
+  private:
+    struct State;
+    class Handle;
+    std::shared_ptr<State> state_;  // shared with the handles, which may outlive the timers
+};
+
+}  // namespace korvane
