@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/platform/BiometricContext.h>
+
 #include <functional>
+#include <memory>
 
 namespace korvane {
 
@@ -21,9 +24,9 @@ class AuthenticateBiometric {
 
     enum class Outcome { authenticated, noStoredToken, notAuthenticated };
 
-    /// The gate of the journeys. False when the device cannot evaluate: then nothing runs and `done` is dropped.
-    /// Otherwise `done` runs once on the main queue.
-    static bool runGate(std::function<void(Outcome)> done);
+    /// The gate of the journeys. None when the device cannot evaluate: then `done` is dropped. Otherwise `done`
+    /// runs once on the main queue, unless the handle is released first: that cancels the check.
+    [[nodiscard]] static std::shared_ptr<BiometricEvaluation> runGate(std::function<void(Outcome)> done);
 };
 
 }  // namespace korvane
