@@ -10,13 +10,15 @@
 namespace korvane {
 
 /// A check that is answered by hand. Main thread only; replies are posted to the queue it was made with.
+/// While it is not available, a check that is started all the same is answered with false.
 class FakeBiometricContext final : public BiometricContext {
   public:
     explicit FakeBiometricContext(std::shared_ptr<MainQueue> queue);
     ~FakeBiometricContext() override;
 
     bool canEvaluate() override { return available_; }
-    std::unique_ptr<BiometricEvaluation> evaluate(std::string reason, std::function<void(bool)> reply) override;
+    std::unique_ptr<BiometricEvaluation> evaluate(std::string reason,
+                                                  std::function<void(bool)> reply) override;
 
     void setAvailable(bool available) { available_ = available; }
     /// Answers the oldest check that is still open; false when there is none.
@@ -26,6 +28,8 @@ class FakeBiometricContext final : public BiometricContext {
   private:
     struct Check;
     class Evaluation;
+    void post(std::shared_ptr<Check> check, bool match);
+
     std::shared_ptr<MainQueue> queue_;
     bool available_ = true;
     std::vector<std::string> reasons_;

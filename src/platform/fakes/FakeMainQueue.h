@@ -17,8 +17,8 @@ class FakeMainQueue final : public MainQueue {
 
     /// Runs the oldest piece of work; false when there is none. Main thread.
     bool runOne();
-    /// Runs until nothing is left, what was posted meanwhile included, or `limit` pieces were run. Returns how
-    /// many were run. Main thread.
+    /// Runs until nothing is left, what was posted meanwhile included, or `limit` pieces were run. Returns
+    /// how many were run. Main thread.
     std::size_t runAll(std::size_t limit = 1'000'000);
     std::size_t pending() const;
 

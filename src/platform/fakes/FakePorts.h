@@ -20,7 +20,8 @@ struct FakePorts {
     std::shared_ptr<FakeUrlSession> urlSession = std::make_shared<FakeUrlSession>(mainQueue);
     std::shared_ptr<FakeConsole> console = std::make_shared<FakeConsole>();
     std::shared_ptr<FakeSecureItemStore> secureItemStore = std::make_shared<FakeSecureItemStore>();
-    std::shared_ptr<FakeBiometricContext> biometricContext = std::make_shared<FakeBiometricContext>(mainQueue);
+    std::shared_ptr<FakeBiometricContext> biometricContext =
+        std::make_shared<FakeBiometricContext>(mainQueue);
     std::shared_ptr<FakePasteboard> pasteboard = std::make_shared<FakePasteboard>();
 
     FakePorts() {

@@ -18,8 +18,8 @@ class FakeTimers final : public Timers {
     std::unique_ptr<Timer> start(std::chrono::duration<double> delay, std::function<void()> fire) override;
     std::chrono::nanoseconds now() const override;
 
-    /// Moves the clock on and fires what is due, in the order of the due times; the clock shows each timer's due
-    /// time while it fires.
+    /// Moves the clock on and fires what is due, in the order of the due times; the clock shows each timer's
+    /// due time while it fires.
     void advance(std::chrono::duration<double> by);
     std::size_t pending() const;
 

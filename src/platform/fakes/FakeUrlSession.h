@@ -11,8 +11,8 @@
 
 namespace korvane {
 
-/// A scripted session: it records the requests and answers by a function or by hand. Main thread only. Replies
-/// are posted to the queue that it was made with, so they never run from inside `start`.
+/// A scripted session: it records the requests and answers by a function or by hand. Main thread only.
+/// Replies are posted to the queue that it was made with, so they never run from inside `start`.
 class FakeUrlSession final : public UrlSession {
   public:
     /// None leaves the request unanswered, for `reply` to answer later.
