@@ -41,13 +41,15 @@ struct KorvaneColors {
 /// How round a corner is.
 enum class eKorvaneCornerRadius { square, minor, major, full };
 
-/// The radius in points (device-independent pixels): 0, 8, 13, and infinity for `full`, which draws a capsule.
+/// The radius in points (device-independent pixels): 0, 8, 13, and infinity for `full`, which draws a
+/// capsule.
 double cornerRadius(eKorvaneCornerRadius choice);
 
 /// The host's corner radius choices.
 struct KorvaneCornerRadii {
     eKorvaneCornerRadius buttonCorner = eKorvaneCornerRadius::full;
-    eKorvaneCornerRadius modalCorner = eKorvaneCornerRadius::major;  ///< stored, but no screen reads it (deliberate)
+    eKorvaneCornerRadius modalCorner =
+        eKorvaneCornerRadius::major;  ///< stored, but no screen reads it (deliberate)
     eKorvaneCornerRadius textFieldCorner = eKorvaneCornerRadius::minor;
 
     friend constexpr bool operator==(const KorvaneCornerRadii&, const KorvaneCornerRadii&) = default;

@@ -14,18 +14,20 @@ namespace korvane {
 /// An encoded image (PNG or JPEG bytes).
 using ImageData = std::vector<std::byte>;
 
-/// Sets the component up. Call it on the main thread after `installPorts` and before showing a journey; a later
-/// call overwrites what it sets.
+/// Sets the component up. Call it on the main thread after `installPorts` and before showing a journey; a
+/// later call overwrites what it sets.
 ///
-/// @param base64EncodedPreSharedKey  the AES key in base64 (RFC 4648, padded, no line breaks): 16, 24 or 32 bytes
+/// @param base64EncodedPreSharedKey  the AES key in base64 (RFC 4648, padded, no line breaks): 16, 24 or 32
+/// bytes
 /// @param apiUrl                     the card service's base URL; one "/" at its end is dropped
 /// @param ivCallback                 supplies initialisation vectors
-/// @param useBiometrics              keep the PCI token in the secure store behind a biometric check; false also
+/// @param useBiometrics              keep the PCI token in the secure store behind a biometric check; false
+/// also
 ///                                   deletes what an earlier run kept there
 /// @param wearableName, wearableImage  how a wearable card is named and pictured
 /// @return false only when the key is not strict base64; then nothing but the stored key text has changed.
-bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback, bool useBiometrics,
-                const KorvaneColors& colors, const KorvaneCornerRadii& cornerRadii,
+bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback,
+                bool useBiometrics, const KorvaneColors& colors, const KorvaneCornerRadii& cornerRadii,
                 std::optional<std::string> wearableName = std::nullopt,
                 std::optional<ImageData> wearableImage = std::nullopt);
 

@@ -13,7 +13,8 @@ namespace korvane {
 using IvReply = std::function<void(std::optional<std::string> ivId, std::optional<std::string> iv)>;
 
 /// Supplies an initialisation vector. Called on the main thread whenever one is needed, which may be often: a
-/// service that keeps refusing IVs is asked again without limit. Answer at once or later, by calling the reply.
+/// service that keeps refusing IVs is asked again without limit. Answer at once or later, by calling the
+/// reply.
 using IvCallback = std::function<void(IvReply reply)>;
 
 }  // namespace korvane

@@ -36,12 +36,12 @@ struct Bullet {
 
 /// A row of digit boxes. What was typed is told by its number of digits alone when the boxes are masked.
 struct PasscodeBoxes {
-    std::string id;             ///< the control's id
-    int size = 0;               ///< number of boxes
-    int filled = 0;             ///< boxes with a digit, from the first on
+    std::string id;               ///< the control's id
+    int size = 0;                 ///< number of boxes
+    int filled = 0;               ///< boxes with a digit, from the first on
     int firstResponderIndex = 0;  ///< the box that takes the next digit; the last one when all are full
-    bool secure = true;         ///< masked
-    std::string visibleDigits;  ///< the digits, when the boxes are not masked
+    bool secure = true;           ///< masked
+    std::string visibleDigits;    ///< the digits, when the boxes are not masked
 };
 
 /// A sheet that slides up over the screen.
@@ -53,9 +53,9 @@ struct Sheet {
 /// All that there is to draw and to use on the screen that a person sees now. Texts are localization keys,
 /// images are asset names.
 struct ScreenSnapshot {
-    std::string view;             ///< view name: "EnterCardPINView"; the host's own name while it decides
-    std::uint64_t instance = 0;   ///< changes when another screen is shown, even one of the same name
-    int depth = 0;                ///< pushed screens below this one; grows on a push, shrinks on a pop
+    std::string view;                ///< view name: "EnterCardPINView"; the host's own name while it decides
+    std::uint64_t instance = 0;      ///< changes when another screen is shown, even one of the same name
+    int depth = 0;                   ///< pushed screens below this one; grows on a push, shrinks on a pop
     std::vector<std::string> stack;  ///< hosts and screens from the journey's root up to this one
     std::vector<StateField> state;   ///< holds no PIN, code or token
     std::vector<Control> controls;   ///< in reading order
@@ -71,10 +71,10 @@ struct ScreenSnapshot {
     bool spinner = false;  ///< a call is under way; what must not be tapped meanwhile is not enabled
 };
 
-enum class JourneyKind { setPIN, activateCardAndSetPIN, getCardImage };
+enum class JourneyKind { setPIN, activateCardAndSetPIN };
 
-/// One of the component's journeys for one card, without a window: what is shown is read with `screen`, what a
-/// person does is told with `perform` and the passcode calls. Every toolkit, console and test drives this.
+/// One of the component's journeys for one card, without a window: what is shown is read with `screen`, what
+/// a person does is told with `perform` and the passcode calls. Every toolkit, console and test drives this.
 ///
 /// Main thread only. It may be destroyed at any time, from inside its own callbacks too; calls under way then
 /// end unheard. It ends by posting `NotificationCloseUI`, and the host answers by destroying it.
@@ -104,7 +104,8 @@ class Journey {
     /// Clears all boxes, then inserts.
     Outcome replaceText(std::string_view text);
 
-    /// Calls `changed` on the main queue once after any number of changes to the screen; one observer at a time.
+    /// Calls `changed` on the main queue once after any number of changes to the screen; one observer at a
+    /// time.
     void onChange(std::function<void()> changed);
 
   private:

@@ -29,6 +29,10 @@ using Operation = std::shared_ptr<OperationHandle>;
 // without limit (deliberate). Main thread.
 
 Operation doPinSet(std::string pin, OperationCompletion completion);
+Operation doActivatePhysicalCardAndSetPIN(std::string lastFourOfPan, std::string cvv, std::string pin,
+                                          OperationCompletion completion);
+Operation doActivateVirtualCardAndSetPIN(std::string pin, OperationCompletion completion);
+Operation doActivateWearableCardAndSetPIN(std::string pin, OperationCompletion completion);
 Operation doGetCardStatus(OperationCompletion completion);
 Operation doPciTokenRequest(OperationCompletion completion);
 Operation doPciTokenSubmission(OperationCompletion completion);

@@ -45,8 +45,12 @@ void KorvanePassCodeInput::clear() {
     update();
 }
 
-int KorvanePassCodeInput::firstResponderIndex() const { return std::min(filled(), size_ - 1); }
+int KorvanePassCodeInput::firstResponderIndex() const {
+    return std::min(filled(), size_ - 1);
+}
 
-void KorvanePassCodeInput::update() { model_.isValid = filled() == size_; }
+void KorvanePassCodeInput::update() {
+    model_.isValid = filled() == size_;
+}
 
 }  // namespace korvane

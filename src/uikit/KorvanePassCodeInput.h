@@ -8,13 +8,15 @@
 
 namespace korvane {
 
-/// A row of digit boxes as one logical field: boxes fill from the first on, and the focus follows. Main thread.
+/// A row of digit boxes as one logical field: boxes fill from the first on, and the focus follows. Main
+/// thread.
 class KorvanePassCodeInput {
   public:
     KorvanePassCodeInput(std::string id, int size, bool isSecure);
 
-    /// A digit goes into the focused box. Several at once are a paste or an autofill: they start at the first box.
-    /// Blanks and dashes are dropped, and so is what does not fit. Anything else in the text: false, no change.
+    /// A digit goes into the focused box. Several at once are a paste or an autofill: they start at the first
+    /// box. Blanks and dashes are dropped, and so is what does not fit. Anything else in the text: false, no
+    /// change.
     bool insertText(std::string_view text);
     /// Clears the digit before the focus; nothing when all boxes are empty.
     void deleteBackward();
@@ -40,9 +42,17 @@ class KorvanePassCodeInput {
 };
 
 // The four kinds of boxes. The CVV and the PIN are masked; what stands on paper or in a message is not.
-inline KorvanePassCodeInput KorvanePassCodeViewPIN(std::string id) { return {std::move(id), 4, true}; }
-inline KorvanePassCodeInput KorvanePassCodeViewCVV(std::string id) { return {std::move(id), 3, true}; }
-inline KorvanePassCodeInput KorvanePassCodeViewLastFour(std::string id) { return {std::move(id), 4, false}; }
-inline KorvanePassCodeInput KorvanePassCodeViewTwoFactor(std::string id) { return {std::move(id), 6, false}; }
+inline KorvanePassCodeInput KorvanePassCodeViewPIN(std::string id) {
+    return {std::move(id), 4, true};
+}
+inline KorvanePassCodeInput KorvanePassCodeViewCVV(std::string id) {
+    return {std::move(id), 3, true};
+}
+inline KorvanePassCodeInput KorvanePassCodeViewLastFour(std::string id) {
+    return {std::move(id), 4, false};
+}
+inline KorvanePassCodeInput KorvanePassCodeViewTwoFactor(std::string id) {
+    return {std::move(id), 6, false};
+}
 
 }  // namespace korvane

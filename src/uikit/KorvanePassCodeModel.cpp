@@ -6,7 +6,8 @@
 namespace korvane {
 
 bool isWeakPIN(const std::string& pin) {
-    static const std::regex weak{KorvanePassCodeModel::goodPINRegex.begin(), KorvanePassCodeModel::goodPINRegex.end()};
+    static const std::regex weak{KorvanePassCodeModel::goodPINRegex.begin(),
+                                 KorvanePassCodeModel::goodPINRegex.end()};
     return std::regex_search(pin, weak);
 }
 

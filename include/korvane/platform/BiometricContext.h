@@ -23,14 +23,17 @@ class BiometricContext {
 
     /// Starts a check and shows `reason` to the user. `reply` runs at most once, on any thread, never from
     /// inside this call, with true on a match alone; a cancel, a lock-out and a lost device are false.
-    virtual std::unique_ptr<BiometricEvaluation> evaluate(std::string reason, std::function<void(bool)> reply) = 0;
+    virtual std::unique_ptr<BiometricEvaluation> evaluate(std::string reason,
+                                                          std::function<void(bool)> reply) = 0;
 };
 
 /// The check of a device that has none.
 class NoBiometricContext final : public BiometricContext {
   public:
     bool canEvaluate() override { return false; }
-    std::unique_ptr<BiometricEvaluation> evaluate(std::string, std::function<void(bool)>) override { return nullptr; }
+    std::unique_ptr<BiometricEvaluation> evaluate(std::string, std::function<void(bool)>) override {
+        return nullptr;
+    }
 };
 
 }  // namespace korvane

@@ -10,7 +10,8 @@ class Console {
   public:
     virtual ~Console() = default;
 
-    /// Writes one line of UTF-8; the line feed is added here. Any thread; lines of different threads do not mix.
+    /// Writes one line of UTF-8; the line feed is added here. Any thread; lines of different threads do not
+    /// mix.
     virtual void line(std::string_view text) = 0;
 };
 

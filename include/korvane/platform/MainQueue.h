@@ -11,8 +11,8 @@ class MainQueue {
     virtual ~MainQueue() = default;
 
     /// Runs `work` once on the main thread, after everything that was posted before it and never from inside
-    /// this call. Any thread may call. Work that is still queued when the queue is destroyed is dropped unrun,
-    /// on the thread that destroys the queue.
+    /// this call. Any thread may call. Work that is still queued when the queue is destroyed is dropped
+    /// unrun, on the thread that destroys the queue.
     virtual void post(std::function<void()> work) = 0;
 
     /// True on the main thread. Any thread may call.

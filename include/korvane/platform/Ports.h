@@ -31,8 +31,8 @@ struct Ports {
 /// meant for tests between journeys. Returns false, and installs nothing, when a port is missing.
 bool installPorts(Ports ports);
 
-/// The ports in use. Calling it before `installPorts` ends the process with a message on standard error: there
-/// is nothing yet that could carry a failure. Any thread, as long as nobody installs.
+/// The ports in use. Calling it before `installPorts` ends the process with a message on standard error:
+/// there is nothing yet that could carry a failure. Any thread, as long as nobody installs.
 const Ports& ports();
 
 }  // namespace korvane

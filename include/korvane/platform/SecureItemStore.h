@@ -14,7 +14,8 @@ using SecureItemStatus = int;
 inline constexpr SecureItemStatus secureItemSuccess = 0;
 inline constexpr SecureItemStatus secureItemNotFound = -25300;
 inline constexpr SecureItemStatus secureItemDuplicate = -25299;
-inline constexpr SecureItemStatus secureItemNotAvailable = -25291;  ///< no store on this device, or none that answers
+inline constexpr SecureItemStatus secureItemNotAvailable =
+    -25291;  ///< no store on this device, or none that answers
 
 struct SecureItem {
     SecureItemStatus status = secureItemNotAvailable;
@@ -22,8 +23,8 @@ struct SecureItem {
 };
 
 /// Generic passwords in the device's own secure store, each named by service and account, readable after the
-/// user's first unlock. Calls are synchronous but bounded (5 s), and may come from any thread. A store that is
-/// absent, locked or hanging answers with a status; it never throws and falls back to nothing weaker.
+/// user's first unlock. Calls are synchronous but bounded (5 s), and may come from any thread. A store that
+/// is absent, locked or hanging answers with a status; it never throws and falls back to nothing weaker.
 class SecureItemStore {
   public:
     virtual ~SecureItemStore() = default;
@@ -31,8 +32,10 @@ class SecureItemStore {
     /// Status 0 when the item exists; its value is not read.
     virtual SecureItemStatus exists(std::string_view service, std::string_view account) = 0;
     /// `secureItemDuplicate` when the item exists already.
-    virtual SecureItemStatus add(std::string_view service, std::string_view account, std::string_view value) = 0;
-    virtual SecureItemStatus update(std::string_view service, std::string_view account, std::string_view value) = 0;
+    virtual SecureItemStatus add(std::string_view service, std::string_view account,
+                                 std::string_view value) = 0;
+    virtual SecureItemStatus update(std::string_view service, std::string_view account,
+                                    std::string_view value) = 0;
     virtual SecureItem copy(std::string_view service, std::string_view account) = 0;
     virtual SecureItemStatus remove(std::string_view service, std::string_view account) = 0;
 };
@@ -41,8 +44,12 @@ class SecureItemStore {
 class NoSecureItemStore final : public SecureItemStore {
   public:
     SecureItemStatus exists(std::string_view, std::string_view) override { return secureItemNotAvailable; }
-    SecureItemStatus add(std::string_view, std::string_view, std::string_view) override { return secureItemNotAvailable; }
-    SecureItemStatus update(std::string_view, std::string_view, std::string_view) override { return secureItemNotAvailable; }
+    SecureItemStatus add(std::string_view, std::string_view, std::string_view) override {
+        return secureItemNotAvailable;
+    }
+    SecureItemStatus update(std::string_view, std::string_view, std::string_view) override {
+        return secureItemNotAvailable;
+    }
     SecureItem copy(std::string_view, std::string_view) override { return {}; }
     SecureItemStatus remove(std::string_view, std::string_view) override { return secureItemNotAvailable; }
 };

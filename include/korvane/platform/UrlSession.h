@@ -18,9 +18,9 @@ struct UrlRequest {
 
 /// What became of a request: an HTTP answer, or the reason why there is none.
 struct UrlReply {
-    int status = 0;         ///< HTTP status of the answer; 0 when no whole answer came
-    std::string body;       ///< the answer's body, as received; empty when no whole answer came
-    std::string failure;    ///< why no whole answer came (for the log only); empty when one did
+    int status = 0;       ///< HTTP status of the answer; 0 when no whole answer came
+    std::string body;     ///< the answer's body, as received; empty when no whole answer came
+    std::string failure;  ///< why no whole answer came (for the log only); empty when one did
 
     bool answered() const { return status != 0; }
 };
@@ -40,7 +40,8 @@ class UrlSession {
 
     /// Starts a request. `reply` runs at most once, on any thread, never from inside this call; every failure
     /// (name not found, refused, reset, TLS, time-out, too large) is a reply that is not `answered()`.
-    /// Main thread only; the caller owns the task. Tasks may outlive the session: then their replies never run.
+    /// Main thread only; the caller owns the task. Tasks may outlive the session: then their replies never
+    /// run.
     virtual std::unique_ptr<UrlTask> start(UrlRequest request, std::function<void(UrlReply)> reply) = 0;
 };
 

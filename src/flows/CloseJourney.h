@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+namespace korvane {
+
+enum class CloseResult { success, canceled, failure };
+
+/// Ends the journey: posts `NotificationCloseUI` with the result. The host answers by removing the
+/// component's user interface, possibly before this returns; a host that does not observe sees the page stay.
+void closeJourney(CloseResult result);
+
+}  // namespace korvane

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "flows/EnterSMSCodeView.h"
+
+#include <korvane/platform/Ports.h>
+
+#include <utility>
+
+#include "base/Text.h"
+#include "flows/FailureRoute.h"
+#include "flows/NavigationStack.h"
+#include "flows/SMSCodeRequest.h"
+#include "flows/ScreenFactory.h"
+#include "flows/ViewNames.h"
+#include "sdk/SdkConfig.h"
+
+namespace korvane {
+namespace {
+
+constexpr std::chrono::seconds resendDelay{30};
+
+}  // namespace
+
+EnterSMSCodeView::EnterSMSCodeView(std::shared_ptr<NavigationStack> stack)
+    : Screen(std::move(stack), view::EnterSMSCodeView),
+      passCode_(KorvanePassCodeViewTwoFactor("sdk.sms.code.input")) {
+    resendDeadline_ = ports().timers->now() + resendDelay;
+}
+
+EnterSMSCodeView::~EnterSMSCodeView() {
+    if (submission_) submission_->cancel();
+    wipe(SdkConfig::sharedInstance().twoFactorCode);
+}
+
+void EnterSMSCodeView::onAppear() {
+    tick();
+}
+
+void EnterSMSCodeView::passcodeChanged() {
+    codeIncorrect_ = false;
+    if (passCode_.inputModel().isValid) submit();
+}
+
+void EnterSMSCodeView::submit() {
+    showSpinner_ = true;
+    SdkConfig::sharedInstance().twoFactorCode = passCode_.inputModel().passCodeString;
+    submission_ = doPciTokenSubmission([weak = weak(this)](const KorvaneRetStruct& result) {
+        if (const auto self = weak.lock()) self->submitted(result);
+    });
+    changed();
+}
+
+void EnterSMSCodeView::submitted(const KorvaneRetStruct& result) {
+    submission_.reset();
+    showSpinner_ = false;
+    if (!result.error) {
+        SdkConfig& config = SdkConfig::sharedInstance();
+        std::string next = std::exchange(config.viewToShowAfterSMSVerify, {});
+        if (next.empty()) next = std::exchange(config.viewToShowAfterSMSVerifyBackup, {});
+        stack().leaveSMSStep(next);
+    } else if (equalIgnoringCase(result.errorMsg, "Failure: Incorrect SMS verification code")) {
+        codeIncorrect_ = true;
+        passCode_.clear();
+        changed();
+    } else if (result.errorMsg == "forceSMSFlowReset" ||
+               routeOf(result).road == FailureRoute::Road::verifyBySMS) {
+        startOver();
+    } else {
+        // The code stays: the button submits it again when the person comes back.
+        changed();
+        stack().push(makeScreen(sharedStack(), view::UhOhTryAgainWithErrorMsgView, ScreenArguments{}));
+    }
+}
+
+void EnterSMSCodeView::leave() {
+    // The cancelled submission reports to a screen that is gone, and the SMS step starts again where we go.
+    if (submission_) std::exchange(submission_, nullptr)->cancel();
+    startOver();
+}
+
+void EnterSMSCodeView::startOver() {
+    wipe(SdkConfig::sharedInstance().decryptedPciSmsToken);
+    dismiss();
+}
+
+void EnterSMSCodeView::resend() {
+    showSpinner_ = true;
+    requestSMSCode([weak = weak(this)](const KorvaneRetStruct& result) {
+        const auto self = weak.lock();
+        if (!self) return;
+        self->showSpinner_ = false;
+        if (result.error) {
+            self->stack().showToast("errors.generic.api");
+            return;
+        }
+        self->codeIncorrect_ = false;
+        self->passCode_.clear();
+        self->resendDeadline_ = ports().timers->now() + resendDelay;
+        self->tick();
+        self->stack().showToast("sdk.sms.code.resent");
+    });
+    changed();
+}
+
+int EnterSMSCodeView::secondsToResend() const {
+    const auto left = resendDeadline_ - ports().timers->now();
+    return left.count() <= 0 ? 0 : static_cast<int>(std::chrono::ceil<std::chrono::seconds>(left).count());
+}
+
+void EnterSMSCodeView::tick() {
+    countdown_.reset();
+    const auto left = resendDeadline_ - ports().timers->now();
+    if (left.count() > 0) {
+        // Up to the next whole second that is left, so that a device that slept shows the right number at
+        // once.
+        const auto step = left - std::chrono::seconds(secondsToResend() - 1);
+        countdown_ = ports().timers->start(step, [weak = weak(this)] {
+            if (const auto self = weak.lock()) self->tick();
+        });
+    }
+    changed();
+}
+
+std::vector<Screen::ScreenControl> EnterSMSCodeView::controls() {
+    return {
+        back().control.enabled ? ScreenControl{{"back", ControlKind::back, true}, [this] { leave(); }}
+                               : back(),
+        {{passCode_.id(), ControlKind::passcode, !showSpinner_}, nullptr},
+        button("sdk.sms.code.button", passCode_.inputModel().isValid && !showSpinner_, [this] { submit(); }),
+        button("sdk.sms.code.resend", secondsToResend() == 0 && !showSpinner_, [this] { resend(); })};
+}
+
+void EnterSMSCodeView::describeContent(ScreenSnapshot& snapshot) const {
+    snapshot.title = "sdk.sms.code.header";
+    snapshot.body = {"sdk.sms.code.subheader"};
+    if (codeIncorrect_) snapshot.message = "sdk.sms.code.incorrect";
+    snapshot.spinner = showSpinner_;
+    snapshot.state.push_back({"showSpinner", showSpinner_});
+    snapshot.state.push_back({"resendSeconds", secondsToResend()});
+}
+
+}  // namespace korvane

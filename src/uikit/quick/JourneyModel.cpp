@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "uikit/quick/JourneyModel.h"
+
+#include "uikit/quick/Theme.h"
+
+namespace korvane {
+namespace {
+
+JourneyKind toCore(JourneyModel::Kind kind) {
+    switch (kind) {
+        case JourneyModel::Kind::SetPIN: return JourneyKind::setPIN;
+        case JourneyModel::Kind::ActivateCardAndSetPIN: return JourneyKind::activateCardAndSetPIN;
+        case JourneyModel::Kind::GetCardImage: return JourneyKind::getCardImage;
+    }
+    return JourneyKind::setPIN;
+}
+
+}  // namespace
+
+JourneyModel::JourneyModel(QObject* parent) : QObject(parent) {}
+
+JourneyModel::~JourneyModel() { stop(); }
+
+void JourneyModel::setKind(Kind kind) {
+    if (kind_ == kind) return;
+    kind_ = kind;
+    emit kindChanged();
+    start();
+}
+
+void JourneyModel::setCardId(const QString& cardId) {
+    if (cardId_ == cardId) return;
+    cardId_ = cardId;
+    emit cardIdChanged();
+    start();
+}
+
+void JourneyModel::setOnScreen(bool onScreen) {
+    if (onScreen_ == onScreen) return;
+    onScreen_ = onScreen;
+    emit onScreenChanged();
+    if (onScreen_ && journey_) journey_->appear();
+}
+
+void JourneyModel::componentComplete() {
+    complete_ = true;
+    start();
+}
+
+void JourneyModel::start() {
+    if (!complete_) return;
+    stop();
+    closing_ = NotificationCenter::defaultCenter().observe(NotificationCloseUI, [this](const auto& userInfo) {
+        const auto result = userInfo.find("result");
+        emit closed(result == userInfo.end() ? QString() : QString::fromStdString(result->second));
+    });
+    journey_ = std::make_unique<Journey>(toCore(kind_), cardId_.toStdString());
+    journey_->onChange([this] { show(); });
+    show();
+    if (onScreen_) journey_->appear();
+}
+
+void JourneyModel::stop() {
+    even_.attach(nullptr);
+    odd_.attach(nullptr);
+    closing_.reset();
+    journey_.reset();
+    instance_ = 0;
+}
+
+void JourneyModel::show() {
+    const ScreenSnapshot snapshot = journey_->screen();
+    if (snapshot.instance == instance_) {
+        current_->update(snapshot);
+        return;
+    }
+
+    if (Theme* const theme = Theme::of(this)) theme->refresh();
+    const bool first = instance_ == 0;
+    move_ = first                     ? Move::None
+            : snapshot.depth > depth_ ? Move::Push
+            : snapshot.depth < depth_ ? Move::Pop
+                                      : Move::Replace;
+    instance_ = snapshot.instance;
+    depth_ = snapshot.depth;
+    current_->attach(nullptr);
+    if (!first) current_ = current_ == &even_ ? &odd_ : &even_;
+    current_->attach(journey_.get());
+    current_->load(snapshot);
+    emit moved();
+}
+
+}  // namespace korvane

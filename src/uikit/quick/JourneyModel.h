@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/CloseNotification.h>
+#include <korvane/Journey.h>
+
+#include <QObject>
+#include <QQmlParserStatus>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+#include <memory>
+
+#include "uikit/quick/ScreenModel.h"
+
+namespace korvane {
+
+/// A journey for the QML that draws it: the screen shown now, the one shown before it, and the move between them.
+/// Main thread; needs installed ports.
+///
+/// The journey is made when the component is complete, and made anew when the kind or the card changes later; it
+/// starts when it first comes on screen.
+class JourneyModel : public QObject, public QQmlParserStatus {
+    Q_OBJECT
+    Q_INTERFACES(QQmlParserStatus)
+    QML_ELEMENT
+
+    Q_PROPERTY(Kind kind READ kind WRITE setKind NOTIFY kindChanged)
+    Q_PROPERTY(QString cardId READ cardId WRITE setCardId NOTIFY cardIdChanged)
+    /// A person can see the journey.
+    Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
+
+    // Two models take turns, so that the screen that leaves stays as it was while it moves away.
+    Q_PROPERTY(korvane::ScreenModel* even READ even CONSTANT)
+    Q_PROPERTY(korvane::ScreenModel* odd READ odd CONSTANT)
+    Q_PROPERTY(korvane::ScreenModel* current READ current NOTIFY moved)
+    Q_PROPERTY(Move move READ move NOTIFY moved)
+
+  public:
+    enum class Kind { SetPIN, ActivateCardAndSetPIN, GetCardImage };
+    Q_ENUM(Kind)
+    /// How the present screen came: as the first one, pushed over the one before, uncovered by its going, or in its
+    /// place.
+    enum class Move { None, Push, Pop, Replace };
+    Q_ENUM(Move)
+
+    explicit JourneyModel(QObject* parent = nullptr);
+    ~JourneyModel() override;
+
+    Kind kind() const { return kind_; }
+    void setKind(Kind kind);
+    QString cardId() const { return cardId_; }
+    void setCardId(const QString& cardId);
+    bool onScreen() const { return onScreen_; }
+    void setOnScreen(bool onScreen);
+    ScreenModel* even() { return &even_; }
+    ScreenModel* odd() { return &odd_; }
+    ScreenModel* current() { return current_; }
+    Move move() const { return move_; }
+
+    /// Ends the journey; the screens stay drawn but answer to nothing.
+    void stop();
+
+    void classBegin() override {}
+    void componentComplete() override;
+
+  signals:
+    void kindChanged();
+    void cardIdChanged();
+    void onScreenChanged();
+    void moved();
+    /// The journey is over: "SUCCESS", "CANCELED" or "FAILURE". The host takes the journey off the screen.
+    void closed(const QString& result);
+
+  private:
+    void start();
+    void show();
+
+    Kind kind_ = Kind::SetPIN;
+    QString cardId_;
+    bool onScreen_ = false;
+    bool complete_ = false;
+    ScreenModel even_;
+    ScreenModel odd_;
+    ScreenModel* current_ = &even_;
+    Move move_ = Move::None;
+    std::uint64_t instance_ = 0;
+    int depth_ = 0;
+    std::shared_ptr<NotificationCenter::Observation> closing_;
+    std::unique_ptr<Journey> journey_;
+};
+
+}  // namespace korvane

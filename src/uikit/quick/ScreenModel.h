@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/Journey.h>
+
+#include <QObject>
+#include <QQmlListProperty>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+#include <string_view>
+
+#include "uikit/quick/ControlModel.h"
+
+namespace korvane {
+
+/// One screen of a journey as typed properties with texts in the user's language. Main thread.
+///
+/// A property signals only when its own value changed, so nothing flickers and the focus stays. No property holds a
+/// digit: the boxes are drawn by `PasscodeItem`, which asks in C++.
+class ScreenModel : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Journeys make their screens.")
+
+    /// The view name; the root item of the screen bears it as its `objectName`.
+    Q_PROPERTY(QString view READ view NOTIFY viewChanged)
+    Q_PROPERTY(Layout layout READ layout NOTIFY layoutChanged)
+    Q_PROPERTY(QString image READ image NOTIFY imageChanged)
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    Q_PROPERTY(QStringList body READ body NOTIFY bodyChanged)
+    Q_PROPERTY(QQmlListProperty<korvane::BulletModel> bullets READ bullets NOTIFY bulletsChanged)
+    Q_PROPERTY(QString message READ message NOTIFY messageChanged)
+    Q_PROPERTY(QString toast READ toast NOTIFY toastChanged)
+    Q_PROPERTY(bool spinner READ spinner NOTIFY spinnerChanged)
+
+    Q_PROPERTY(korvane::ControlModel* back READ back NOTIFY controlsChanged)
+    Q_PROPERTY(korvane::ControlModel* close READ close NOTIFY controlsChanged)
+    Q_PROPERTY(korvane::ControlModel* row READ row NOTIFY controlsChanged)
+    Q_PROPERTY(korvane::ControlModel* passcode READ passcode NOTIFY controlsChanged)
+    /// The buttons at the foot of the screen, the primary one first.
+    Q_PROPERTY(QQmlListProperty<korvane::ControlModel> buttons READ buttons NOTIFY controlsChanged)
+
+    /// What the boxes are and how far they are filled, for people who do not see them.
+    Q_PROPERTY(QString passcodeDescription READ passcodeDescription NOTIFY passcodeChanged)
+
+    /// The sheet's text and button stay while it slides away.
+    Q_PROPERTY(bool sheetOpen READ sheetOpen NOTIFY sheetOpenChanged)
+    Q_PROPERTY(QString sheetText READ sheetText NOTIFY sheetTextChanged)
+    Q_PROPERTY(korvane::ControlModel* sheetButton READ sheetButton NOTIFY sheetButtonChanged)
+
+  public:
+    /// How the parts are arranged: a turning wheel alone, boxes to type in, or a picture with words.
+    enum class Layout { Waiting, Entry, Message };
+    Q_ENUM(Layout)
+
+    explicit ScreenModel(QObject* parent = nullptr);
+    ~ScreenModel() override;
+
+    QString view() const { return view_; }
+    Layout layout() const { return layout_; }
+    QString image() const { return image_; }
+    QString title() const { return title_; }
+    QStringList body() const { return body_; }
+    QQmlListProperty<BulletModel> bullets() { return {this, &bullets_}; }
+    QString message() const { return message_; }
+    QString toast() const { return toast_; }
+    bool spinner() const { return spinner_; }
+    ControlModel* back() const { return first(ControlKind::back); }
+    ControlModel* close() const { return first(ControlKind::close); }
+    ControlModel* row() const { return first(ControlKind::row); }
+    ControlModel* passcode() const { return first(ControlKind::passcode); }
+    QQmlListProperty<ControlModel> buttons() { return {this, &buttons_}; }
+    QString passcodeDescription() const { return passcodeDescription_; }
+    bool sheetOpen() const { return sheetOpen_; }
+    QString sheetText() const { return sheetText_; }
+    ControlModel* sheetButton() const { return sheetButton_; }
+
+    /// Shows another screen in this model's place.
+    void load(const ScreenSnapshot& snapshot);
+    /// Takes over what changed on the same screen.
+    void update(const ScreenSnapshot& snapshot);
+    /// Where use goes to; none for a screen that is no longer shown, so that a late tap on it does nothing.
+    void attach(Journey* journey) { journey_ = journey; }
+
+    /// The boxes, for the item that draws them.
+    const std::optional<PasscodeBoxes>& boxes() const { return boxes_; }
+    void insertText(std::string_view text);
+    void deleteBackward();
+    /// Uses the primary button when it is usable, as the Enter key does.
+    void submit();
+
+    /// Answers Escape: closes the sheet, else goes back. False when there is neither.
+    Q_INVOKABLE bool escape();
+
+  signals:
+    void viewChanged();
+    void layoutChanged();
+    void imageChanged();
+    void titleChanged();
+    void bodyChanged();
+    void bulletsChanged();
+    void messageChanged();
+    void toastChanged();
+    void spinnerChanged();
+    void controlsChanged();
+    void passcodeChanged();
+    void sheetOpenChanged();
+    void sheetTextChanged();
+    void sheetButtonChanged();
+    /// Another screen has come: start afresh.
+    void loaded();
+    /// The boxes were refused and wait for another entry: give them the focus.
+    void entryWanted();
+
+  private:
+    template <class Value>
+    void set(Value& field, Value value, void (ScreenModel::*changed)());
+    void updateControls(const ScreenSnapshot& snapshot);
+    void updateBullets(const ScreenSnapshot& snapshot);
+    void updateBoxes(const ScreenSnapshot& snapshot);
+    ControlModel* first(ControlKind kind) const;
+    ControlModel* find(std::string_view id) const;
+    void perform(const std::string& controlId);
+
+    Journey* journey_ = nullptr;
+    QString view_;
+    Layout layout_ = Layout::Waiting;
+    QString image_;
+    QString title_;
+    QStringList body_;
+    QList<BulletModel*> bullets_;
+    std::vector<Bullet> bulletKeys_;
+    QString message_;
+    QString toast_;
+    bool spinner_ = false;
+    QList<ControlModel*> controls_;
+    QList<ControlModel*> buttons_;
+    std::string lastUsed_;  ///< the control that a call under way came from
+    std::optional<PasscodeBoxes> boxes_;
+    QString passcodeDescription_;
+    bool sheetOpen_ = false;
+    QString sheetText_;
+    ControlModel* sheetButton_ = nullptr;
+};
+
+}  // namespace korvane
