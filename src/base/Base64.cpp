@@ -20,7 +20,9 @@ constexpr std::array<std::uint8_t, 256> makeValues() {
 
 constexpr std::array<std::uint8_t, 256> values = makeValues();
 
-std::uint32_t valueOf(char character) { return values[static_cast<unsigned char>(character)]; }
+std::uint32_t valueOf(char character) {
+    return values[static_cast<unsigned char>(character)];
+}
 
 }  // namespace
 
@@ -29,11 +31,13 @@ std::string base64Encode(std::span<const std::uint8_t> bytes) {
     std::size_t out = 0;
     std::size_t in = 0;
     for (; in + 3 <= bytes.size(); in += 3) {
-        const std::uint32_t group = static_cast<std::uint32_t>(bytes[in] << 16 | bytes[in + 1] << 8 | bytes[in + 2]);
+        const std::uint32_t group =
+            static_cast<std::uint32_t>(bytes[in] << 16 | bytes[in + 1] << 8 | bytes[in + 2]);
         for (int shift = 18; shift >= 0; shift -= 6) text[out++] = alphabet[group >> shift & 63];
     }
     if (const std::size_t rest = bytes.size() - in; rest > 0) {
-        const std::uint32_t group = static_cast<std::uint32_t>(bytes[in] << 16 | (rest == 2 ? bytes[in + 1] << 8 : 0));
+        const std::uint32_t group =
+            static_cast<std::uint32_t>(bytes[in] << 16 | (rest == 2 ? bytes[in + 1] << 8 : 0));
         text[out++] = alphabet[group >> 18 & 63];
         text[out++] = alphabet[group >> 12 & 63];
         if (rest == 2) text[out++] = alphabet[group >> 6 & 63];

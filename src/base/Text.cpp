@@ -8,7 +8,9 @@
 namespace korvane {
 namespace {
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 void appendUtf8(std::string& text, std::uint32_t point) {
     const auto push = [&text](std::uint32_t byte) { text.push_back(static_cast<char>(byte)); };
@@ -80,7 +82,8 @@ std::optional<std::string> utf8FromUtf16(std::span<const std::uint8_t> bytes) {
         if (mark == 0xFEFF || mark == 0xFFFE) i = 2;
     }
     const auto unit = [&](std::size_t at) {
-        return static_cast<std::uint32_t>(bigEndian ? bytes[at] << 8 | bytes[at + 1] : bytes[at + 1] << 8 | bytes[at]);
+        return static_cast<std::uint32_t>(bigEndian ? bytes[at] << 8 | bytes[at + 1]
+                                                    : bytes[at + 1] << 8 | bytes[at]);
     };
     std::string text;
     for (; i < bytes.size(); i += 2) {
@@ -103,7 +106,8 @@ std::optional<double> decimalNumber(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     double number = 0;
     const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (failure != std::errc{} || end != text.data() + text.size() || !std::isfinite(number)) return std::nullopt;
+    if (failure != std::errc{} || end != text.data() + text.size() || !std::isfinite(number))
+        return std::nullopt;
     return number;
 }
 

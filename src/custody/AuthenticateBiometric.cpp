@@ -63,7 +63,8 @@ constexpr Item timeout{
     .notText = "Error getting string from dataPCITokenBioTimeoutFromKeychain",
     .found = "stringPCITokenBioTimeoutFromKeychain: ",
     .setting =
-        "Setting SdkConfg.sharedInstance.decBiometricsAuthenticationTimer with stringPCITokenBioTimeoutFromKeychain",
+        "Setting SdkConfg.sharedInstance.decBiometricsAuthenticationTimer with "
+        "stringPCITokenBioTimeoutFromKeychain",
     .now = "SdkConfig.sharedInstance.decBiometricsAuthenticationTimer is now = ",
 };
 
@@ -146,8 +147,8 @@ std::shared_ptr<BiometricEvaluation> evaluate(std::function<void(bool)> done) {
         });
     });
     BiometricEvaluation* const handle = check.get();
-    return {handle, [check = std::shared_ptr<BiometricEvaluation>(std::move(check)), alive = std::move(alive)](
-                        BiometricEvaluation*) mutable {
+    return {handle, [check = std::shared_ptr<BiometricEvaluation>(std::move(check)),
+                     alive = std::move(alive)](BiometricEvaluation*) mutable {
                 alive.reset();
                 check.reset();
             }};
@@ -164,9 +165,13 @@ bool AuthenticateBiometric::savePciTokenAndTimeoutToKeychain() {
     return save(timeout) && tokenSaved;
 }
 
-bool AuthenticateBiometric::loadPciToken() { return load(token); }
+bool AuthenticateBiometric::loadPciToken() {
+    return load(token);
+}
 
-bool AuthenticateBiometric::loadBiometricsTimeout() { return load(timeout); }
+bool AuthenticateBiometric::loadBiometricsTimeout() {
+    return load(timeout);
+}
 
 bool AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain() {
     const bool tokenDeleted = erase(token);

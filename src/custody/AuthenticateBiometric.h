@@ -24,8 +24,8 @@ class AuthenticateBiometric {
 
     enum class Outcome { authenticated, noStoredToken, notAuthenticated };
 
-    /// The gate of the journeys. None when the device cannot evaluate: then `done` is dropped. Otherwise `done`
-    /// runs once on the main queue, unless the handle is released first: that cancels the check.
+    /// The gate of the journeys. None when the device cannot evaluate: then `done` is dropped. Otherwise
+    /// `done` runs once on the main queue, unless the handle is released first: that cancels the check.
     [[nodiscard]] static std::shared_ptr<BiometricEvaluation> runGate(std::function<void(Outcome)> done);
 };
 

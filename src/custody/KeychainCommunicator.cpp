@@ -10,7 +10,9 @@ namespace {
 
 constexpr std::string_view service = "KorvanePCISDKService";
 
-SecureItemStore& store() { return *ports().secureItemStore; }
+SecureItemStore& store() {
+    return *ports().secureItemStore;
+}
 
 void require(SecureItemStatus status) {
     if (status != secureItemSuccess) throw KeychainCommunicator::keychainError{};
@@ -40,6 +42,8 @@ std::optional<std::string> KeychainCommunicator::get(std::string_view account) {
     return std::move(item.value);
 }
 
-void KeychainCommunicator::remove(std::string_view account) { require(store().remove(service, account)); }
+void KeychainCommunicator::remove(std::string_view account) {
+    require(store().remove(service, account));
+}
 
 }  // namespace korvane

@@ -19,6 +19,8 @@ void log(std::initializer_list<std::string_view> pieces) {
     wipe(text);  // some lines print secrets (deliberate); this copy of them need not stay
 }
 
-void log(std::string_view text) { ports().console->line(text); }
+void log(std::string_view text) {
+    ports().console->line(text);
+}
 
 }  // namespace korvane

@@ -16,8 +16,9 @@ Ports& installed() {
 }  // namespace
 
 bool installPorts(Ports ports) {
-    const bool complete = ports.mainQueue && ports.timers && ports.urlSession && ports.console && ports.secureItemStore &&
-                          ports.biometricContext && ports.stringTable && ports.pasteboard;
+    const bool complete = ports.mainQueue && ports.timers && ports.urlSession && ports.console &&
+                          ports.secureItemStore && ports.biometricContext && ports.stringTable &&
+                          ports.pasteboard;
     if (!complete) {
         std::fputs("korvane: installPorts: a port is missing; nothing was installed\n", stderr);
         return false;

@@ -22,7 +22,8 @@ NotificationCenter& NotificationCenter::defaultCenter() {
     return *center;
 }
 
-std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string name, Observer observer) {
+std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string name,
+                                                                             Observer observer) {
     std::erase_if(observations_, [](const auto& entry) { return entry.second.expired(); });
     auto observation = std::make_shared<Observation>(std::move(observer));
     observations_.emplace(std::move(name), observation);
@@ -32,7 +33,8 @@ std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std
 void NotificationCenter::post(const std::string& name, const NotificationUserInfo& userInfo) {
     // Weak copies first: an observer that is called may release another one, or add some.
     std::vector<std::weak_ptr<Observation>> present;
-    for (auto [entry, end] = observations_.equal_range(name); entry != end; ++entry) present.push_back(entry->second);
+    for (auto [entry, end] = observations_.equal_range(name); entry != end; ++entry)
+        present.push_back(entry->second);
     for (const auto& weak : present) {
         if (const auto observation = weak.lock()) observation->call(userInfo);
     }

@@ -14,8 +14,8 @@
 
 namespace korvane {
 
-bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback, bool useBiometrics,
-                const KorvaneColors& colors, const KorvaneCornerRadii& cornerRadii,
+bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback,
+                bool useBiometrics, const KorvaneColors& colors, const KorvaneCornerRadii& cornerRadii,
                 std::optional<std::string> wearableName, std::optional<ImageData> wearableImage) {
     SdkConfig& config = SdkConfig::sharedInstance();
     // Stored before it is checked: a refused key still replaces the text (deliberate), never the bytes.

@@ -17,8 +17,8 @@
 
 namespace korvane {
 
-/// The one process-wide record through which the layers share settings and session data: a plain bag of fields
-/// that any code reads and writes by name. Made on first use, never reset, never destroyed.
+/// The one process-wide record through which the layers share settings and session data: a plain bag of
+/// fields that any code reads and writes by name. Made on first use, never reset, never destroyed.
 ///
 /// Main thread only; debug builds assert it. Nothing is locked.
 class SdkConfig {

@@ -24,7 +24,9 @@ constexpr std::array<Row, 5> rows{{
     {"paywallet", ".paywallet", "sdk.cardtype.paywallet"},
 }};
 
-const Row& row(eKorvaneCardType type) { return rows[static_cast<std::size_t>(type)]; }
+const Row& row(eKorvaneCardType type) {
+    return rows[static_cast<std::size_t>(type)];
+}
 
 }  // namespace
 
@@ -35,9 +37,13 @@ std::optional<eKorvaneCardType> cardTypeFromText(std::string_view text) {
     return std::nullopt;
 }
 
-std::string_view cardTypeCaseName(eKorvaneCardType type) { return row(type).caseName; }
+std::string_view cardTypeCaseName(eKorvaneCardType type) {
+    return row(type).caseName;
+}
 
-std::string_view cardTypeDisplayKey(eKorvaneCardType type) { return row(type).displayKey; }
+std::string_view cardTypeDisplayKey(eKorvaneCardType type) {
+    return row(type).displayKey;
+}
 
 std::string cardTypeDisplayName(eKorvaneCardType type) {
     const std::string_view key = cardTypeDisplayKey(type);

@@ -24,10 +24,14 @@ const EVP_CIPHER* cipherFor(std::size_t keySize) {
     static const CipherPtr aes192{EVP_CIPHER_fetch(nullptr, "AES-192-CBC", nullptr)};
     static const CipherPtr aes256{EVP_CIPHER_fetch(nullptr, "AES-256-CBC", nullptr)};
     switch (keySize) {
-        case 16: return aes128.get();
-        case 24: return aes192.get();
-        case 32: return aes256.get();
-        default: return nullptr;
+        case 16:
+            return aes128.get();
+        case 24:
+            return aes192.get();
+        case 32:
+            return aes256.get();
+        default:
+            return nullptr;
     }
 }
 
