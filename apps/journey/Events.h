@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/Journey.h>
+
+#include <string>
+#include <string_view>
+
+namespace korvane {
+
+/// The lines that the console writes: one JSON object each (RFC 8259), without the line feed.
+std::string screenEvent(const ScreenSnapshot& screen);
+std::string toastEvent(std::string_view id);
+std::string pasteboardEvent(std::string_view text);
+std::string closeEvent(std::string_view result);
+std::string errorEvent(std::string_view message);
+
+/// True when the screens differ in more than numbers that count down.
+bool differ(const ScreenSnapshot& one, const ScreenSnapshot& other);
+
+}  // namespace korvane
