@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Fails when a public header does not compile by itself."""
+
+import concurrent.futures
+import pathlib
+import subprocess
+import sys
+
+import tree
+
+
+def main(top, compiler):
+    include = pathlib.Path(top, "include")
+    headers = tree.sources(top, "include")
+
+    def compile_alone(header):
+        name = header.relative_to(include).as_posix()
+        return name, subprocess.run(
+            [compiler, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-I", str(include), "-x", "c++", "-"],
+            input=f"#include <{name}>\n", capture_output=True, text=True)
+
+    with concurrent.futures.ThreadPoolExecutor(2) as pool:
+        results = list(pool.map(compile_alone, headers))
+    failed = [(name, result.stderr) for name, result in results if result.returncode != 0]
+    for name, message in failed:
+        print(f"{name} does not compile alone:\n{message}")
+    print(f"{len(headers)} public headers, {len(failed)} failed")
+    return 1 if failed or not headers else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
