@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "sandbox/Certificates.h"
+
+#include <fcntl.h>
+#include <openssl/ec.h>
+#include <openssl/pem.h>
+#include <openssl/rand.h>
+#include <openssl/x509v3.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+namespace korvane::sandbox {
+namespace {
+
+struct Deleter {
+    void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
+    void operator()(X509* certificate) const { X509_free(certificate); }
+    void operator()(X509_EXTENSION* extension) const { X509_EXTENSION_free(extension); }
+    void operator()(BIO* bio) const { BIO_free(bio); }
+};
+using Key = std::unique_ptr<EVP_PKEY, Deleter>;
+using Certificate = std::unique_ptr<X509, Deleter>;
+using Bio = std::unique_ptr<BIO, Deleter>;
+
+struct Pair {
+    Certificate certificate;
+    Key key;
+};
+
+constexpr long day = 24 * 60 * 60;
+constexpr long caDays = 3650;
+constexpr long serverDays = 397;  // the longest life that strict TLS clients accept
+constexpr long renewDays = 30;
+
+struct ExtensionText {
+    int nid;
+    const char* value;
+};
+
+constexpr std::array<ExtensionText, 4> caExtensions{{
+    {NID_basic_constraints, "critical,CA:TRUE,pathlen:0"},
+    {NID_key_usage, "critical,keyCertSign,cRLSign"},
+    {NID_subject_key_identifier, "hash"},
+    {NID_name_constraints,
+     "critical,permitted;DNS:localhost,permitted;IP:127.0.0.1/255.255.255.255,"
+     "permitted;IP:::1/ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff"},
+}};
+constexpr std::array<ExtensionText, 6> serverExtensions{{
+    {NID_basic_constraints, "critical,CA:FALSE"},
+    {NID_key_usage, "critical,digitalSignature"},
+    {NID_ext_key_usage, "serverAuth"},
+    {NID_subject_key_identifier, "hash"},
+    {NID_authority_key_identifier, "keyid"},
+    {NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1,IP:::1"},
+}};
+
+template <class Extensions>
+bool extend(X509* certificate, X509* issuer, const Extensions& extensions) {
+    for (const auto& [nid, value] : extensions) {
+        X509V3_CTX context;
+        X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
+        const std::unique_ptr<X509_EXTENSION, Deleter> extension{
+            X509V3_EXT_conf_nid(nullptr, &context, nid, value)};
+        if (!extension || X509_add_ext(certificate, extension.get(), -1) != 1) return false;
+    }
+    return true;
+}
+
+bool setSerial(X509* certificate) {
+    std::array<unsigned char, 16> bytes;
+    if (RAND_bytes(bytes.data(), bytes.size()) != 1) return false;
+    bytes[0] = static_cast<unsigned char>((bytes[0] & 0x7F) | 0x40);  // positive, and always as long
+    const std::unique_ptr<BIGNUM, decltype(&BN_free)> number{BN_bin2bn(bytes.data(), bytes.size(), nullptr),
+                                                             BN_free};
+    return number && BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(certificate));
+}
+
+/// Self-signed when there is no issuer. Null members when OpenSSL fails.
+template <class Extensions>
+Pair make(const char* commonName, long days, const Extensions& extensions, const Pair* issuer) {
+    Pair pair{Certificate{X509_new()}, Key{EVP_EC_gen("P-256")}};
+    X509* const certificate = pair.certificate.get();
+    if (!certificate || !pair.key) return {};
+    X509_NAME* const subject = X509_get_subject_name(certificate);
+    X509* const issuing = issuer ? issuer->certificate.get() : certificate;
+    const auto* const name = reinterpret_cast<const unsigned char*>(commonName);
+    const bool made = X509_set_version(certificate, X509_VERSION_3) == 1 && setSerial(certificate) &&
+                      // An hour early, for clients whose clock is behind.
+                      X509_gmtime_adj(X509_getm_notBefore(certificate), -60 * 60) &&
+                      X509_gmtime_adj(X509_getm_notAfter(certificate), days * day) &&
+                      X509_set_pubkey(certificate, pair.key.get()) == 1 &&
+                      X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_ASC, name, -1, -1, 0) == 1 &&
+                      X509_set_issuer_name(certificate, X509_get_subject_name(issuing)) == 1 &&
+                      extend(certificate, issuing, extensions) &&
+                      X509_sign(certificate, issuer ? issuer->key.get() : pair.key.get(), EVP_sha256()) > 0;
+    return made ? std::move(pair) : Pair{};
+}
+
+std::string textOf(BIO* bio) {
+    char* data = nullptr;
+    const long size = BIO_get_mem_data(bio, &data);
+    return {data, static_cast<std::size_t>(size)};
+}
+
+std::string pem(X509* certificate) {
+    const Bio bio{BIO_new(BIO_s_mem())};
+    return bio && PEM_write_bio_X509(bio.get(), certificate) == 1 ? textOf(bio.get()) : std::string{};
+}
+
+std::string pem(EVP_PKEY* key) {
+    const Bio bio{BIO_new(BIO_s_secmem())};
+    if (!bio || PEM_write_bio_PrivateKey(bio.get(), key, nullptr, nullptr, 0, nullptr, nullptr) != 1)
+        return {};
+    return textOf(bio.get());
+}
+
+Outcome<std::string> readFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file) return Failure{"cannot read " + path.string()};
+    return text;
+}
+
+/// Beside the place first, then moved there: a crash leaves the old file or the new one.
+std::string writeFile(const std::filesystem::path& path, const std::string& text) {
+    const std::string temporary = path.string() + ".new";
+    const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    bool written = file >= 0 && ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    if (file >= 0) written = ::close(file) == 0 && written;
+    if (written && ::rename(temporary.c_str(), path.c_str()) == 0) return {};
+    return "cannot write " + path.string() + ": " + std::strerror(errno);
+}
+
+Outcome<Pair> storedAuthority(const std::filesystem::path& certificateFile,
+                              const std::filesystem::path& keyFile) {
+    const Outcome<std::string> certificateText = readFile(certificateFile);
+    if (!certificateText) return Failure{certificateText.reason()};
+    const Outcome<std::string> keyText = readFile(keyFile);
+    if (!keyText) return Failure{keyText.reason()};
+    const Bio certificateBio{
+        BIO_new_mem_buf(certificateText->data(), static_cast<int>(certificateText->size()))};
+    const Bio keyBio{BIO_new_mem_buf(keyText->data(), static_cast<int>(keyText->size()))};
+    Pair pair{Certificate{PEM_read_bio_X509(certificateBio.get(), nullptr, nullptr, nullptr)},
+              Key{PEM_read_bio_PrivateKey(keyBio.get(), nullptr, nullptr, nullptr)}};
+    if (!pair.certificate) return Failure{certificateFile.string() + " holds no certificate"};
+    if (!pair.key) return Failure{keyFile.string() + " holds no private key"};
+    if (X509_check_private_key(pair.certificate.get(), pair.key.get()) != 1) {
+        return Failure{keyFile.string() + " is not the key of " + certificateFile.string()};
+    }
+    return pair;
+}
+
+bool lasts(X509* certificate) {
+    time_t renewal = ::time(nullptr) + renewDays * day;
+    return X509_cmp_time(X509_get0_notAfter(certificate), &renewal) > 0;
+}
+
+Outcome<Pair> authority(const std::string& directory) {
+    const std::filesystem::path certificateFile = std::filesystem::path(directory) / "ca.pem";
+    const std::filesystem::path keyFile = std::filesystem::path(directory) / "ca-key.pem";
+    std::error_code ignored;
+    if (!directory.empty() &&
+        (std::filesystem::exists(certificateFile, ignored) || std::filesystem::exists(keyFile, ignored))) {
+        Outcome<Pair> stored = storedAuthority(certificateFile, keyFile);
+        if (!stored || lasts(stored->certificate.get())) return stored;
+    }
+    Pair made = make("Korvane sandbox CA", caDays, caExtensions, nullptr);
+    if (!made.certificate) return Failure{"cannot make the CA certificate"};
+    if (directory.empty()) return made;
+    std::error_code failure;
+    std::filesystem::create_directories(directory, failure);
+    if (failure) return Failure{"cannot make the directory " + directory + ": " + failure.message()};
+    std::string error = writeFile(keyFile, pem(made.key.get()));
+    if (error.empty()) error = writeFile(certificateFile, pem(made.certificate.get()));
+    if (!error.empty()) return Failure{error};
+    return made;
+}
+
+}  // namespace
+
+Outcome<ServerCertificate> makeServerCertificate(const std::string& directory) {
+    const Outcome<Pair> ca = authority(directory);
+    if (!ca) return Failure{ca.reason()};
+    const Pair server = make("localhost", serverDays, serverExtensions, &*ca);
+    if (!server.certificate) return Failure{"cannot make the server certificate"};
+    return ServerCertificate{pem(ca->certificate.get()), pem(server.certificate.get()),
+                             pem(server.key.get())};
+}
+
+}  // namespace korvane::sandbox

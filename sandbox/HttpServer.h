@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "sandbox/Certificates.h"
+
+namespace korvane::sandbox {
+
+struct HttpRequest {
+    std::string method;
+    std::string path;
+    std::string contentType;
+    std::string accept;
+    std::string authorization;
+    std::string body;
+};
+
+struct HttpAnswer {
+    int status = 200;
+    std::string body;   ///< sent as application/json
+    bool drop = false;  ///< answer nothing: reset the connection
+};
+
+/// HTTP/1.1 on 127.0.0.1, in clear or over TLS 1.2 and later. Each connection has a thread of the server's
+/// pool, which is kept alive between requests. Makes the process ignore SIGPIPE.
+class HttpServer {
+  public:
+    /// Called on a thread of the pool, on several at once. An exception becomes status 500 with its text.
+    using Handler = std::function<HttpAnswer(const HttpRequest&)>;
+
+    explicit HttpServer(Handler handler);
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+    /// Binds and serves; port 0 takes a free one. Without a certificate the server speaks plain HTTP. Answers
+    /// the reason of a failure, or "". Once only.
+    std::string start(int port, const ServerCertificate* certificate);
+
+    int port() const { return port_; }
+
+    /// Closes every connection, waits for the handlers that run, and ends the threads. No handler starts
+    /// after it.
+    void stop();
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+    int port_ = 0;
+};
+
+}  // namespace korvane::sandbox

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "sandbox/CardService.h"
+#include "sandbox/Database.h"
+#include "sandbox/Faults.h"
+#include "sandbox/Random.h"
+
+namespace korvane::sandbox {
+
+/// All that the request handlers share. Whoever touches a field holds `mutex`, but for the options, which
+/// never change.
+struct State {
+    explicit State(const CardServiceOptions& given)
+        : options(given), random(given.seed), database(given.databaseFile) {}
+
+    const CardServiceOptions options;
+    std::mutex mutex;
+    std::condition_variable stop;  ///< ends delays
+    bool stopping = false;
+    std::vector<std::uint8_t> key;
+    Random random;
+    Database database;
+    Faults faults;
+    std::map<std::string, std::int64_t, std::less<>> requests;  ///< by endpoint name
+    std::function<void(std::string cardId, std::string code)> smsCallback;
+};
+
+/// Milliseconds since 1970.
+std::int64_t now();
+
+/// The time `life` from now.
+std::int64_t after(std::chrono::seconds life);
+
+/// Hands out a new IV of 16 bytes.
+Iv newIv(State& state);
+
+/// The type and the last four digits.
+std::string displayName(const Card& card);
+
+}  // namespace korvane::sandbox
