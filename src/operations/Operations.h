@@ -17,8 +17,8 @@ class OperationHandle {
   public:
     virtual ~OperationHandle() = default;
 
-    /// Gives the operation up: a request under way is cancelled, and the operation ends as a request does that
-    /// was cancelled, with code -999. Nothing happens when it has ended. Main thread.
+    /// Gives the operation up: a request under way is cancelled, and the operation ends as a request does
+    /// that was cancelled, with code -999. Nothing happens when it has ended. Main thread.
     virtual void cancel() = 0;
 };
 
@@ -34,6 +34,7 @@ Operation doActivatePhysicalCardAndSetPIN(std::string lastFourOfPan, std::string
 Operation doActivateVirtualCardAndSetPIN(std::string pin, OperationCompletion completion);
 Operation doActivateWearableCardAndSetPIN(std::string pin, OperationCompletion completion);
 Operation doGetCardStatus(OperationCompletion completion);
+Operation doSetCardStatus(std::string status, OperationCompletion completion);
 Operation doPciTokenRequest(OperationCompletion completion);
 Operation doPciTokenSubmission(OperationCompletion completion);
 

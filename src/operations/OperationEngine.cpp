@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "operations/OperationEngine.h"
+
+#include <korvane/platform/Ports.h>
+
+#include "base/Text.h"
+#include "platform/Log.h"
+#include "transport/FieldCipher.h"
+#include "transport/IvAcquisition.h"
+
+namespace korvane {
+namespace {
+
+/// One operation from its start to its completion, all its re-runs included. Every re-run starts from the
+/// main queue and leaves nothing behind, so that it can go on without end. Owned by what it waits for: the
+/// call's completion, or the continuation that the host holds.
+class Run final : public OperationHandle, public std::enable_shared_from_this<Run> {
+  public:
+    Run(const OperationDescription& description, Arguments arguments, OperationCompletion completion)
+        : does_(description), arguments_(std::move(arguments)), completion_(std::move(completion)) {}
+
+    void start() {
+        log({"inside (middlelayer) ", does_.name, "( ... )"});
+        if (ivAtHand()) {
+            send();
+            return;
+        }
+        log("need to get new iv...");
+        requestIv([self = shared_from_this()](std::optional<KorvaneRetStruct> result, const auto& ivId,
+                                              const auto& ivBytes) {
+            if (self->isOver()) return;
+            if (!result || !ivId || !ivBytes) return self->finish(ivFailure(std::move(result)));
+            log({"got iv.. now recalling the method... ", self->does_.name, "..."});
+            self->start();
+        });
+    }
+
+    void cancel() override {
+        if (isOver()) return;
+        cancelled_ = true;
+        if (const auto call = call_.lock()) {
+            call->cancel();
+        } else {
+            ports().mainQueue->post([self = shared_from_this()] { self->failed(cancelledError()); });
+        }
+    }
+
+  private:
+    bool isOver() const { return cancelled_ || ended_; }
+
+    void send() {
+        const SdkConfig& config = SdkConfig::sharedInstance();
+        iv_ = config.ivByteArray;
+        log("have iv (now?)... use it:");
+        log(does_.onTrack);
+        if (does_.printsSeparator) log("==================");
+        if (does_.printsValues) {
+            log({"offsetId = ", config.ivIdStr});
+            for (const SentValue& value : does_.values) log({value.label, plain(value)});
+        }
+        if (does_.beforeSending) does_.beforeSending();
+
+        Sent sent{config.ivIdStr, {}};
+        for (const SentValue& value : does_.values) sent.values.push_back(encryptField(iv_, plain(value)));
+        log({"Calling api.", does_.endpoint, "..."});
+        API api;
+        call_ = does_.send(
+            api, sent,
+            [self = shared_from_this()](std::optional<Reply> reply, std::optional<CallError> error) {
+                self->call_.reset();
+                error ? self->failed(*error) : self->answered(std::move(reply));
+            });
+    }
+
+    const std::string& plain(const SentValue& value) const {
+        if (const auto* field = std::get_if<std::string SdkConfig::*>(&value.source)) {
+            return SdkConfig::sharedInstance().**field;
+        }
+        return *arguments_.at(std::get<std::size_t>(value.source));
+    }
+
+    void failed(const CallError& error) {
+        if (does_.errLine.empty()) {
+            log({does_.name, "() (middle layer) err != nil"});
+        } else {
+            log(does_.errLine);
+        }
+        const auto* request = std::get_if<RequestError>(&error);
+        if (request && request->code == cancelledCode && !does_.cancelledMsg.empty()) {
+            log(does_.cancelledLine);
+            return finish(failure(does_.cancelledMsg));
+        }
+        const auto payload = payloadOf(error, iv_);
+        if (payload) {
+            log("err response HAS Data");
+            log("here it is:");
+            log(payload->enciphered);
+            log({"theEncErrResult: ", payload->enciphered});
+            log({"decResultStr ", payload->deciphered});
+        } else {
+            log("err has response with no data (no biggie)");
+        }
+        // Not looked at for IV words (deliberate): only a result that came with status 200 leads to a new IV.
+        finish(handleNon200or401(error, payload.value_or(ErrorPayload{})));
+    }
+
+    void answered(std::optional<Reply> reply) {
+        if (!does_.replyLine.empty()) log(does_.replyLine);
+        if (!reply) {
+            log({"api.", does_.endpoint, " - resp is nil"});
+            return close(failure(does_.noReplyMsg));
+        }
+        if (!does_.judgesResult) return close(outcomeOf(*reply));
+        if (!reply->encryptedResult) return close(failure(does_.noResultMsg));
+
+        log({"theEncResult: ", *reply->encryptedResult});
+        const std::string word = decryptField(iv_, *reply->encryptedResult);
+        log({"decResult: ", word});
+        if (equalIgnoringCase(word, "Success")) return close(outcomeOf(*reply));
+        if (isExpiredIvWord(word)) return refreshIv("Failure: IV is expired");
+        if (isInvalidIvWord(word)) return refreshIv("Failure: Invalid offsetId");
+        close(failure(word));
+    }
+
+    KorvaneRetStruct outcomeOf(const Reply& reply) const {
+        const auto storeFailure = reply.store ? reply.store(iv_) : std::nullopt;
+        return storeFailure ? failure(*storeFailure) : KorvaneRetStruct{};
+    }
+
+    void refreshIv(std::string_view reason) {
+        log({"Got error = ", reason, ".. calling api.refreshIV..."});
+        requestIv([self = shared_from_this()](const auto&...) {
+            if (self->isOver()) return;
+            // Whatever came of it (deliberate): without a usable IV the next run asks again and fails there.
+            log({"refreshed the IV... now recalling ", self->does_.name});
+            self->start();
+        });
+    }
+
+    static KorvaneRetStruct failure(std::string_view text) {
+        KorvaneRetStruct record;
+        record.error = true;
+        record.errorMsg = text;
+        return record;
+    }
+
+    void close(KorvaneRetStruct record) {
+        takeLastJsonResponse(record);
+        log({"KorvaneRetStruct(error: ", record.error ? "true" : "false", ", errorMsg: \"", record.errorMsg,
+             "\", errorMsgEnc: \"", record.errorMsgEnc, "\", errorMsgDec: \"", record.errorMsgDec,
+             "\", jsonResponseStr: \"", record.jsonResponseStr, "\")"});
+        finish(std::move(record));
+    }
+
+    void finish(KorvaneRetStruct record) {
+        takeLastJsonResponse(record);
+        ended_ = true;
+        arguments_.clear();
+        if (const auto completion = std::exchange(completion_, nullptr)) completion(std::move(record));
+    }
+
+    const OperationDescription& does_;
+    Arguments arguments_;
+    OperationCompletion completion_;
+    std::vector<std::uint8_t> iv_;  // of the call under way: its reply is deciphered with the same
+    std::weak_ptr<Cancellable> call_;
+    bool cancelled_ = false;
+    bool ended_ = false;
+};
+
+}  // namespace
+
+Operation runOperation(const OperationDescription& description, Arguments arguments,
+                       OperationCompletion completion) {
+    auto run = std::make_shared<Run>(description, std::move(arguments), std::move(completion));
+    run->start();
+    return run;
+}
+
+Arguments argumentsFrom(std::initializer_list<std::reference_wrapper<std::string>> texts) {
+    Arguments arguments;
+    arguments.reserve(texts.size());
+    for (std::string& text : texts) {
+        arguments.emplace_back(text);
+        wipe(text);
+    }
+    return arguments;
+}
+
+}  // namespace korvane

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "base/Secret.h"
+#include "operations/Operations.h"
+#include "sdk/SdkConfig.h"
+#include "transport/API.h"
+
+namespace korvane {
+
+/// The caller's values; wiped when the operation ends.
+using Arguments = std::vector<Wiped<std::string>>;
+
+/// A value that is enciphered and sent: a field of the shared state, or the n-th argument.
+struct SentValue {
+    std::variant<std::string SdkConfig::*, std::size_t> source;
+    std::string_view label{};  ///< of its console line, "pin = "
+};
+
+/// What goes to an endpoint.
+struct Sent {
+    std::string ivId;
+    std::vector<std::string> values;  ///< enciphered, in the order of the description's values
+};
+
+/// What a successful reply leads to: stores the reply's values, deciphered with `iv`, in the shared state.
+/// Gives none, or the text ("" too) of the failure that the reply turns out to be.
+using Store = std::function<std::optional<std::string>(const std::vector<std::uint8_t>& iv)>;
+
+/// An endpoint's reply, whatever its record.
+struct Reply {
+    std::optional<std::string> encryptedResult;
+    Store store;  ///< empty: nothing to store
+};
+using ReplyHandler = std::function<void(std::optional<Reply> reply, std::optional<CallError> error)>;
+
+/// An operation: what it does differently from the others. The pattern that they share is `runOperation`.
+struct OperationDescription {
+    std::string_view name;          ///< "doPinSet"
+    std::string_view endpoint;      ///< "pinSet", as console lines name it
+    std::vector<SentValue> values;  ///< in the order of sending
+    CancelHandle (*send)(API& api, const Sent& sent, ReplyHandler handler);
+
+    std::string_view onTrack = "ok we're back on track...";
+    bool printsSeparator = false;  ///< a line of "=" behind that
+    bool printsValues = false;     ///< each value in clear (deliberate)
+    void (*beforeSending)() = nullptr;
+
+    std::string_view errLine{};        ///< in place of "NAME() (middle layer) err != nil"
+    std::string_view cancelledLine{};  ///< with the next: a cancelled request is a case of its own
+    std::string_view cancelledMsg{};
+    std::string_view replyLine{};  ///< printed when there was no error
+    std::string_view noReplyMsg{};
+    std::string_view noResultMsg{};
+    bool judgesResult = true;  ///< false: a reply is stored whatever its result word says
+};
+
+/// Runs the operation that `description` describes; it must outlive the run. Main thread.
+Operation runOperation(const OperationDescription& description, Arguments arguments,
+                       OperationCompletion completion);
+
+/// Takes over texts as arguments and wipes the originals.
+Arguments argumentsFrom(std::initializer_list<std::reference_wrapper<std::string>> texts);
+
+/// Turns an endpoint's typed completion into the engine's: `store` gets the record of a successful reply.
+template <class Record>
+using StoreRecord = std::optional<std::string> (*)(const Record& record, const std::vector<std::uint8_t>& iv);
+
+template <class Record>
+Completion<Record> replyTo(ReplyHandler handler, StoreRecord<Record> store) {
+    return [handler = std::move(handler), store](std::optional<Record> record,
+                                                 std::optional<CallError> error) {
+        if (!record) return handler(std::nullopt, std::move(error));
+        Reply reply{record->encryptedResult, {}};
+        if (store) {
+            reply.store = [record = *std::move(record), store](const auto& iv) { return store(record, iv); };
+        }
+        handler(std::move(reply), std::nullopt);
+    };
+}
+
+/// A description's `send`: calls the method of `API` with the IV's id and the `count` values.
+template <class Record, auto method, std::size_t count, StoreRecord<Record> store = nullptr>
+CancelHandle sendTo(API& api, const Sent& sent, ReplyHandler handler) {
+    return [&]<std::size_t... i>(std::index_sequence<i...>) {
+        return (api.*method)(sent.ivId, sent.values[i]..., replyTo<Record>(std::move(handler), store));
+    }
+    (std::make_index_sequence<count>{});
+}
+
+}  // namespace korvane

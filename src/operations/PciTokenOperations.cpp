@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
+#include "base/Text.h"
+#include "custody/AuthenticateBiometric.h"
+#include "operations/OperationEngine.h"
+#include "platform/Log.h"
+#include "transport/FieldCipher.h"
+
+namespace korvane {
+namespace {
+
+/// Shortest time in seconds before a token is cleared, and the one taken when the service's text is no
+/// number.
+constexpr double shortestTimeout = 60;
+
+std::optional<std::string> storeSmsToken(const RestPciTokenRequest& reply,
+                                         const std::vector<std::uint8_t>& iv) {
+    if (!reply.encryptedPciSmsToken) return "";
+    std::string& token = SdkConfig::sharedInstance().decryptedPciSmsToken;
+    log({"theEncPciSmsToken: ", *reply.encryptedPciSmsToken});
+    token = decryptField(iv, *reply.encryptedPciSmsToken);
+    log({"decPciSmsToken: ", token});
+    return std::nullopt;
+}
+
+void storeTimeout(const std::string& enciphered, const std::vector<std::uint8_t>& iv) {
+    SdkConfig& config = SdkConfig::sharedInstance();
+    log({"theEncBiometricsAuthenticationTimer: ", enciphered});
+    const std::string text = decryptField(iv, enciphered);
+    log({"decBiometricsAuthenticationTimer: ", text});
+    config.decBiometricsAuthenticationTimer =
+        decimalText(std::max(decimalNumber(text).value_or(shortestTimeout), shortestTimeout));
+    if (!config.useBiometrics) return;
+    log("==================");
+    log("AuthenticateBiometric.savePciTokenAndTimeoutToKeychain()");
+    if (AuthenticateBiometric::savePciTokenAndTimeoutToKeychain()) {
+        log("startPCITokenClearTimer()");
+        config.pciTimer.start();
+    }
+}
+
+std::optional<std::string> storePciToken(const RestPciTokenSubmission& reply,
+                                         const std::vector<std::uint8_t>& iv) {
+    SdkConfig& config = SdkConfig::sharedInstance();
+    if (!reply.encryptedPciToken) return "";
+    log({"theEncPciToken: ", *reply.encryptedPciToken});
+    config.currentPciToken = decryptField(iv, *reply.encryptedPciToken);
+    log({"decPciToken: ", config.currentPciToken});
+    if (reply.encryptedPciTokenExpiration) {
+        log({"theEncPciTokenExpiration: ", *reply.encryptedPciTokenExpiration});
+        config.decPciTokenExpiration = decryptField(iv, *reply.encryptedPciTokenExpiration);
+        log({"decPciTokenExpiration: ", config.decPciTokenExpiration});
+    }
+    if (reply.encryptedBiometricsAuthenticationTimer)
+        storeTimeout(*reply.encryptedBiometricsAuthenticationTimer, iv);
+    return std::nullopt;
+}
+
+void settleUseBiometric() {
+    SdkConfig& config = SdkConfig::sharedInstance();
+    config.useBiometric = config.useBiometrics ? "true" : "false";
+    log({"SdkConfig useBiometrics set to ", config.useBiometric, " from sdk initialize"});
+}
+
+}  // namespace
+
+Operation doPciTokenRequest(OperationCompletion completion) {
+    static const OperationDescription description{
+        .name = "doPciTokenRequest",
+        .endpoint = "pciTokenRequest",
+        .values = {{&SdkConfig::cardId}},
+        .send = sendTo<RestPciTokenRequest, &API::pciTokenRequest, 1, storeSmsToken>,
+        .judgesResult = false,  // no IV recovery either (deliberate)
+    };
+    return runOperation(description, {}, std::move(completion));
+}
+
+Operation doPciTokenSubmission(OperationCompletion completion) {
+    static const OperationDescription description{
+        .name = "doPciTokenSubmission",
+        .endpoint = "pciTokenSubmission",
+        .values = {{&SdkConfig::cardId},
+                   {&SdkConfig::decryptedPciSmsToken},
+                   {&SdkConfig::twoFactorCode},
+                   {&SdkConfig::useBiometric}},
+        .send = sendTo<RestPciTokenSubmission, &API::pciTokenSubmission, 4, storePciToken>,
+        .beforeSending = settleUseBiometric,
+        // A cancelled submission may have used the code up: the SMS screens start over.
+        .cancelledLine = "Forcing SMS flow reset...",
+        .cancelledMsg = "forceSMSFlowReset",
+        .replyLine = "doPciTokenSubmission - got 200 if here...",
+        .noReplyMsg = "api.getCardStatus resp is nil",  // names another operation (deliberate)
+        .noResultMsg = "Encrypted result nil",
+    };
+    return runOperation(description, {}, std::move(completion));
+}
+
+}  // namespace korvane

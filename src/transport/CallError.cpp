@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "transport/CallError.h"
+
+#include <utility>
+
+#include "platform/Log.h"
+#include "sdk/SdkConfig.h"
+#include "transport/FieldCipher.h"
+#include "transport/Json.h"
+
+namespace korvane {
+
+RequestError cancelledError() {
+    return RequestError{cancelledCode, "cancelled"};
+}
+
+std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<std::uint8_t>& iv) {
+    if (const auto* renewal = std::get_if<KorvaneRetStruct>(&error)) {
+        if (renewal->errorMsgEnc.empty()) return std::nullopt;
+        return ErrorPayload{renewal->errorMsgEnc, renewal->errorMsgDec};
+    }
+    const auto& body = std::get<RequestError>(error).body;
+    if (!body) return std::nullopt;
+    WireText word;
+    const TextSlot slot{"encryptedResult", &word};
+    const auto outcome = decodeTexts(*body, {&slot, 1});
+    if (std::holds_alternative<JsonError>(outcome) || !word) return std::nullopt;
+    std::string plain = decryptField(iv, *word);
+    return ErrorPayload{*std::move(word), std::move(plain)};
+}
+
+KorvaneRetStruct handleNon200or401(const CallError& error, const ErrorPayload& payload) {
+    KorvaneRetStruct record;
+    if (const auto* request = std::get_if<RequestError>(&error)) {
+        log("handleNon200or401...\n");
+        record.errorMsg = std::to_string(request->code) + " error";
+    } else {
+        record = std::get<KorvaneRetStruct>(error);
+    }
+    log(payload.enciphered);
+    log({"decResultStr: ", payload.deciphered});
+    record.error = true;
+    record.errorMsgEnc = payload.enciphered;
+    record.errorMsgDec = payload.deciphered;
+    takeLastJsonResponse(record);
+    return record;
+}
+
+void takeLastJsonResponse(KorvaneRetStruct& record) {
+    std::string& last = SdkConfig::sharedInstance().lastJsonResponseStr;
+    if (!last.empty()) record.jsonResponseStr = std::exchange(last, {});
+}
+
+}  // namespace korvane

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "sdk/KorvaneRetStruct.h"
+
+namespace korvane {
+
+/// Why a request has no record to show.
+struct RequestError {
+    explicit RequestError(int failureCode, std::string reason)
+        : code(failureCode), userInfo{{"Error", std::move(reason)}} {}
+
+    std::string domain;                           ///< empty for every error of the request core
+    int code;                                     ///< HTTP status; -1 without one that counts; -999 cancelled
+    std::map<std::string, std::string> userInfo;  ///< "Error": the reason, for the log
+    std::optional<std::string> body;              ///< body of the answer, when its status was the failure
+};
+
+inline constexpr int noAnswerCode = -1;
+inline constexpr int cancelledCode = -999;
+
+RequestError cancelledError();
+
+/// Why a call of an endpoint failed: its request did, or the bearer token could not be renewed for it.
+using CallError = std::variant<RequestError, KorvaneRetStruct>;
+
+/// The service's own word on a failure.
+struct ErrorPayload {
+    std::string enciphered;
+    std::string deciphered;
+};
+
+/// The result word in the body of a failed request, deciphered with `iv`, or the one of the failed renewal.
+/// None when there is no body or when it holds no such word. Main thread.
+std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<std::uint8_t>& iv);
+
+/// The record of a failed call: "400 error" and the like by the error's code (a failed renewal brings its own
+/// text), the payload's two texts, and the last answer. Main thread.
+KorvaneRetStruct handleNon200or401(const CallError& error, const ErrorPayload& payload);
+
+/// Moves the last answer's body, when there is one, from the shared state into the record. Main thread.
+void takeLastJsonResponse(KorvaneRetStruct& record);
+
+}  // namespace korvane

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "transport/Json.h"
+
+#include <rapidjson/document.h>
+#include <rapidjson/error/en.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <algorithm>
+
+#include "base/Text.h"
+
+namespace korvane {
+namespace {
+
+// Iterative, so that a hostile depth of nesting cannot run the stack over.
+constexpr unsigned parseFlags =
+    rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+
+std::optional<JsonError> parse(rapidjson::Document& document, std::string& json) {
+    // In situ the end is a NUL: one inside the text would hide what follows it.
+    if (json.find('\0') != std::string::npos) return JsonError{"a NUL stands in the text"};
+    document.ParseInsitu<parseFlags>(json.data());
+    if (!document.HasParseError()) return std::nullopt;
+    return JsonError{std::string{rapidjson::GetParseError_En(document.GetParseError())} + " (at byte " +
+                     std::to_string(document.GetErrorOffset()) + ")"};
+}
+
+std::optional<JsonError> fill(const rapidjson::Value& object, std::span<const TextSlot> slots) {
+    if (!object.IsObject()) return JsonError{"not a JSON object"};
+    for (const auto& member : object.GetObject()) {
+        const std::string_view key{member.name.GetString(), member.name.GetStringLength()};
+        const auto slot = std::ranges::find(slots, key, &TextSlot::key);
+        if (slot == slots.end()) continue;
+        if (member.value.IsNull()) {
+            slot->text->reset();
+        } else if (member.value.IsString()) {
+            slot->text->emplace(member.value.GetString(), member.value.GetStringLength());
+        } else {
+            return JsonError{"the value of \"" + std::string{key} + "\" is not a text"};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<JsonError> write(Writer& writer, const TextMap& texts) {
+    writer.StartObject();
+    for (const auto& [key, text] : texts.entries()) {
+        if (!isUtf8(key) || !isUtf8(text)) return JsonError{"the entry \"" + key + "\" is not UTF-8"};
+        writer.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
+        writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    }
+    writer.EndObject();
+    return std::nullopt;
+}
+
+std::string textOf(const rapidjson::StringBuffer& buffer) {
+    return {buffer.GetString(), buffer.GetSize()};
+}
+
+}  // namespace
+
+void TextMap::set(std::string_view key, std::string_view text) {
+    const auto entry = std::ranges::find(entries_, key, &Entry::first);
+    if (entry == entries_.end()) {
+        entries_.emplace_back(key, text);
+    } else {
+        entry->second = text;
+    }
+}
+
+std::variant<std::string, JsonError> encodeTexts(const TextMap& texts) {
+    rapidjson::StringBuffer buffer;
+    Writer writer{buffer};
+    if (auto error = write(writer, texts)) return *std::move(error);
+    return textOf(buffer);
+}
+
+std::variant<std::monostate, JsonError> decodeTexts(std::string json, std::span<const TextSlot> slots) {
+    rapidjson::Document document;
+    if (auto error = parse(document, json)) return *std::move(error);
+    if (auto error = fill(document, slots)) return *std::move(error);
+    return std::monostate{};
+}
+
+std::variant<DecryptedCardDisclosure, JsonError> decodeDisclosures(std::string json) {
+    rapidjson::Document document;
+    if (auto error = parse(document, json)) return *std::move(error);
+    if (!document.IsObject()) return JsonError{"not a JSON object"};
+    DecryptedCardDisclosure disclosures;
+    for (const auto& member : document.GetObject()) {
+        if (std::string_view{member.name.GetString(), member.name.GetStringLength()} != "CardDisclosures")
+            continue;
+        disclosures.CardDisclosures.reset();
+        if (member.value.IsNull()) continue;
+        if (!member.value.IsArray()) return JsonError{"the value of \"CardDisclosures\" is not a list"};
+        auto& list = disclosures.CardDisclosures.emplace();
+        for (const auto& element : member.value.GetArray()) {
+            if (auto error = fill(element, slotsOf(list.emplace_back()))) return *std::move(error);
+        }
+    }
+    return disclosures;
+}
+
+std::variant<std::string, JsonError> encodeDisclosures(const DecryptedCardDisclosure& disclosures) {
+    rapidjson::StringBuffer buffer;
+    Writer writer{buffer};
+    writer.StartObject();
+    if (disclosures.CardDisclosures) {
+        writer.Key("CardDisclosures");
+        writer.StartArray();
+        for (const DecryptedCardDisclosureItem& item : *disclosures.CardDisclosures) {
+            if (auto error = write(writer, textsOf(item))) return *std::move(error);
+        }
+        writer.EndArray();
+    }
+    writer.EndObject();
+    return textOf(buffer);
+}
+
+}  // namespace korvane

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "platform/Log.h"
+#include "transport/CallError.h"
+#include "transport/Cancellable.h"
+#include "transport/Json.h"
+
+namespace korvane {
+
+/// Gets the decoded record or the error, one of the two. Runs on the main queue, at most once, never from
+/// inside the call that it was handed to.
+template <class Record>
+using Completion = std::function<void(std::optional<Record> response, std::optional<CallError> error)>;
+
+/// Runs on the main queue in place of the completion when the service answers 401; gets that answer as an
+/// error.
+using ReAuthClosure = std::function<void(RequestError unauthorized)>;
+
+struct RequestParts {
+    std::string url;
+    std::string method;  ///< "POST"
+    TextMap body;        ///< sent as a JSON object; "UUID" and "brandId" are added here
+    std::optional<std::string> authorization;
+};
+
+/// The part of `doRequest` that does not depend on the record: hands over the body of a 200 answer.
+CancelHandle sendRequest(RequestParts parts, ReAuthClosure reAuthClosure,
+                         std::function<void(std::variant<std::string, RequestError>)> completion);
+
+/// Sends one request and turns the answer into a record. Errors: -1 for a body that cannot be written, for no
+/// whole answer and for a 200 answer that does not decode; the HTTP status, with the answer's body, for any
+/// other status but 401; -999 when cancelled. Whatever body comes is kept in `SdkConfig.lastJsonResponseStr`.
+/// Main thread.
+template <class Record>
+CancelHandle doRequest(RequestParts parts, ReAuthClosure reAuthClosure, Completion<Record> completion) {
+    return sendRequest(
+        std::move(parts), std::move(reAuthClosure),
+        [completion = std::move(completion)](std::variant<std::string, RequestError> outcome) {
+            if (auto* error = std::get_if<RequestError>(&outcome))
+                return completion(std::nullopt, std::move(*error));
+            auto decoded = decodeRecord<Record>(std::get<std::string>(std::move(outcome)));
+            if (auto* error = std::get_if<JsonError>(&decoded)) {
+                log({". JSON decode error: ", error->text});
+                return completion(std::nullopt, RequestError{noAnswerCode, std::move(error->text)});
+            }
+            completion(std::get<Record>(std::move(decoded)), std::nullopt);
+        });
+}
+
+}  // namespace korvane
