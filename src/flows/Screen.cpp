@@ -55,10 +55,7 @@ Journey::Outcome Screen::insertText(std::string_view text) {
 }
 
 Journey::Outcome Screen::replaceText(std::string_view text) {
-    return edit([text](KorvanePassCodeInput& input) {
-        input.startOverOnNextInsert();
-        return input.insertText(text);
-    });
+    return edit([text](KorvanePassCodeInput& input) { return input.replaceText(text); });
 }
 
 Journey::Outcome Screen::deleteBackward() {

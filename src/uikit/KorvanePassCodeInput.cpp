@@ -12,7 +12,7 @@ KorvanePassCodeInput::KorvanePassCodeInput(std::string id, int size, bool isSecu
     model_.passCodeString.reserve(32);
 }
 
-bool KorvanePassCodeInput::insertText(std::string_view text) {
+bool KorvanePassCodeInput::insert(std::string_view text, bool startOver) {
     Wiped<std::string> digits;
     digits->reserve(text.size());
     for (const char c : text) {
@@ -23,7 +23,7 @@ bool KorvanePassCodeInput::insertText(std::string_view text) {
         }
     }
     if (digits->empty()) return true;
-    if (digits->size() > 1 || startOver_) wipe(model_.passCodeString);
+    if (digits->size() > 1 || startOver) wipe(model_.passCodeString);
     startOver_ = false;
     const std::size_t room = static_cast<std::size_t>(size_) - model_.passCodeString.size();
     model_.passCodeString.append(*digits, 0, room);

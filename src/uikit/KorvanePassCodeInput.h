@@ -17,7 +17,9 @@ class KorvanePassCodeInput {
     /// A digit goes into the focused box. Several at once are a paste or an autofill: they start at the first
     /// box. Blanks and dashes are dropped, and so is what does not fit. Anything else in the text: false, no
     /// change.
-    bool insertText(std::string_view text);
+    bool insertText(std::string_view text) { return insert(text, startOver_); }
+    /// Clears all boxes, then inserts; false, no change, as above.
+    bool replaceText(std::string_view text) { return insert(text, true); }
     /// Clears the digit before the focus; nothing when all boxes are empty.
     void deleteBackward();
     void clear();
@@ -32,6 +34,7 @@ class KorvanePassCodeInput {
     const KorvanePassCodeModel& inputModel() const { return model_; }
 
   private:
+    bool insert(std::string_view text, bool startOver);
     void update();
 
     std::string id_;
