@@ -12,8 +12,8 @@
 #include <glib.h>
 #include <unistd.h>
 
-#include "Arguments.h"
 #include "Events.h"
+#include "JourneyArguments.h"
 #include "JourneyConsole.h"
 #include "common/HostIv.h"
 #include "platform/linux/CurlUrlSession.h"
@@ -76,7 +76,7 @@ class CommandReader {
     guint source_ = 0;
 };
 
-int run(const Arguments& arguments) {
+int run(const JourneyArguments& arguments) {
     const bool installed = installPorts(
         {.mainQueue = std::make_shared<GLibMainQueue>(),
          .timers = std::make_shared<GLibTimers>(),
@@ -116,5 +116,5 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "korvane-journey: %s\n\n%s", wrong->c_str(), korvane::usage);
         return korvane::badArguments;
     }
-    return korvane::run(std::get<korvane::Arguments>(arguments));
+    return korvane::run(std::get<korvane::JourneyArguments>(arguments));
 }

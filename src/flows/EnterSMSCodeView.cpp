@@ -61,8 +61,11 @@ void EnterSMSCodeView::submitted(const KorvaneRetStruct& result) {
         codeIncorrect_ = true;
         passCode_.clear();
         changed();
-    } else if (result.errorMsg == "forceSMSFlowReset" ||
-               routeOf(result).road == FailureRoute::Road::verifyBySMS) {
+    } else if (result.errorMsg == "forceSMSFlowReset") {
+        startOver();
+    } else if (routeOf(result).road == FailureRoute::Road::verifyBySMS) {
+        // The SMS token is spent or too old: no code can be right any more.
+        stack().showToast("sdk.sms.code.expired");
         startOver();
     } else {
         // The code stays: the button submits it again when the person comes back.

@@ -107,8 +107,6 @@ TEST_F(SmsStep, FailedSubmissionCanBeRepeatedWithTheSameCode) {
     for (const UrlReply& failure :
          {UrlReply{500, "", ""}, UrlReply{0, "", "reset"}, UrlReply{200, "no JSON", ""},
           UrlReply{200, "{}", ""}, service.result("Failure: Locked")}) {
-        service.next("getCardStatus", service.result("Failure: Invalid Token"));
-        config.currentPciToken.clear();
         toCodeScreen();
         service.next("pciTokenSubmission", failure);
         journey->type("123456");
@@ -118,6 +116,7 @@ TEST_F(SmsStep, FailedSubmissionCanBeRepeatedWithTheSameCode) {
         EXPECT_EQ(journey->journey->screen().passcode->filled, 6);
         journey->tap("sdk.sms.code.button");
         EXPECT_EQ(journey->view(), "EnterCardPINView");
+        service.next("getCardStatus", service.result("Failure: Invalid Token"));
     }
 }
 

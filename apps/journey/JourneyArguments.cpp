@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Arguments.h"
+#include "JourneyArguments.h"
 
 #include <map>
 #include <string_view>
@@ -24,14 +24,14 @@ const char* const usage =
     "\n"
     "exit status: 0 SUCCESS, 3 CANCELED, 4 FAILURE, 2 bad arguments, 5 input ended before the journey did\n";
 
-std::variant<Arguments, std::string> parseArguments(int argc, const char* const* argv) {
+std::variant<JourneyArguments, std::string> parseArguments(int argc, const char* const* argv) {
     static const std::map<std::string_view, JourneyKind> journeys{
         {"set-pin", JourneyKind::setPIN}, {"activate", JourneyKind::activateCardAndSetPIN}};
     if (argc < 2) return "which journey?";
     const auto journey = journeys.find(argv[1]);
     if (journey == journeys.end()) return "no such journey: " + std::string{argv[1]};
 
-    Arguments arguments;
+    JourneyArguments arguments;
     arguments.journey = journey->second;
     std::string biometrics = "off";
     const std::map<std::string_view, std::string*> options{

@@ -8,7 +8,7 @@
 
 namespace korvane {
 
-struct Arguments {
+struct JourneyArguments {
     JourneyKind journey = JourneyKind::setPIN;
     std::string card;
     std::string service;
@@ -21,6 +21,6 @@ struct Arguments {
 extern const char* const usage;
 
 /// The arguments, or what is wrong with them.
-std::variant<Arguments, std::string> parseArguments(int argc, const char* const* argv);
+std::variant<JourneyArguments, std::string> parseArguments(int argc, const char* const* argv);
 
 }  // namespace korvane
