@@ -7,19 +7,13 @@
 namespace korvane {
 
 void FakeMainQueue::post(std::function<void()> work) {
-    const std::lock_guard lock(mutex_);
-    work_.push_back(std::move(work));
+    work_.push(std::move(work));
 }
 
 bool FakeMainQueue::runOne() {
     assert(isMainThread());
-    std::function<void()> work;
-    {
-        const std::lock_guard lock(mutex_);
-        if (work_.empty()) return false;
-        work = std::move(work_.front());
-        work_.pop_front();
-    }
+    const auto work = work_.take();
+    if (!work) return false;
     work();
     return true;
 }
@@ -31,7 +25,6 @@ std::size_t FakeMainQueue::runAll(std::size_t limit) {
 }
 
 std::size_t FakeMainQueue::pending() const {
-    const std::lock_guard lock(mutex_);
     return work_.size();
 }
 

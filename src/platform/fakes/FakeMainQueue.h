@@ -3,9 +3,9 @@
 
 #include <korvane/platform/MainQueue.h>
 
-#include <deque>
-#include <mutex>
 #include <thread>
+
+#include "platform/WorkQueue.h"
 
 namespace korvane {
 
@@ -24,8 +24,7 @@ class FakeMainQueue final : public MainQueue {
 
   private:
     const std::thread::id main_ = std::this_thread::get_id();
-    mutable std::mutex mutex_;
-    std::deque<std::function<void()>> work_;
+    WorkQueue work_;
 };
 
 }  // namespace korvane

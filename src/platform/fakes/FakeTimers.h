@@ -3,8 +3,6 @@
 
 #include <korvane/platform/Timers.h>
 
-#include <cstdint>
-#include <map>
 #include <memory>
 
 namespace korvane {
@@ -25,8 +23,7 @@ class FakeTimers final : public Timers {
 
   private:
     struct State;
-    class Handle;
-    std::shared_ptr<State> state_;  // shared with the handles, which may outlive the timers
+    std::shared_ptr<State> state_;  // shared so that `advance` sees when an action destroys the timers
 };
 
 }  // namespace korvane

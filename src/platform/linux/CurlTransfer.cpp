@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/CurlTransfer.h"
+
+#include <openssl/ssl.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "base/Secret.h"
+
+namespace korvane {
+namespace {
+
+bool hasControlCharacter(std::string_view text) {
+    return std::ranges::any_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
+}
+
+/// libcurl hands all TLS secrets to the file named by the environment variable SSLKEYLOGFILE. Not ours.
+CURLcode keepTlsSecrets(CURL*, void* context, void*) {
+    SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
+    return CURLE_OK;
+}
+
+/// Appends, and wipes what a growing text leaves behind.
+void appendWiped(std::string& text, std::string_view more) {
+    if (text.capacity() - text.size() < more.size()) {
+        std::string larger;
+        larger.reserve(std::max(2 * text.capacity(), text.size() + more.size()));
+        larger = text;
+        text.swap(larger);
+        wipe(larger);
+    }
+    text.append(more);
+}
+
+}  // namespace
+
+CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& options)
+    : request_(std::move(request)) {
+    if (!easy_) {
+        refusal_ = "out of memory";
+        return;
+    }
+    if (hasControlCharacter(request_.url) || hasControlCharacter(request_.method)) {
+        refusal_ = "the URL or the method has a control character";
+        return;
+    }
+    set(CURLOPT_ERRORBUFFER, error_.data());
+    set(CURLOPT_WRITEFUNCTION, &CurlTransfer::receive);
+    set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(options.timeout.count()));
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(longestBody));
+    set(CURLOPT_TCP_NODELAY, 1L);
+    set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
+
+    set(CURLOPT_URL, request_.url.c_str());
+    if (request_.method == "HEAD") {
+        set(CURLOPT_NOBODY, 1L);
+    } else if (request_.method != "GET" || !request_.body.empty()) {
+        set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
+        set(CURLOPT_POSTFIELDS, request_.body.data());
+        set(CURLOPT_CUSTOMREQUEST, request_.method.c_str());
+    }
+    setSecurity(options);
+    addHeaders();
+}
+
+CurlTransfer::~CurlTransfer() {
+    curl_easy_cleanup(easy_);
+    for (const curl_slist* header = headers_; header; header = header->next) {
+        explicit_bzero(header->data, std::strlen(header->data));
+    }
+    curl_slist_free_all(headers_);
+    for (auto& header : request_.headers) wipe(header.second);
+    wipe(request_.body);
+    wipe(reply_.body);
+}
+
+/// A setting that libcurl does not take refuses the request: nothing is sent with less than we ask for.
+template <class Value>
+void CurlTransfer::set(CURLoption option, Value value) {
+    const CURLcode code = curl_easy_setopt(easy_, option, value);
+    if (code != CURLE_OK && refusal_.empty()) {
+        const curl_easyoption* known = curl_easy_option_by_id(option);
+        refusal_ = std::string("cannot set ") + (known ? known->name : "an option") + ": " +
+                   curl_easy_strerror(code);
+    }
+}
+
+void CurlTransfer::setSecurity(const CurlUrlSessionOptions& options) {
+    set(CURLOPT_SSL_VERIFYPEER, 1L);
+    set(CURLOPT_SSL_VERIFYHOST, 2L);
+    set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
+    if (!options.caFile.empty()) {
+        set(CURLOPT_CAINFO, options.caFile.c_str());
+        set(CURLOPT_CAPATH,
+            static_cast<const char*>(nullptr));  // the system's directory would be trusted beside it
+    }
+    set(CURLOPT_SSL_CTX_FUNCTION, &keepTlsSecrets);
+    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_DEFAULT_PROTOCOL,
+        "https");                     // libcurl would guess from the host's name, and plain HTTP at last
+    set(CURLOPT_FOLLOWLOCATION, 0L);  // a bearer token never travels to another host
+    set(CURLOPT_PROXY, options.proxy.c_str());
+}
+
+void CurlTransfer::addHeaders() {
+    const auto add = [this](std::string line) {
+        if (curl_slist* longer = curl_slist_append(headers_, line.c_str()))
+            headers_ = longer;
+        else
+            refusal_ = "out of memory";
+        wipe(line);
+    };
+    bool hasType = false;
+    for (const auto& [name, value] : request_.headers) {
+        if (name.empty() || hasControlCharacter(name) || hasControlCharacter(value)) {
+            // A line break in a value would make further headers of the rest.
+            refusal_ = "a header has no name or a control character";
+            return;
+        }
+        hasType = hasType || strcasecmp(name.c_str(), "Content-Type") == 0;
+        add(value.empty() ? name + ";" : name + ": " + value);  // libcurl's way to write an empty header
+    }
+    if (!hasType) add("Content-Type:");  // none, where libcurl would claim a web form
+    set(CURLOPT_HTTPHEADER, headers_);
+}
+
+std::size_t CurlTransfer::receive(char* data, std::size_t, std::size_t size, void* self) {
+    auto& transfer = *static_cast<CurlTransfer*>(self);
+    if (size > longestBody - transfer.reply_.body.size()) {
+        transfer.tooLong_ = true;
+        return 0;  // less than was offered ends the transfer
+    }
+    appendWiped(transfer.reply_.body, {data, size});
+    return size;
+}
+
+UrlReply CurlTransfer::finish(CURLcode result) {
+    if (result == CURLE_OK) {
+        long status = 0;
+        curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
+        reply_.status = static_cast<int>(status);
+        return std::exchange(reply_, {});
+    }
+    UrlReply none;
+    if (tooLong_ || result == CURLE_FILESIZE_EXCEEDED) {
+        none.failure = "the answer is longer than 32 MiB";
+    } else {
+        none.failure = error_[0] != '\0' ? error_.data() : curl_easy_strerror(result);
+    }
+    return none;
+}
+
+}  // namespace korvane

@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/CurlUrlSession.h"
+
+#include <curl/curl.h>
+#include <pthread.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "base/Secret.h"
+#include "platform/linux/CurlTransfer.h"
+#include "platform/linux/TimerFd.h"
+
+namespace korvane {
+namespace {
+
+/// What a task and the worker share. The lock is held while the reply runs, so that a release on another
+/// thread waits for its end; it is recursive, so that a release inside the reply does not.
+struct Call {
+    std::recursive_mutex mutex;
+    std::function<void(UrlReply)> reply;  // none once it ran or was dropped
+    UrlRequest request;
+
+    bool wanted() {
+        const std::lock_guard lock(mutex);
+        return static_cast<bool>(reply);
+    }
+
+    /// True when this call dropped it.
+    bool drop() {
+        const std::lock_guard lock(mutex);
+        return static_cast<bool>(std::exchange(reply, nullptr));
+    }
+};
+
+}  // namespace
+
+/// The thread and its multi handle. It stands apart from the session because a reply may destroy the session.
+class CurlUrlSession::Worker {
+  public:
+    explicit Worker(CurlUrlSessionOptions options) : options_(std::move(options)) {}
+
+    static std::shared_ptr<Worker> launch(const CurlUrlSessionOptions& options) {
+        auto worker = std::make_shared<Worker>(options);
+        worker->thread_ = std::thread([worker] { worker->run(); });
+        return worker;
+    }
+
+    void submit(std::shared_ptr<Call> call) {
+        const std::lock_guard lock(mutex_);
+        submitted_.push_back(std::move(call));
+        wake();
+    }
+
+    /// Has the worker look for transfers that nobody waits for any more.
+    void reap() {
+        const std::lock_guard lock(mutex_);
+        wake();
+    }
+
+    void stop() {
+        {
+            const std::lock_guard lock(mutex_);
+            stopping_ = true;
+            wake();
+        }
+        if (thread_.get_id() == std::this_thread::get_id()) {
+            thread_.detach();  // inside a reply; the thread ends by itself, and runs no further one
+            for (const auto& [easy, active] : active_) active->call->drop();
+        } else {
+            thread_.join();
+        }
+        for (const auto& call : std::exchange(submitted_, {})) call->drop();
+    }
+
+  private:
+    struct Active {
+        Active(std::shared_ptr<Call> owner, const CurlUrlSessionOptions& options)
+            : call(std::move(owner)), transfer(std::move(call->request), options) {}
+
+        std::shared_ptr<Call> call;
+        CurlTransfer transfer;
+    };
+    using ActiveMap = std::map<CURL*, std::unique_ptr<Active>>;
+
+    void run();
+    bool takeCommands();
+    void add(std::shared_ptr<Call> call);
+    void remove(ActiveMap::iterator active);
+    void deliver(Call& call, UrlReply reply);
+    void finishTransfers();
+    void closeIdleConnections();
+    void setMulti(CURLM* multi);
+    int pollTimeout() const;
+
+    // Lock held: the handle is replaced now and then.
+    void wake() {
+        if (multi_) curl_multi_wakeup(multi_);
+    }
+
+    bool stopping() {
+        const std::lock_guard lock(mutex_);
+        return stopping_;
+    }
+
+    const CurlUrlSessionOptions options_;
+    std::thread thread_;
+
+    std::mutex mutex_;  // for the next three
+    std::vector<std::shared_ptr<Call>> submitted_;
+    bool stopping_ = false;
+    CURLM* multi_ = nullptr;  // written by the worker's thread alone, which reads it without the lock
+
+    // Worker's thread only.
+    ActiveMap active_;
+    bool connected_ = false;  // the multi handle may hold open connections
+    bool doubtful_ = false;   // one of them may be dead
+    std::chrono::nanoseconds lastUse_{};
+};
+
+void CurlUrlSession::Worker::run() {
+    pthread_setname_np(pthread_self(), "korvane-http");
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);  // the host's signal handlers do not expect this thread
+
+    // At the first request and not before: a host that opens no journey pays nothing, and nothing happens in
+    // static initialisation. Any thread will do, as libcurl guards its own start (since 7.84). It is never
+    // undone: the host may use libcurl as well.
+    static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (started == CURLE_OK) setMulti(curl_multi_init());
+
+    while (takeCommands()) {
+        if (!multi_) {  // out of memory: requests are answered with a failure
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            continue;
+        }
+        int running = 0;
+        curl_multi_perform(multi_, &running);
+        finishTransfers();
+        curl_multi_poll(multi_, nullptr, 0, pollTimeout(), nullptr);
+    }
+
+    for (auto active = active_.begin(); active != active_.end(); active = active_.begin()) {
+        const std::lock_guard lock(mutex_);
+        submitted_.push_back(active->second->call);  // whose replies go with the session, on its thread
+        remove(active);
+    }
+    setMulti(nullptr);
+}
+
+/// Does what other threads asked for; false when the session is gone.
+bool CurlUrlSession::Worker::takeCommands() {
+    std::vector<std::shared_ptr<Call>> submitted;
+    {
+        const std::lock_guard lock(mutex_);
+        if (stopping_) return false;
+        submitted.swap(submitted_);
+    }
+    for (auto active = active_.begin(); active != active_.end();) {
+        const auto current = active++;
+        if (current->second->call->wanted()) continue;
+        doubtful_ = true;  // often a request is given up because its connection hangs
+        remove(current);
+    }
+    closeIdleConnections();
+    for (auto& call : submitted) add(std::move(call));
+    return true;
+}
+
+void CurlUrlSession::Worker::add(std::shared_ptr<Call> call) {
+    if (!call->wanted()) return;
+    auto active = std::make_unique<Active>(call, options_);
+    CURL* easy = active->transfer.easy();
+    std::string refusal = active->transfer.refusal();
+    if (refusal.empty() && (!multi_ || curl_multi_add_handle(multi_, easy) != CURLM_OK))
+        refusal = "out of memory";
+    if (!refusal.empty()) {
+        deliver(*call, UrlReply{0, {}, std::move(refusal)});
+        return;
+    }
+    connected_ = true;
+    active_.emplace(easy, std::move(active));
+}
+
+void CurlUrlSession::Worker::remove(ActiveMap::iterator active) {
+    // Leaves a name look-up that is under way to its own thread; libcurl would wait for its end.
+    curl_easy_setopt(active->first, CURLOPT_QUICK_EXIT, 1L);
+    curl_multi_remove_handle(multi_, active->first);
+    active_.erase(active);
+    lastUse_ = TimerFd::now();
+}
+
+void CurlUrlSession::Worker::finishTransfers() {
+    std::vector<std::pair<CURL*, CURLcode>> done;  // removing a handle would spoil the messages behind it
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+        if (message->msg == CURLMSG_DONE) done.emplace_back(message->easy_handle, message->data.result);
+    }
+    for (const auto& [easy, result] : done) {
+        const auto active = active_.find(easy);
+        const auto call = active->second->call;
+        UrlReply reply = active->second->transfer.finish(result);
+        doubtful_ = doubtful_ || result != CURLE_OK;
+        remove(active);
+        deliver(*call, std::move(reply));
+    }
+}
+
+void CurlUrlSession::Worker::deliver(Call& call, UrlReply reply) {
+    const std::lock_guard lock(call.mutex);
+    const auto callback = stopping() ? nullptr : std::exchange(call.reply, nullptr);
+    if (callback) {
+        callback(std::move(reply));
+    } else {
+        wipe(reply.body);
+    }
+}
+
+/// Replaces the multi handle, which owns the connections: libcurl's own age limit neither counts sleep nor
+/// closes a connection before the next request.
+void CurlUrlSession::Worker::closeIdleConnections() {
+    if (!connected_ || !active_.empty()) return;
+    if (!doubtful_ && TimerFd::now() - lastUse_ < options_.connectionIdle) return;
+    setMulti(curl_multi_init());
+    connected_ = doubtful_ = false;
+}
+
+void CurlUrlSession::Worker::setMulti(CURLM* multi) {
+    {
+        const std::lock_guard lock(mutex_);
+        std::swap(multi_, multi);
+    }
+    curl_multi_cleanup(multi);
+}
+
+/// In milliseconds. libcurl shortens it to its own timers; commands and a stop wake the poll.
+int CurlUrlSession::Worker::pollTimeout() const {
+    constexpr int longest = 3'600'000;
+    if (!connected_ || !active_.empty()) return longest;
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(lastUse_ + options_.connectionIdle - TimerFd::now());
+    return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, longest));
+}
+
+class CurlUrlSession::Task final : public UrlTask {
+  public:
+    Task(std::shared_ptr<Worker> worker, std::shared_ptr<Call> call)
+        : worker_(std::move(worker)), call_(std::move(call)) {}
+
+    ~Task() override {
+        if (call_->drop()) worker_->reap();
+    }
+
+  private:
+    std::shared_ptr<Worker> worker_;
+    std::shared_ptr<Call> call_;
+};
+
+CurlUrlSession::CurlUrlSession(CurlUrlSessionOptions options) : options_(std::move(options)) {}
+
+CurlUrlSession::~CurlUrlSession() {
+    if (worker_) worker_->stop();
+}
+
+std::unique_ptr<UrlTask> CurlUrlSession::start(UrlRequest request, std::function<void(UrlReply)> reply) {
+    if (!worker_) worker_ = Worker::launch(options_);
+    auto call = std::make_shared<Call>();
+    call->reply = std::move(reply);
+    call->request = std::move(request);
+    worker_->submit(call);
+    return std::make_unique<Task>(worker_, std::move(call));
+}
+
+}  // namespace korvane
