@@ -1,0 +1,125 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Runs korvane-sandbox and korvane-journey as processes and drives them as a person would."""
+
+import json
+import os
+import pathlib
+import queue
+import subprocess
+import tempfile
+import threading
+
+PROGRAMS = pathlib.Path(os.environ.get("KORVANE_BIN", "build/dev/bin"))
+PATIENCE = 60  # seconds; sanitizers are slow
+
+
+class Sandbox:
+    """The card service over HTTPS; its host side is asked by curl, which trusts its CA alone."""
+
+    def __init__(self, *options):
+        self.folder = tempfile.TemporaryDirectory()
+        self.ca = os.path.join(self.folder.name, "ca.pem")
+        self.process = subprocess.Popen([PROGRAMS / "korvane-sandbox", "--ca-out", self.ca, *options],
+                                        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.told = json.loads(self.process.stdout.readline())
+        self.url = self.told["url"]
+
+    def ask(self, method, path, body=None):
+        command = ["curl", "-sS", "--cacert", self.ca, "-X", method, self.url + path, "-H", "Content-Type: application/json"]
+        if body is not None:
+            command += ["-d", json.dumps(body)]
+        return json.loads(subprocess.run(command, capture_output=True, text=True, check=True).stdout or "null")
+
+    def fault(self, **rule):
+        self.ask("POST", "/host/faults", rule)
+
+    def code(self):
+        return self.ask("POST", "/host/sms", {})["code"]
+
+    def card(self, card):
+        return self.ask("GET", "/host/cards/" + card)
+
+    def requests(self):
+        return self.ask("GET", "/host/requests")
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait(PATIENCE)
+        self.process.stdout.close()
+        self.folder.cleanup()
+
+
+class Journey:
+    """One journey on the console."""
+
+    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), service=None):
+        self.process = subprocess.Popen(
+            [PROGRAMS / "korvane-journey", kind, "--card", card, "--service", service or sandbox.url, "--key",
+             sandbox.told["key"], "--iv-url", sandbox.told["ivUrl"], "--ca", sandbox.ca, *options],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.events = queue.Queue()
+        self.seen = []
+        self.log = []
+        threading.Thread(target=self._read, daemon=True).start()
+        threading.Thread(target=lambda: self.log.extend(self.process.stderr), daemon=True).start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.events.put(json.loads(line))
+        self.events.put(None)
+
+    def next(self, wanted):
+        """The next event that is wanted; what comes before it is kept in `seen`."""
+        while True:
+            event = self.events.get(timeout=PATIENCE)
+            if event is None:
+                raise AssertionError(f"the journey ended; it showed {[e.get('view') for e in self.seen]}")
+            self.seen.append(event)
+            if wanted(event):
+                return event
+
+    def command(self, line):
+        self.process.stdin.write(line + "\n")
+        self.process.stdin.flush()
+
+    def shows(self, view):
+        """Waits until the view is shown, at rest. An error says that it did not come."""
+        self.command(f"wait {view} {PATIENCE}")
+        self.command("state")
+        event = self.next(lambda e: e["event"] == "error" or (e.get("view") == view and not e["state"].get("showSpinner")))
+        if event["event"] == "error":
+            raise AssertionError(event["message"])
+        return event
+
+    def tap(self, control):
+        self.command("tap " + control)
+
+    def type(self, digits):
+        self.command("type " + digits)
+
+    def error(self):
+        return self.next(lambda e: e["event"] == "error")["message"]
+
+    def closes(self):
+        result = self.next(lambda e: e["event"] == "close")["result"]
+        return result, self.ends()
+
+    def ends(self):
+        self.process.stdin.close()
+        status = self.process.wait(PATIENCE)
+        self.process.stdout.close()
+        return status
+
+    def verify_by_sms(self, sandbox):
+        self.shows("SMSExplainView")
+        self.tap("sdk.sms.explain.button")
+        self.shows("EnterSMSCodeView")
+        self.type(sandbox.code())
+
+    def enter_and_confirm(self, pin):
+        self.shows("EnterCardPINView")
+        self.type(pin)
+        self.tap("sdk.setpin.button")
+        self.shows("ConfirmCardPINView")
+        self.type(pin)
+        self.tap("sdk.confirmpin.button")
