@@ -17,11 +17,19 @@ ControlModel::ControlModel(const Control& control, bool primary, Action action, 
 
 QString ControlModel::symbol() const {
     switch (kind_) {
-        case ControlKind::back: return QStringLiteral("back");
-        case ControlKind::close: return QStringLiteral("xmark");
-        case ControlKind::row: return QStringLiteral("info.circle");
-        default: return {};
+        case ControlKind::back:
+            return QStringLiteral("back");
+        case ControlKind::close:
+            return QStringLiteral("xmark");
+        case ControlKind::row:
+            return QStringLiteral("info.circle");
+        default:
+            return {};
     }
+}
+
+QString ControlModel::busyText() const {
+    return busy_ ? QString::fromStdString(ports().stringTable->text("sdk.accessibility.busy")) : QString();
 }
 
 void ControlModel::setLabel(const QString& label) {

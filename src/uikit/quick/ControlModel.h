@@ -3,9 +3,9 @@
 
 #include <korvane/Journey.h>
 
+#include <QtQml/qqmlregistration.h>
 #include <QObject>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 #include <functional>
 
 namespace korvane {
@@ -26,6 +26,8 @@ class ControlModel : public QObject {
     Q_PROPERTY(bool usable READ usable NOTIFY usableChanged)
     /// The call that is under way came from this control.
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
+    /// Says so to people who do not see the wheel; empty while it is not busy.
+    Q_PROPERTY(QString busyText READ busyText NOTIFY busyChanged)
 
   public:
     using Action = std::function<void(const std::string& controlId)>;
@@ -38,6 +40,7 @@ class ControlModel : public QObject {
     bool primary() const { return primary_; }
     bool usable() const { return usable_; }
     bool busy() const { return busy_; }
+    QString busyText() const;
     const std::string& id() const { return id_; }
     ControlKind kind() const { return kind_; }
 
@@ -69,11 +72,17 @@ class BulletModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("Screens make their lists.")
 
-    Q_PROPERTY(QString symbol MEMBER symbol_ CONSTANT)
-    Q_PROPERTY(QString text MEMBER text_ CONSTANT)
+    Q_PROPERTY(QString symbol READ symbol CONSTANT)
+    Q_PROPERTY(QString text READ text CONSTANT)
+    /// It is something to do, not something to keep from.
+    Q_PROPERTY(bool advised READ advised CONSTANT)
 
   public:
     BulletModel(const Bullet& bullet, QObject* parent);
+
+    QString symbol() const { return symbol_; }
+    QString text() const { return text_; }
+    bool advised() const { return symbol_ == QLatin1StringView("checkmark.circle"); }
 
   private:
     QString symbol_;

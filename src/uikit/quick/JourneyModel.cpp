@@ -8,9 +8,10 @@ namespace {
 
 JourneyKind toCore(JourneyModel::Kind kind) {
     switch (kind) {
-        case JourneyModel::Kind::SetPIN: return JourneyKind::setPIN;
-        case JourneyModel::Kind::ActivateCardAndSetPIN: return JourneyKind::activateCardAndSetPIN;
-        case JourneyModel::Kind::GetCardImage: return JourneyKind::getCardImage;
+        case JourneyModel::Kind::SetPIN:
+            return JourneyKind::setPIN;
+        case JourneyModel::Kind::ActivateCardAndSetPIN:
+            return JourneyKind::activateCardAndSetPIN;
     }
     return JourneyKind::setPIN;
 }
@@ -19,7 +20,9 @@ JourneyKind toCore(JourneyModel::Kind kind) {
 
 JourneyModel::JourneyModel(QObject* parent) : QObject(parent) {}
 
-JourneyModel::~JourneyModel() { stop(); }
+JourneyModel::~JourneyModel() {
+    stop();
+}
 
 void JourneyModel::setKind(Kind kind) {
     if (kind_ == kind) return;
@@ -35,11 +38,11 @@ void JourneyModel::setCardId(const QString& cardId) {
     start();
 }
 
-void JourneyModel::setOnScreen(bool onScreen) {
-    if (onScreen_ == onScreen) return;
-    onScreen_ = onScreen;
-    emit onScreenChanged();
-    if (onScreen_ && journey_) journey_->appear();
+void JourneyModel::setVisible(bool visible) {
+    if (visible_ == visible) return;
+    visible_ = visible;
+    emit visibleChanged();
+    if (visible_ && journey_) journey_->appear();
 }
 
 void JourneyModel::componentComplete() {
@@ -57,7 +60,7 @@ void JourneyModel::start() {
     journey_ = std::make_unique<Journey>(toCore(kind_), cardId_.toStdString());
     journey_->onChange([this] { show(); });
     show();
-    if (onScreen_) journey_->appear();
+    if (visible_) journey_->appear();
 }
 
 void JourneyModel::stop() {

@@ -4,21 +4,21 @@
 #include <korvane/CloseNotification.h>
 #include <korvane/Journey.h>
 
+#include <QtQml/qqmlregistration.h>
 #include <QObject>
 #include <QQmlParserStatus>
 #include <QString>
-#include <QtQml/qqmlregistration.h>
 #include <memory>
 
 #include "uikit/quick/ScreenModel.h"
 
 namespace korvane {
 
-/// A journey for the QML that draws it: the screen shown now, the one shown before it, and the move between them.
-/// Main thread; needs installed ports.
+/// A journey for the QML that draws it: the screen shown now, the one shown before it, and the move between
+/// them. Main thread; needs installed ports.
 ///
-/// The journey is made when the component is complete, and made anew when the kind or the card changes later; it
-/// starts when it first comes on screen.
+/// The journey is made when the component is complete, and made anew when the kind or the card changes later;
+/// it starts when it first comes on screen.
 class JourneyModel : public QObject, public QQmlParserStatus {
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
@@ -27,7 +27,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     Q_PROPERTY(Kind kind READ kind WRITE setKind NOTIFY kindChanged)
     Q_PROPERTY(QString cardId READ cardId WRITE setCardId NOTIFY cardIdChanged)
     /// A person can see the journey.
-    Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
+    Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
 
     // Two models take turns, so that the screen that leaves stays as it was while it moves away.
     Q_PROPERTY(korvane::ScreenModel* even READ even CONSTANT)
@@ -36,10 +36,10 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     Q_PROPERTY(Move move READ move NOTIFY moved)
 
   public:
-    enum class Kind { SetPIN, ActivateCardAndSetPIN, GetCardImage };
+    enum class Kind { SetPIN, ActivateCardAndSetPIN };
     Q_ENUM(Kind)
-    /// How the present screen came: as the first one, pushed over the one before, uncovered by its going, or in its
-    /// place.
+    /// How the present screen came: as the first one, pushed over the one before, uncovered by its going, or
+    /// in its place.
     enum class Move { None, Push, Pop, Replace };
     Q_ENUM(Move)
 
@@ -50,8 +50,8 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void setKind(Kind kind);
     QString cardId() const { return cardId_; }
     void setCardId(const QString& cardId);
-    bool onScreen() const { return onScreen_; }
-    void setOnScreen(bool onScreen);
+    bool visible() const { return visible_; }
+    void setVisible(bool visible);
     ScreenModel* even() { return &even_; }
     ScreenModel* odd() { return &odd_; }
     ScreenModel* current() { return current_; }
@@ -66,7 +66,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
   signals:
     void kindChanged();
     void cardIdChanged();
-    void onScreenChanged();
+    void visibleChanged();
     void moved();
     /// The journey is over: "SUCCESS", "CANCELED" or "FAILURE". The host takes the journey off the screen.
     void closed(const QString& result);
@@ -77,7 +77,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
 
     Kind kind_ = Kind::SetPIN;
     QString cardId_;
-    bool onScreen_ = false;
+    bool visible_ = false;
     bool complete_ = false;
     ScreenModel even_;
     ScreenModel odd_;

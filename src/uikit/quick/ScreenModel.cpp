@@ -68,69 +68,85 @@ void ScreenModel::load(const ScreenSnapshot& snapshot) {
 }
 
 void ScreenModel::update(const ScreenSnapshot& snapshot) {
-    QStringList body;
+    const Layout layout = korvane::layout(snapshot);
+    QList<QString> body;
     for (const std::string& key : snapshot.body) body.append(text(key));
 
-    updateControls(snapshot);
-    updateBullets(snapshot);
+    // The screen under a sheet stays as it was drawn: only the sheet's button is there to be used.
+    if (snapshot.sheet) {
+        updateSheet(snapshot);
+    } else {
+        updateControls(snapshot);
+    }
+    const int filled = boxes_ ? boxes_->filled : 0;
     updateBoxes(snapshot);
+    updateBullets(snapshot);
     set(view_, QString::fromStdString(snapshot.view), &ScreenModel::viewChanged);
-    set(layout_, korvane::layout(snapshot), &ScreenModel::layoutChanged);
+    set(layout_, layout, &ScreenModel::layoutChanged);
+    set(backShown_, snapshot.depth > 0, &ScreenModel::backShownChanged);
     set(image_, QString::fromStdString(snapshot.image), &ScreenModel::imageChanged);
-    set(title_, text(snapshot.title), &ScreenModel::titleChanged);
+    set(title_, text(layout == Layout::Waiting ? "sdk.onemomentplease" : snapshot.title),
+        &ScreenModel::titleChanged);
     set(body_, std::move(body), &ScreenModel::bodyChanged);
     set(toast_, text(snapshot.toast), &ScreenModel::toastChanged);
     set(spinner_, snapshot.spinner, &ScreenModel::spinnerChanged);
-    if (snapshot.sheet) set(sheetText_, text(snapshot.sheet->text), &ScreenModel::sheetTextChanged);
     set(sheetOpen_, snapshot.sheet.has_value(), &ScreenModel::sheetOpenChanged);
 
-    const bool refused = message_.isEmpty() && !snapshot.message.empty() && boxes_;
+    const bool emptied = boxes_ && boxes_->filled == 0 && filled > 0;
+    const bool refused = !snapshot.message.empty() && (message_.isEmpty() || emptied);
     set(message_, text(snapshot.message), &ScreenModel::messageChanged);
     if (refused) emit entryWanted();
 }
 
+void ScreenModel::updateSheet(const ScreenSnapshot& snapshot) {
+    set(sheetText_, text(snapshot.sheet->text), &ScreenModel::sheetTextChanged);
+    for (const Control& control : snapshot.controls) {
+        if (control.id != snapshot.sheet->button) continue;
+        if (!sheetButton_ || sheetButton_->id() != control.id) {
+            if (sheetButton_) sheetButton_->deleteLater();
+            sheetButton_ = makeControl(control, true);
+            emit sheetButtonChanged();
+        }
+        sheetButton_->setUsable(control.enabled);
+        sheetButton_->setLabel(label(control, snapshot));
+    }
+}
+
 void ScreenModel::updateControls(const ScreenSnapshot& snapshot) {
-    const std::string sheetButtonId = snapshot.sheet ? snapshot.sheet->button : std::string();
     if (!sameControls(controls_, snapshot.controls)) {
         const QList<ControlModel*> old = std::exchange(controls_, {});
         buttons_.clear();
         for (const Control& control : snapshot.controls) {
-            const bool button = control.kind == ControlKind::button && control.id != sheetButtonId;
-            const bool primary = button && buttons_.isEmpty();
-            const auto kept = std::ranges::find_if(old, [&](const ControlModel* model) {
-                return model->id() == control.id && model->kind() == control.kind && model->primary() == primary;
-            });
-            ControlModel* const model =
-                kept != old.end()
-                    ? *kept
-                    : new ControlModel(control, primary, [this](const std::string& id) { perform(id); }, this);
+            const bool button = control.kind == ControlKind::button;
+            ControlModel* const model = makeControl(control, button && buttons_.isEmpty());
             controls_.append(model);
             if (button) buttons_.append(model);
         }
-        if (!sheetButtonId.empty()) set(sheetButton_, find(sheetButtonId), &ScreenModel::sheetButtonChanged);
         emit controlsChanged();
-        for (ControlModel* const model : old) {
-            if (controls_.contains(model)) continue;
-            model->setUsable(false);
-            if (model != sheetButton_) model->deleteLater();
-        }
+        for (ControlModel* const model : old) model->deleteLater();
     }
 
     for (std::size_t i = 0; i < snapshot.controls.size(); ++i) {
         const Control& control = snapshot.controls[i];
         ControlModel* const model = controls_[static_cast<qsizetype>(i)];
         model->setUsable(control.enabled);
-        model->setLabel(korvane::label(control, snapshot));
+        model->setLabel(label(control, snapshot));
         const bool source = lastUsed_.empty() ? model->primary() : model->id() == lastUsed_;
         model->setBusy(snapshot.spinner && source);
     }
     if (!snapshot.spinner) lastUsed_.clear();
 }
 
+ControlModel* ScreenModel::makeControl(const Control& control, bool primary) {
+    return new ControlModel(
+        control, primary, [this](const std::string& id) { perform(id); }, this);
+}
+
 void ScreenModel::updateBullets(const ScreenSnapshot& snapshot) {
-    const bool same = std::ranges::equal(
-        bulletKeys_, snapshot.bullets,
-        [](const Bullet& one, const Bullet& other) { return one.symbol == other.symbol && one.text == other.text; });
+    const bool same =
+        std::ranges::equal(bulletKeys_, snapshot.bullets, [](const Bullet& one, const Bullet& other) {
+            return one.symbol == other.symbol && one.text == other.text;
+        });
     if (same) return;
     bulletKeys_ = snapshot.bullets;
     const QList<BulletModel*> old = std::exchange(bullets_, {});
@@ -141,26 +157,24 @@ void ScreenModel::updateBullets(const ScreenSnapshot& snapshot) {
 
 void ScreenModel::updateBoxes(const ScreenSnapshot& snapshot) {
     const auto& next = snapshot.passcode;
-    const bool same = boxes_.has_value() == next.has_value() &&
-                      (!next || (boxes_->size == next->size && boxes_->filled == next->filled &&
-                                 boxes_->firstResponderIndex == next->firstResponderIndex &&
-                                 boxes_->secure == next->secure && boxes_->visibleDigits == next->visibleDigits));
+    const bool same =
+        boxes_.has_value() == next.has_value() &&
+        (!next || (boxes_->size == next->size && boxes_->filled == next->filled &&
+                   boxes_->firstResponderIndex == next->firstResponderIndex &&
+                   boxes_->secure == next->secure && boxes_->visibleDigits == next->visibleDigits));
     if (same) return;
     if (boxes_) wipe(boxes_->visibleDigits);
     boxes_ = next;
     passcodeDescription_ =
-        boxes_ ? text("sdk.accessibility.passcode").arg(text(boxes_->id)).arg(boxes_->filled).arg(boxes_->size)
-               : QString();
+        boxes_
+            ? text("sdk.accessibility.passcode").arg(text(boxes_->id)).arg(boxes_->filled).arg(boxes_->size)
+            : QString();
     emit passcodeChanged();
 }
 
 ControlModel* ScreenModel::first(ControlKind kind) const {
-    const auto found = std::ranges::find_if(controls_, [kind](const ControlModel* c) { return c->kind() == kind; });
-    return found == controls_.end() ? nullptr : *found;
-}
-
-ControlModel* ScreenModel::find(std::string_view id) const {
-    const auto found = std::ranges::find_if(controls_, [id](const ControlModel* c) { return c->id() == id; });
+    const auto found =
+        std::ranges::find_if(controls_, [kind](const ControlModel* c) { return c->kind() == kind; });
     return found == controls_.end() ? nullptr : *found;
 }
 
@@ -184,7 +198,7 @@ void ScreenModel::submit() {
 
 bool ScreenModel::escape() {
     ControlModel* const control = sheetOpen_ ? sheetButton_ : back();
-    if (!control || !control->usable()) return sheetOpen_;
+    if (!control || !control->usable()) return false;
     control->activate();
     return true;
 }

@@ -3,10 +3,10 @@
 
 #include <korvane/Journey.h>
 
+#include <QtQml/qqmlregistration.h>
+#include <QList>
 #include <QObject>
 #include <QQmlListProperty>
-#include <QStringList>
-#include <QtQml/qqmlregistration.h>
 #include <string_view>
 
 #include "uikit/quick/ControlModel.h"
@@ -15,8 +15,8 @@ namespace korvane {
 
 /// One screen of a journey as typed properties with texts in the user's language. Main thread.
 ///
-/// A property signals only when its own value changed, so nothing flickers and the focus stays. No property holds a
-/// digit: the boxes are drawn by `PasscodeItem`, which asks in C++.
+/// A property signals only when its own value changed, so nothing flickers and the focus stays. No property
+/// holds a digit: the boxes are drawn by `PasscodeItem`, which asks in C++.
 class ScreenModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -25,9 +25,11 @@ class ScreenModel : public QObject {
     /// The view name; the root item of the screen bears it as its `objectName`.
     Q_PROPERTY(QString view READ view NOTIFY viewChanged)
     Q_PROPERTY(Layout layout READ layout NOTIFY layoutChanged)
+    /// There is a screen below this one, even if a call under way bars the way back for now.
+    Q_PROPERTY(bool backShown READ backShown NOTIFY backShownChanged)
     Q_PROPERTY(QString image READ image NOTIFY imageChanged)
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
-    Q_PROPERTY(QStringList body READ body NOTIFY bodyChanged)
+    Q_PROPERTY(QList<QString> body READ body NOTIFY bodyChanged)
     Q_PROPERTY(QQmlListProperty<korvane::BulletModel> bullets READ bullets NOTIFY bulletsChanged)
     Q_PROPERTY(QString message READ message NOTIFY messageChanged)
     Q_PROPERTY(QString toast READ toast NOTIFY toastChanged)
@@ -58,9 +60,10 @@ class ScreenModel : public QObject {
 
     QString view() const { return view_; }
     Layout layout() const { return layout_; }
+    bool backShown() const { return backShown_; }
     QString image() const { return image_; }
     QString title() const { return title_; }
-    QStringList body() const { return body_; }
+    QList<QString> body() const { return body_; }
     QQmlListProperty<BulletModel> bullets() { return {this, &bullets_}; }
     QString message() const { return message_; }
     QString toast() const { return toast_; }
@@ -95,6 +98,7 @@ class ScreenModel : public QObject {
   signals:
     void viewChanged();
     void layoutChanged();
+    void backShownChanged();
     void imageChanged();
     void titleChanged();
     void bodyChanged();
@@ -115,19 +119,21 @@ class ScreenModel : public QObject {
   private:
     template <class Value>
     void set(Value& field, Value value, void (ScreenModel::*changed)());
+    void updateSheet(const ScreenSnapshot& snapshot);
     void updateControls(const ScreenSnapshot& snapshot);
     void updateBullets(const ScreenSnapshot& snapshot);
     void updateBoxes(const ScreenSnapshot& snapshot);
     ControlModel* first(ControlKind kind) const;
-    ControlModel* find(std::string_view id) const;
+    ControlModel* makeControl(const Control& control, bool primary);
     void perform(const std::string& controlId);
 
     Journey* journey_ = nullptr;
     QString view_;
     Layout layout_ = Layout::Waiting;
+    bool backShown_ = false;
     QString image_;
     QString title_;
-    QStringList body_;
+    QList<QString> body_;
     QList<BulletModel*> bullets_;
     std::vector<Bullet> bulletKeys_;
     QString message_;

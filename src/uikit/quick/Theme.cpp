@@ -67,13 +67,27 @@ QColor Theme::errorText() const {
     return tone;
 }
 
-QColor Theme::primaryPressed() const { return mixed(primary(), colorOnPrimary(), 0.16); }
-QColor Theme::secondaryPressed() const { return mixed(secondary(), colorOnSecondary(), 0.12); }
-QColor Theme::disabledFill() const { return mixed(background(), colorOnBackground(), 0.10); }
-QColor Theme::disabledText() const { return mixed(background(), colorOnBackground(), 0.52); }
-QColor Theme::outline() const { return mixed(background(), colorOnBackground(), 0.14); }
-QColor Theme::backdrop() const { return mixed(background(), colorOnBackground(), 0.05); }
-QColor Theme::scrim() const { return QColor::fromRgbF(0, 0, 0, 0.48F); }
+QColor Theme::primaryPressed() const {
+    return mixed(primary(), colorOnPrimary(), 0.16);
+}
+QColor Theme::secondaryPressed() const {
+    return mixed(secondary(), colorOnSecondary(), 0.12);
+}
+QColor Theme::disabledFill() const {
+    return mixed(background(), colorOnBackground(), 0.10);
+}
+QColor Theme::disabledText() const {
+    return mixed(background(), colorOnBackground(), 0.52);
+}
+QColor Theme::outline() const {
+    return mixed(background(), colorOnBackground(), 0.14);
+}
+QColor Theme::backdrop() const {
+    return mixed(background(), colorOnBackground(), 0.05);
+}
+QColor Theme::scrim() const {
+    return QColor::fromRgbF(0, 0, 0, 0.48F);
+}
 
 void Theme::setReducedMotion(bool reduced) {
     if (reducedMotion_ == reduced) return;

@@ -3,18 +3,18 @@
 
 #include <korvane/Appearance.h>
 
+#include <QtQml/qqmlregistration.h>
 #include <QColor>
 #include <QFont>
 #include <QObject>
-#include <QtQml/qqmlregistration.h>
 
 namespace korvane {
 
-/// The look of everything that the module draws: the host's colours and corner radii, the tones that follow from
-/// them, the type scale and the pace of motion. One per QML engine; main thread.
+/// The look of everything that the module draws: the host's colours and corner radii, the tones that follow
+/// from them, the type scale and the pace of motion. One per QML engine; main thread.
 ///
-/// It starts with the default palette and takes over what `initialize` stored whenever a screen is shown, so a later
-/// call restyles the screens drawn after it.
+/// It starts with the default palette and takes over what `initialize` stored whenever a screen is shown, so
+/// a later call restyles the screens drawn after it.
 class Theme : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -40,7 +40,8 @@ class Theme : public QObject {
     Q_PROPERTY(double buttonRadius READ buttonRadius NOTIFY changed)
     Q_PROPERTY(double textFieldRadius READ textFieldRadius NOTIFY changed)
 
-    /// `error`, mixed with the text colour until small text on the background is legible (WCAG 2.1, 1.4.3: 4.5 to 1).
+    /// `error`, mixed with the text colour until small text on the background is legible
+    /// (WCAG 2.1, 1.4.3: 4.5 to 1).
     Q_PROPERTY(QColor errorText READ errorText NOTIFY changed)
     Q_PROPERTY(QColor primaryPressed READ primaryPressed NOTIFY changed)
     Q_PROPERTY(QColor secondaryPressed READ secondaryPressed NOTIFY changed)

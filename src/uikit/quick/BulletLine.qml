@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// A line of a list with its symbol in front.
+Item {
+    id: line
+
+    required property BulletModel modelData
+
+    implicitHeight: Math.max(24, words.implicitHeight)
+
+    Artwork {
+        y: Math.round((Math.min(24, words.implicitHeight) - height) / 2)
+        width: 24
+        height: 24
+        name: line.modelData.symbol
+        color: line.modelData.advised ? Theme.success : Theme.errorText
+    }
+
+    Text {
+        id: words
+
+        x: 40
+        width: parent.width - x
+        text: line.modelData.text
+        font: Theme.body
+        color: Theme.colorOnBackground
+        wrapMode: Text.WordWrap
+        lineHeight: 1.2
+
+        Accessible.role: Accessible.ListItem
+        Accessible.name: text
+    }
+}

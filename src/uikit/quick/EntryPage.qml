@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// A screen to type digits on.
+PageFrame {
+    id: page
+
+    PageTitle {
+        width: parent.width
+        text: page.screen.title
+        compact: page.compact
+    }
+
+    PageBody {
+        width: parent.width
+        lines: page.screen.body
+        topPadding: 8
+    }
+
+    InfoRow {
+        width: parent.width
+        visible: control !== null
+        control: page.screen.row
+    }
+
+    Item {
+        width: 1
+        height: page.compact ? 16 : 32
+    }
+
+    PasscodeBoxes {
+        width: parent.width
+        screen: page.screen
+        focus: true
+    }
+
+    MessageLine {
+        width: parent.width
+        topPadding: 16
+        text: page.screen.message
+    }
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// Words with a symbol behind them.
+Item {
+    property alias text: words.text
+    property alias symbol: mark.name
+
+    implicitHeight: words.implicitHeight
+
+    Text {
+        id: words
+
+        anchors.verticalCenter: parent.verticalCenter
+        width: Math.min(implicitWidth, parent.width - 32)
+        font: Theme.body
+        color: Theme.hintText
+        wrapMode: Text.WordWrap
+
+        Accessible.ignored: true
+    }
+
+    Artwork {
+        id: mark
+
+        anchors.left: words.right
+        anchors.leftMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        width: 20
+        height: 20
+        color: Theme.primary
+    }
+}

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// A sheet that slides up over the screen and explains something.
+FocusScope {
+    id: modal
+
+    required property bool open
+    required property string text
+    required property ControlModel control
+
+    enabled: open
+    visible: scrim.opacity > 0
+
+    Rectangle {
+        id: scrim
+
+        anchors.fill: parent
+        color: Theme.scrim
+        opacity: modal.open ? 1 : 0
+
+        Behavior on opacity {
+            NumberAnimation {
+                duration: Theme.moveDuration
+            }
+        }
+
+        // A tap beside the sheet closes it, and nothing under it is reached.
+        MouseArea {
+            anchors.fill: parent
+            onClicked: modal.control.activate()
+        }
+    }
+
+    Rectangle {
+        id: sheet
+
+        /// Part of the sheet that has come up.
+        property real shown: modal.open ? 1 : 0
+
+        y: Math.round(parent.height - (height - radius) * shown)
+        width: parent.width
+        height: column.height + radius
+        radius: 16
+        color: Theme.surface
+
+        Accessible.role: Accessible.Dialog
+        Accessible.name: modal.text
+
+        Behavior on shown {
+            NumberAnimation {
+                duration: Theme.moveDuration
+                easing.type: Easing.OutCubic
+            }
+        }
+
+        MouseArea {
+            anchors.fill: parent
+        }
+
+        Column {
+            id: column
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(parent.width - 48, 416)
+            topPadding: 32
+            bottomPadding: 24
+            spacing: 24
+
+            Text {
+                width: parent.width
+                text: modal.text
+                font: Theme.body
+                color: Theme.colorOnSurface
+                wrapMode: Text.WordWrap
+                lineHeight: 1.2
+
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
+
+            KorvaneButton {
+                width: parent.width
+                control: modal.control
+                focus: true
+            }
+        }
+    }
+}

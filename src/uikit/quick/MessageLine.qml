@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// An error that the person can put right on the spot. A symbol stands with it: colour alone tells too little.
+Item {
+    id: line
+
+    property string text
+    property real topPadding: 0
+
+    visible: text !== ""
+    implicitHeight: topPadding + Math.max(24, words.implicitHeight)
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: text
+
+    Artwork {
+        y: line.topPadding
+        width: 20
+        height: 20
+        name: "exclamationmark.circle"
+        color: Theme.errorText
+    }
+
+    Text {
+        id: words
+
+        x: 28
+        y: line.topPadding
+        width: parent.width - x
+        text: line.text
+        font: Theme.caption
+        color: Theme.errorText
+        wrapMode: Text.WordWrap
+        lineHeight: 1.2
+
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+pragma ComponentBehavior: Bound
+import QtQuick
+
+/// The paragraphs under a title.
+Column {
+    id: paragraphs
+
+    required property list<string> lines
+    property int horizontalAlignment: Text.AlignLeft
+
+    spacing: 8
+    visible: lines.length > 0
+
+    Repeater {
+        model: paragraphs.lines
+
+        Text {
+            required property string modelData
+
+            width: paragraphs.width
+            text: modelData
+            font: Theme.body
+            color: Theme.colorOnBackground
+            horizontalAlignment: paragraphs.horizontalAlignment
+            wrapMode: Text.WordWrap
+            lineHeight: 1.2
+
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+    }
+}

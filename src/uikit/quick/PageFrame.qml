@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+pragma ComponentBehavior: Bound
+import QtQuick
+
+/// What screens have in common: back and close at the top, a column that scrolls when it must, the buttons at the
+/// foot, and the sheet over all of it.
+FocusScope {
+    id: frame
+
+    required property ScreenModel screen
+    /// The column stands in the middle of the free height.
+    property bool centred: false
+    readonly property bool compact: width < 360 || height < 600
+    readonly property real columnWidth: Math.min(width - 48, 416)
+    readonly property alias footerHeight: footer.height
+    default property alias content: column.data
+    readonly property Item focused: Window.activeFocusItem
+
+    focus: true
+
+    // Keys must not reach what lies outside the visible part.
+    onFocusedChanged: {
+        if (!focused || !column.contains(focused.mapToItem(column, 1, 1)))
+            return;
+        const top = focused.mapToItem(scroll.contentItem, 0, 0).y;
+        if (top < scroll.contentY)
+            scroll.contentY = Math.max(0, top - 16);
+        else if (top + focused.height > scroll.contentY + scroll.height)
+            scroll.contentY = top + focused.height + 16 - scroll.height;
+    }
+
+    FocusScope {
+        id: body
+
+        anchors.fill: parent
+        focus: !frame.screen.sheetOpen
+        enabled: !frame.screen.sheetOpen
+
+        Item {
+            id: header
+
+            width: parent.width
+            height: 56
+
+            IconButton {
+                anchors.left: parent.left
+                anchors.leftMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                control: frame.screen.back
+                visible: frame.screen.backShown && control !== null
+            }
+
+            IconButton {
+                anchors.right: parent.right
+                anchors.rightMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                control: frame.screen.close
+                visible: control !== null
+            }
+        }
+
+        Flickable {
+            id: scroll
+
+            anchors.top: header.bottom
+            anchors.bottom: footer.top
+            width: parent.width
+            contentHeight: column.y + column.height + 24
+            boundsBehavior: Flickable.StopAtBounds
+            interactive: contentHeight > height
+            clip: interactive
+
+            Column {
+                id: column
+
+                x: (scroll.width - width) / 2
+                y: frame.centred ? Math.max(8, (scroll.height - height) * 0.42) : 8
+                width: frame.columnWidth
+            }
+        }
+
+        Column {
+            id: footer
+
+            anchors.bottom: parent.bottom
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: frame.columnWidth
+            topPadding: 8
+            bottomPadding: 24
+            spacing: 8
+
+            Repeater {
+                model: frame.screen.buttons
+
+                KorvaneButton {
+                    required property ControlModel modelData
+
+                    width: footer.width
+                    control: modelData
+                    focus: modelData.primary && frame.screen.layout === ScreenModel.Message
+                }
+            }
+        }
+    }
+
+    KorvaneSlideUpModal {
+        anchors.fill: parent
+        focus: frame.screen.sheetOpen
+        open: frame.screen.sheetOpen
+        text: frame.screen.sheetText
+        control: frame.screen.sheetButton
+    }
+}

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// The digit boxes of a screen. The outer item speaks to accessibility and knows no digit; the inner one takes the
+/// keys and is ignored by it.
+FocusScope {
+    id: boxes
+
+    required property ScreenModel screen
+
+    implicitHeight: item.implicitHeight
+
+    Accessible.role: Accessible.EditableText
+    Accessible.name: screen.passcodeDescription
+    Accessible.focusable: true
+    Accessible.focused: item.activeFocus
+    Accessible.editable: true
+    Accessible.passwordEdit: true
+    Accessible.onPressAction: item.forceActiveFocus()
+
+    PasscodeItem {
+        id: item
+
+        anchors.fill: parent
+        objectName: boxes.screen.passcode?.name ?? ""
+        screen: boxes.screen
+        focus: true
+
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: Apache-2.0
+
+/// The set-PIN journey for one card: write SetPIN { cardId: "…" } and take it away when it has closed.
+JourneyView {
+    kind: JourneyModel.SetPIN
+}

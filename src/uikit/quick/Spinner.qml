@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// A turning wheel: a call is under way. It turns on the render thread and takes no input.
+Artwork {
+    id: wheel
+
+    height: width
+    name: "spinner"
+
+    Accessible.ignored: true
+
+    RotationAnimator on rotation {
+        running: wheel.visible && !Theme.reducedMotion
+        from: 0
+        to: 360
+        duration: 900
+        loops: Animation.Infinite
+    }
+}

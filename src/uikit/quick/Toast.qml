@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// A short message over the screen. It comes and goes with its text.
+Rectangle {
+    id: toast
+
+    property string text
+
+    implicitHeight: words.implicitHeight + 24
+    radius: 8
+    color: Theme.colorOnBackground
+    opacity: text === "" ? 0 : 1
+    visible: opacity > 0
+
+    onTextChanged: {
+        if (text !== "")
+            words.text = text;
+    }
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: words.text
+    Accessible.ignored: text === ""
+
+    Behavior on opacity {
+        NumberAnimation {
+            duration: Theme.moveDuration
+        }
+    }
+
+    Text {
+        id: words
+
+        anchors.fill: parent
+        anchors.leftMargin: 16
+        anchors.rightMargin: 16
+        font: Theme.caption
+        color: Theme.background
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        wrapMode: Text.WordWrap
+
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+
+/// A screen that is not decided yet.
+FocusScope {
+    id: page
+
+    required property ScreenModel screen
+    readonly property real footerHeight: 0
+
+    focus: true
+
+    Column {
+        anchors.centerIn: parent
+        width: parent.width - 48
+        spacing: 24
+        visible: page.screen.spinner
+
+        Spinner {
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: 48
+            color: Theme.primary
+        }
+
+        PageBody {
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            lines: [page.screen.title]
+        }
+    }
+}
