@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <gtest/gtest.h>
+#include <korvane/platform/MainQueue.h>
+
+#include <algorithm>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace korvane::testing {
+
+/// What every main queue keeps to. A driver has `std::shared_ptr<MainQueue> queue`, `turn()`, which runs all
+/// that is ready, and `runUntil(condition)`, which waits in the loop and so returns only when the loop is
+/// woken.
+template <class Driver>
+class MainQueueContract : public ::testing::Test {
+  protected:
+    Driver driver;
+};
+TYPED_TEST_SUITE_P(MainQueueContract);
+
+TYPED_TEST_P(MainQueueContract, RunsWorkInOrderAndNeverFromInsidePost) {
+    auto& queue = this->driver.queue;
+    std::vector<int> order;
+    queue->post([&] {
+        queue->post([&] { order.push_back(3); });
+        order.push_back(1);
+    });
+    queue->post([&] { order.push_back(2); });
+    EXPECT_TRUE(order.empty());
+    this->driver.turn();
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TYPED_TEST_P(MainQueueContract, TakesWorkFromManyThreadsAndWakesTheLoop) {
+    constexpr int threadCount = 4;
+    constexpr int perThread = 1000;
+    auto& queue = this->driver.queue;
+    std::vector<std::vector<int>> seen(threadCount);  // main thread only: a race here is the queue's
+    int left = threadCount * perThread;
+    bool allOnMain = true;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t) {
+        threads.emplace_back([&, t] {
+            EXPECT_FALSE(queue->isMainThread());
+            for (int i = 0; i < perThread; ++i) {
+                queue->post([&, t, i] {
+                    allOnMain = allOnMain && queue->isMainThread();
+                    seen[static_cast<std::size_t>(t)].push_back(i);
+                    --left;
+                });
+            }
+        });
+    }
+    this->driver.runUntil([&] { return left == 0; });
+    for (auto& thread : threads) thread.join();
+    EXPECT_TRUE(allOnMain);
+    for (const auto& numbers : seen) {
+        EXPECT_EQ(numbers.size(), perThread);
+        EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+    }
+}
+
+TYPED_TEST_P(MainQueueContract, DropsQueuedWorkUnrunOnTheThreadThatDestroysIt) {
+    bool ran = false;
+    std::thread::id droppedOn;
+    const auto note = [&droppedOn](int* value) {
+        droppedOn = std::this_thread::get_id();
+        delete value;
+    };
+    std::thread([&] {
+        this->driver.queue->post([&ran, held = std::shared_ptr<int>(new int, note)] { ran = true; });
+    }).join();
+    this->driver.queue.reset();
+    EXPECT_EQ(droppedOn, std::this_thread::get_id());
+    this->driver.turn();
+    EXPECT_FALSE(ran);
+}
+
+TYPED_TEST_P(MainQueueContract, MayBeDestroyedByItsOwnWork) {
+    bool ran = false;
+    this->driver.queue->post([this] { this->driver.queue.reset(); });
+    this->driver.queue->post([&ran] { ran = true; });
+    this->driver.turn();
+    EXPECT_EQ(this->driver.queue, nullptr);
+    EXPECT_FALSE(ran);
+}
+
+TYPED_TEST_P(MainQueueContract, GoesOnInANestedLoop) {
+    std::vector<int> order;
+    this->driver.queue->post([&] {
+        order.push_back(1);
+        this->driver.runUntil([&] { return order.size() == 3; });  // as a modal dialog does
+        order.push_back(4);
+    });
+    this->driver.queue->post([&] { order.push_back(2); });
+    this->driver.queue->post([&] { order.push_back(3); });
+    this->driver.turn();
+    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+}
+
+REGISTER_TYPED_TEST_SUITE_P(MainQueueContract, RunsWorkInOrderAndNeverFromInsidePost,
+                            TakesWorkFromManyThreadsAndWakesTheLoop,
+                            DropsQueuedWorkUnrunOnTheThreadThatDestroysIt, MayBeDestroyedByItsOwnWork,
+                            GoesOnInANestedLoop);
+
+}  // namespace korvane::testing

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <gtest/gtest.h>
+#include <korvane/platform/Timers.h>
+
+#include <chrono>
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace korvane::testing {
+
+using Seconds = std::chrono::duration<double>;
+
+/// What all timers keep to. A driver has `std::shared_ptr<Timers> timers` and `pass(time)`, which lets the
+/// time pass in the loop and fires what falls due in it.
+template <class Driver>
+class TimersContract : public ::testing::Test {
+  protected:
+    static constexpr Seconds moment{0.01};
+
+    /// Starts a timer that notes `name`.
+    std::unique_ptr<Timer> note(Seconds delay, int name) {
+        return driver.timers->start(delay, [this, name] { fired.push_back(name); });
+    }
+
+    Driver driver;
+    std::vector<int> fired;
+};
+TYPED_TEST_SUITE_P(TimersContract);
+
+TYPED_TEST_P(TimersContract, AReleasedTimerNeverFires) {
+    using namespace std::chrono_literals;
+    std::vector<std::unique_ptr<Timer>> handles;
+    // Fires first, and releases others that are due in the same turn, or later.
+    const auto first = this->driver.timers->start(-1s, [&handles] {
+        for (std::size_t i = 0; i < 100; ++i) handles[i].reset();
+    });
+    for (int i = 0; i < 200; ++i) handles.push_back(this->note(i % 2 ? 5ms : 0ms, i));
+    handles.resize(150);
+    this->driver.pass(this->moment * 2);
+    EXPECT_EQ(this->fired.size(), 50u);
+    for (const int name : this->fired) EXPECT_TRUE(name >= 100 && name < 150) << name;
+}
+
+TYPED_TEST_P(TimersContract, FiresInTheOrderOfDueTimesThenOfStarting) {
+    using namespace std::chrono_literals;
+    const auto begin = this->driver.timers->now();
+    const auto a = this->note(30ms, 3), b = this->note(10ms, 1), c = this->note(20ms, 2);
+    const auto d = this->driver.timers->start(30ms, [&] {
+        EXPECT_GE(this->driver.timers->now() - begin, 30ms);
+        this->fired.push_back(4);
+    });
+    this->driver.pass(5ms);
+    EXPECT_TRUE(this->fired.empty());
+    this->driver.pass(60ms);
+    EXPECT_EQ(this->fired, (std::vector{1, 2, 3, 4}));
+}
+
+TYPED_TEST_P(TimersContract, ADelayOfNothingOrLessFiresOnTheNextTurn) {
+    std::vector<std::unique_ptr<Timer>> handles;
+    for (const double seconds : {0.0, -1.0, -1e300, -std::numeric_limits<double>::infinity(),
+                                 std::numeric_limits<double>::quiet_NaN(), 1e-12, 1e-7, 1e-4}) {
+        handles.push_back(this->note(Seconds(seconds), 1));
+    }
+    EXPECT_TRUE(this->fired.empty());  // never from inside start
+    this->driver.pass(this->moment);
+    EXPECT_EQ(this->fired.size(), handles.size());
+}
+
+TYPED_TEST_P(TimersContract, ADelayTooLongIsCutAndHoldsNothingUp) {
+    const auto a = this->note(Seconds(1e10), 1), b = this->note(Seconds(1e300), 2);
+    const auto c = this->note(Seconds(std::numeric_limits<double>::infinity()), 3);
+    const auto d = this->note(Seconds(0.001), 4);
+    this->driver.pass(this->moment);
+    EXPECT_EQ(this->fired, std::vector{4});
+}
+
+TYPED_TEST_P(TimersContract, AnActionMayReleaseItsOwnHandleAndStartAgain) {
+    std::unique_ptr<Timer> handle;
+    int count = 0;
+    std::function<void()> again = [&] {
+        handle.reset();
+        if (++count < 50) handle = this->driver.timers->start({}, [&] { again(); });
+    };
+    handle = this->driver.timers->start({}, [&] { again(); });
+    this->driver.pass(this->moment * 5);
+    EXPECT_EQ(count, 50);
+    EXPECT_EQ(handle, nullptr);
+}
+
+TYPED_TEST_P(TimersContract, AnActionMayWaitInANestedLoopForAnother) {
+    const auto a = this->driver.timers->start({}, [this] {
+        this->driver.pass(this->moment);
+        this->fired.push_back(2);
+    });
+    const auto b = this->note({}, 1);
+    this->driver.pass(this->moment);
+    EXPECT_EQ(this->fired, (std::vector{1, 2}));
+}
+
+TYPED_TEST_P(TimersContract, HandlesMayOutliveTheTimers) {
+    auto held = std::make_shared<int>();
+    std::unique_ptr<Timer> victim;
+    auto killer = this->driver.timers->start({}, [this] { this->driver.timers.reset(); });
+    victim = this->driver.timers->start({}, [this, held] { this->fired.push_back(*held); });
+    this->driver.pass(this->moment);
+    EXPECT_EQ(this->driver.timers, nullptr);
+    EXPECT_TRUE(this->fired.empty());
+    EXPECT_EQ(held.use_count(), 1) << "a dropped action stays in memory";
+    victim.reset();
+    killer.reset();
+}
+
+REGISTER_TYPED_TEST_SUITE_P(TimersContract, AReleasedTimerNeverFires, FiresInTheOrderOfDueTimesThenOfStarting,
+                            ADelayOfNothingOrLessFiresOnTheNextTurn, ADelayTooLongIsCutAndHoldsNothingUp,
+                            AnActionMayReleaseItsOwnHandleAndStartAgain,
+                            AnActionMayWaitInANestedLoopForAnother, HandlesMayOutliveTheTimers);
+
+}  // namespace korvane::testing
