@@ -17,7 +17,8 @@ template <class Buffer>
 class Wiped {
   public:
     Wiped() = default;
-    explicit Wiped(Buffer value) : value_(std::move(value)) {}
+    // A short text is moved by copying its bytes: the original is wiped too.
+    explicit Wiped(Buffer value) : value_(std::move(value)) { wipe(value); }
     Wiped(Wiped&& other) noexcept : value_(std::move(other.value_)) { wipe(other.value_); }
     Wiped& operator=(Wiped&& other) noexcept {
         std::swap(value_, other.value_);
