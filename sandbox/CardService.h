@@ -12,16 +12,21 @@
 namespace korvane::sandbox {
 
 struct CardServiceOptions {
-    int port = 0;              ///< 0 takes a free one
-    bool tls = true;           ///< false: plain HTTP
-    std::string tlsDirectory;  ///< where the CA is kept, so that clients go on trusting it; empty: in memory
-    std::string databaseFile;  ///< SQLite file for cards, IVs and tokens; empty: in memory
-    std::string
-        keyBase64;  ///< pre-shared key of 16, 24 or 32 bytes (RFC 4648, section 4); empty: 32 fresh bytes
+    int port = 0;     ///< 0 takes a free one
+    bool tls = true;  ///< false: plain HTTP
+
+    /// Where the CA is kept, so that clients go on trusting it; empty: in memory.
+    std::string tlsDirectory{};
+
+    /// SQLite file for cards, IVs and tokens; empty: in memory.
+    std::string databaseFile{};
+
+    /// Pre-shared key of 16, 24 or 32 bytes (RFC 4648, section 4); empty: 32 fresh bytes.
+    std::string keyBase64{};
 
     /// Makes key, IVs, tokens and codes the same at every start, given the same requests in the same order.
     /// For tests alone: whoever knows the seed knows them all. TLS keys are random all the same.
-    std::optional<std::uint64_t> seed;
+    std::optional<std::uint64_t> seed{};
 
     std::chrono::seconds ivLife{600};
     std::chrono::seconds pciTokenLife{300};
@@ -29,7 +34,7 @@ struct CardServiceOptions {
     std::chrono::seconds bearerTokenLife{300};
 
     /// Takes one line for each request, without line end. Called on server threads, one at a time.
-    std::function<void(const std::string& line)> log;
+    std::function<void(const std::string& line)> log{};
     bool logSecrets = false;  ///< the lines also show deciphered fields and SMS codes
 };
 

@@ -100,11 +100,17 @@ class Exchange {
 }  // namespace
 
 LoggedAnswer answerCardSide(State& state, const Endpoint& endpoint, const HttpRequest& request) {
+    if (request.method != "POST") {
+        const std::string reason = "the path takes POST alone";
+        return {{405, writeJson(JsonObject{{"error", reason}})}, reason};
+    }
     std::unique_lock lock(state.mutex);
     ++state.requests[std::string(endpoint.name)];
     const FaultRule fault = state.faults.take(endpoint).value_or(FaultRule{});
     if (fault.delay.count() > 0) {
-        state.stop.wait_for(lock, fault.delay, [&state] { return state.stopping; });
+        if (state.stop.wait_for(lock, fault.delay, [&state] { return state.stopping; })) {
+            return {{503, {}, true}, "stopping"};
+        }
     }
     switch (fault.effect) {
         case Effect::reset:

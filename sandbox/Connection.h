@@ -26,6 +26,7 @@ class Connection : public httplib::Stream {
 
     /// From now on nothing is sent, and the client sees the connection reset.
     void drop() { dropped_ = true; }
+    bool isDropped() const { return dropped_; }
 
     /// Ends what waits on the connection; any thread, while the connection lives.
     void shutDown();

@@ -64,9 +64,13 @@ thread_local Connection* current = nullptr;
 
 class HttpServer::Impl : public httplib::Server {
   public:
-    explicit Impl(HttpServer::Handler handler) : handler_(std::move(handler)) {
+    Impl(HttpServer::Handler handler, Refused refused)
+        : handler_(std::move(handler)), refused_(std::move(refused)) {
         new_task_queue = [] { return new httplib::ThreadPool(threads); };
         set_payload_max_length(longestBody);
+        // Only for what the library tells clients: Connection does the waiting.
+        set_keep_alive_timeout(idleTime.count());
+        set_keep_alive_max_count(1'000'000);
         // The library's default is SO_REUSEPORT, with which two services share a port and split its requests.
         set_socket_options([](socket_t socket) {
             const int on = 1;
@@ -88,10 +92,12 @@ class HttpServer::Impl : public httplib::Server {
                 response.status = 500;
                 response.set_content(errorBody(reason), "application/json");
             });
-        set_error_handler([](const httplib::Request&, httplib::Response& response) {
-            if (!response.body.empty()) return;
-            response.set_content(errorBody(reasonFor(response.status)), "application/json");
+        set_error_handler([this](const httplib::Request& request, httplib::Response& response) {
+            if (!response.body.empty()) return;  // the handler's own
+            const std::string reason = reasonFor(response.status);
             if (response.status == 413) response.status = 400;
+            response.set_content(errorBody(reason), "application/json");
+            refused_(request.method, request.path, response.status, reason);
         });
     }
 
@@ -144,19 +150,17 @@ class HttpServer::Impl : public httplib::Server {
             connections_.insert(&connection);
         }
         current = &connection;
+        // RFC 9112, 6.3: without either header there is no body. The library would read until the end of the
+        // connection.
+        const auto complete = [](httplib::Request& request) {
+            if (request.has_header("Content-Length") || request.has_header("Transfer-Encoding")) return;
+            request.set_header("Content-Length", "0");
+        };
         bool going = connection.open();
         while (going && connection.waitForRequest(idleTime)) {
             bool closed = false;
-            going = process_request(connection, false, closed,
-                                    [](httplib::Request& request) {
-                                        // RFC 9112, 6.3: without either header there is no body. The library
-                                        // would read until the end of the connection.
-                                        if (!request.has_header("Content-Length") &&
-                                            !request.has_header("Transfer-Encoding")) {
-                                            request.set_header("Content-Length", "0");
-                                        }
-                                    }) &&
-                    !closed;
+            going =
+                process_request(connection, false, closed, complete) && !closed && !connection.isDropped();
         }
         current = nullptr;
         const std::lock_guard lock(mutex_);
@@ -165,6 +169,7 @@ class HttpServer::Impl : public httplib::Server {
     }
 
     HttpServer::Handler handler_;
+    Refused refused_;
     Context tls_;
     std::thread accepting_;
     std::mutex mutex_;
@@ -172,7 +177,8 @@ class HttpServer::Impl : public httplib::Server {
     std::set<Connection*> connections_;
 };
 
-HttpServer::HttpServer(Handler handler) : impl_(std::make_unique<Impl>(std::move(handler))) {}
+HttpServer::HttpServer(Handler handler, Refused refused)
+    : impl_(std::make_unique<Impl>(std::move(handler), std::move(refused))) {}
 
 HttpServer::~HttpServer() {
     stop();

@@ -31,7 +31,12 @@ class HttpServer {
     /// Called on a thread of the pool, on several at once. An exception becomes status 500 with its text.
     using Handler = std::function<HttpAnswer(const HttpRequest&)>;
 
-    explicit HttpServer(Handler handler);
+    /// Told of a request that is answered with a refusal before the handler sees it: too long, malformed, or
+    /// of another method than GET, POST and DELETE. On the same threads.
+    using Refused = std::function<void(const std::string& method, const std::string& path, int status,
+                                       const std::string& reason)>;
+
+    HttpServer(Handler handler, Refused refused);
     ~HttpServer();
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;
