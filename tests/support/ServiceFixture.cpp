@@ -23,6 +23,9 @@ ServiceFixture::ServiceFixture() {
     config.brandId.clear();
     config.trackingUUID.clear();
     config.gotInitialIV = false;
+    config.useBiometrics = false;
+    config.decCardStatus.clear();
+    config.currentCardType = eKorvaneCardType::none;
     config.currentPciToken = "pci-token";
     config.currentBearerToken = "bearer-0";
     config.ivIdStr = "iv-0";
