@@ -20,7 +20,7 @@ void write(Writer& writer, std::string_view name, std::string_view text) {
     write(writer, text);
 }
 
-void write(Writer& writer, const StateValue& value) {
+void writeValue(Writer& writer, const StateValue& value) {
     if (const bool* const flag = std::get_if<bool>(&value)) {
         writer.Bool(*flag);
     } else if (const int* const number = std::get_if<int>(&value)) {
@@ -40,7 +40,7 @@ void writeState(Writer& writer, const ScreenSnapshot& screen) {
     writer.StartObject();
     for (const StateField& field : screen.state) {
         write(writer, field.name);
-        write(writer, field.value);
+        writeValue(writer, field.value);
     }
     if (screen.passcode) {
         write(writer, "digits");

@@ -17,7 +17,7 @@ const char* const usage =
     "  --service URL     base URL of the card service\n"
     "  --key BASE64      the pre-shared key\n"
     "  --iv-url URL      where the host supplies IVs (default: /host/iv under the service's URL)\n"
-    "  --ca FILE         also trust the certificate authorities of this PEM file\n"
+    "  --ca FILE         trust the authorities of this PEM file in place of the system's\n"
     "  --biometrics on   keep the PCI token in the device's secure store (default: off)\n"
     "\n"
     "commands: type DIGITS | erase | tap CONTROL-ID | wait VIEW [SECONDS] | state | quit\n"

@@ -77,12 +77,13 @@ class CommandReader {
 };
 
 int run(const JourneyArguments& arguments) {
-    const bool installed = installPorts(
-        {.mainQueue = std::make_shared<GLibMainQueue>(),
-         .timers = std::make_shared<GLibTimers>(),
-         .urlSession = std::make_shared<CurlUrlSession>(CurlUrlSession::Options{.caFile = arguments.caFile}),
-         .console = std::make_shared<StdoutConsole>(stderr),
-         .pasteboard = std::make_shared<EventPasteboard>()});
+    CurlUrlSessionOptions urlSessionOptions;
+    urlSessionOptions.caFile = arguments.caFile;
+    const bool installed = installPorts({.mainQueue = std::make_shared<GLibMainQueue>(),
+                                         .timers = std::make_shared<GLibTimers>(),
+                                         .urlSession = std::make_shared<CurlUrlSession>(urlSessionOptions),
+                                         .console = std::make_shared<StdoutConsole>(stderr),
+                                         .pasteboard = std::make_shared<EventPasteboard>()});
     if (!installed) return badArguments;
     if (!initialize(arguments.key, arguments.service, hostIvCallback(arguments.ivUrl), arguments.biometrics,
                     KorvaneColors{}, KorvaneCornerRadii{})) {
