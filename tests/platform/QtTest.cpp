@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <QClipboard>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QTimer>
+#include <QTranslator>
+#include <array>
+#include <string>
+
+#include "platform/qt/QtMainQueue.h"
+#include "platform/qt/QtPasteboard.h"
+#include "platform/qt/QtStringTable.h"
+#include "platform/qt/QtTimers.h"
+#include "tests/platform/MainQueueContract.h"
+#include "tests/platform/TimersContract.h"
+
+namespace korvane::testing {
+namespace {
+
+/// An application without a screen.
+struct QtApplication {
+    std::array<std::string, 3> arguments{"qt_test", "-platform", "offscreen"};
+    std::array<char*, 4> pointers{arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
+    int count = 3;
+    QGuiApplication application{count, pointers.data()};
+};
+
+struct QtQueueDriver : private QtApplication {
+    std::shared_ptr<QtMainQueue> queue = std::make_shared<QtMainQueue>();
+
+    void turn() {
+        QEventLoop loop;
+        while (loop.processEvents()) continue;
+    }
+    template <class Condition>
+    void runUntil(Condition condition) {
+        while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, MainQueueContract, QtQueueDriver);
+
+struct QtTimersDriver : private QtApplication {
+    std::shared_ptr<QtTimers> timers = std::make_shared<QtTimers>();
+
+    void pass(std::chrono::duration<double> time) {
+        // A timer of Qt's own ends the wait; what is due at the same moment gets its turn after it.
+        QEventLoop loop;
+        QTimer::singleShot(static_cast<int>(time.count() * 1000) + 1, Qt::PreciseTimer, &loop,
+                           &QEventLoop::quit);
+        loop.exec();
+        while (loop.processEvents()) continue;
+    }
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, TimersContract, QtTimersDriver);
+
+TEST(QtMainQueue, TakesWorkBeforeThereIsAnApplication) {
+    QtMainQueue queue;
+    bool ran = false;
+    queue.post([&ran] { ran = true; });
+    const QtApplication application;
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(ran);
+}
+
+TEST(QtStringTable, AsksItsOwnTableThenTheHostsThenGivesTheKey) {
+    const QtApplication application;
+    QtStringTable table;
+    EXPECT_EQ(table.text("sdk.both"), "sdk.both");
+
+    QTranslator host;
+    ASSERT_TRUE(host.load(":/host.qm"));
+    QCoreApplication::installTranslator(&host);
+    EXPECT_EQ(table.text("sdk.both"), "host’s both");
+
+    ASSERT_TRUE(table.load(":/component_en.qm"));
+    EXPECT_EQ(table.text("sdk.both"), "both");
+    EXPECT_EQ(table.text("sdk.host.only"), "host’s only");
+    EXPECT_EQ(table.text("sdk.empty"), "host’s empty") << "an empty text counts as none";
+    EXPECT_EQ(table.text("sdk.unknown"), "sdk.unknown");
+    EXPECT_EQ(qtTrId("sdk.component.only"), "sdk.component.only")
+        << "the component's table leaks into the host";
+}
+
+TEST(QtStringTable, SwitchesAtRunTimeAndKeepsItsTableWhenTheNewOneCannotBeRead) {
+    const QtApplication application;
+    QtStringTable table;
+    ASSERT_TRUE(table.load(":/component_en.qm"));
+    EXPECT_EQ(table.text("sdk.component.only"), "one moment");
+    ASSERT_TRUE(table.load(":/component_de.qm"));
+    EXPECT_EQ(table.text("sdk.component.only"), "einen Moment für Sie");
+    EXPECT_FALSE(table.load(":/missing.qm"));
+    EXPECT_EQ(table.text("sdk.component.only"), "einen Moment für Sie");
+}
+
+TEST(QtPasteboard, PutsPlainTextMarkedAsSecretInPlaceOfWhatWasThere) {
+    QtPasteboard pasteboard;
+    pasteboard.setString("there is no clipboard yet");
+    const QtApplication application;
+    pasteboard.setString("first");
+    pasteboard.setString("4111 1111 – é");
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "4111 1111 – é");
+    EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->data("x-kde-passwordManagerHint"), "secret");
+}
+
+}  // namespace
+}  // namespace korvane::testing

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/StdoutConsole.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace korvane::testing {
+namespace {
+
+TEST(StdoutConsole, LinesOfManyThreadsDoNotMixHoweverLong) {
+    constexpr int threadCount = 4;
+    constexpr int perThread = 200;
+    std::FILE* file = std::tmpfile();
+    StdoutConsole console(file);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t) {
+        threads.emplace_back([&console, t] {
+            for (int i = 0; i < perThread; ++i)
+                console.line(std::string(static_cast<std::size_t>(i) * 100, static_cast<char>('a' + t)));
+        });
+    }
+    for (auto& thread : threads) thread.join();
+
+    std::rewind(file);
+    std::map<std::string, int> lines;
+    std::string line;
+    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
+        if (c != '\n') {
+            line.push_back(static_cast<char>(c));
+        } else {
+            ++lines[line];
+            line.clear();
+        }
+    }
+    EXPECT_EQ(line, "");
+    EXPECT_EQ(lines[""], threadCount);
+    for (int t = 0; t < threadCount; ++t) {
+        for (int i = 1; i < perThread; ++i) {
+            EXPECT_EQ(lines[std::string(static_cast<std::size_t>(i) * 100, static_cast<char>('a' + t))], 1);
+        }
+    }
+    std::fclose(file);
+}
+
+TEST(StdoutConsole, ALineIsOneWriteAndComesAfterWhatTheStreamHeld) {
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);  // keeps the bounds of each write
+    std::FILE* stream = fdopen(ends[0], "w");
+    StdoutConsole console(stream);
+    std::fputs("before ", stream);
+    const std::string text(20'000, 'x');  // longer than the stream's buffer
+    console.line(text);
+
+    std::string got(30'000, '\0');
+    EXPECT_EQ(read(ends[1], got.data(), got.size()), 7);
+    const ssize_t size = read(ends[1], got.data(), got.size());
+    EXPECT_EQ(got.substr(0, static_cast<std::size_t>(size)), text + "\n");
+    close(ends[1]);
+    std::fclose(stream);
+}
+
+}  // namespace
+}  // namespace korvane::testing

@@ -1,0 +1,20 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!-- SPDX-License-Identifier: Apache-2.0 -->
+<!DOCTYPE TS>
+<TS version="2.1" language="en">
+<context>
+    <name></name>
+    <message id="sdk.both">
+        <source></source>
+        <translation>host’s both</translation>
+    </message>
+    <message id="sdk.host.only">
+        <source></source>
+        <translation>host’s only</translation>
+    </message>
+    <message id="sdk.empty">
+        <source></source>
+        <translation>host’s empty</translation>
+    </message>
+</context>
+</TS>
