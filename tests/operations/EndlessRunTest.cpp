@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "base/Base64.h"
 #include "operations/Operations.h"
 #include "tests/support/ServiceFixture.h"
 
@@ -26,10 +25,10 @@ TEST_F(EndlessRun, AHundredThousandRefusedIvsCostNoStackAndNoMemory) {
     };
     config.ivCallback = [&](const IvReply& reply) {
         measureStack();
-        reply("iv-" + std::to_string(++ivsSupplied), base64Encode(iv));
+        reply("iv-" + std::to_string(++ivsSupplied), ivText);
     };
-    const UrlReply refusal = ok({{"encryptedResult", "Failure: IV is expired"}});
-    const UrlReply success = ok({{"encryptedResult", "Success"}});
+    const UrlReply refusal = result("Failure: IV is expired");
+    const UrlReply success = result("Success");
     int ended = 0;
     device.urlSession->answerWith([&](const UrlRequest&) { return ivsSupplied < runs ? refusal : success; });
     doPinSet("1357", [&](const KorvaneRetStruct& record) { ended += record.error ? 0 : 1; });

@@ -4,7 +4,6 @@
 #include <rapidjson/document.h>
 
 #include <deque>
-#include <memory>
 
 #include "base/Base64.h"
 #include "transport/AesCbc.h"
@@ -20,46 +19,25 @@ ServiceFixture::ServiceFixture() {
     config.preSharedKeyByteArray = key;
     config.apiUrl = "https://cards.example";
     config.cardId = "card-1";
-    config.brandId.clear();
-    config.trackingUUID.clear();
-    config.gotInitialIV = false;
-    config.useBiometrics = false;
-    config.decCardStatus.clear();
-    config.currentCardType = eKorvaneCardType::none;
     config.currentPciToken = "pci-token";
     config.currentBearerToken = "bearer-0";
     config.ivIdStr = "iv-0";
     config.ivByteArray = iv;
     config.ivCallback = [this](const IvReply& reply) {
-        reply("iv-" + std::to_string(++ivsSupplied), base64Encode(iv));
+        reply("iv-" + std::to_string(++ivsSupplied), ivText);
     };
-}
-
-ServiceFixture::~ServiceFixture() {
-    config.ivCallback = nullptr;
 }
 
 std::string ServiceFixture::encipher(const std::string& text) const {
     return base64Encode(*aesCbcEncrypt(key, iv, std::vector<std::uint8_t>{text.begin(), text.end()}));
 }
 
-std::string ServiceFixture::decipher(const std::string& base64Text) const {
-    const auto plain = aesCbcDecrypt(key, iv, base64Decode(base64Text).value_or(std::vector<std::uint8_t>{}));
-    return plain ? std::string{plain->begin(), plain->end()} : "(not deciphered)";
-}
-
-std::string ServiceFixture::json(const Fields& fields) {
-    std::string text = "{";
-    for (const auto& [name, value] : fields) {
-        text += (text.size() > 1 ? ",\"" : "\"") + name + "\":\"" + value + "\"";
-    }
-    return text + "}";
-}
-
 UrlReply ServiceFixture::answer(int status, const Fields& fields) const {
-    Fields enciphered;
-    for (const auto& [name, value] : fields) enciphered.emplace_back(name, encipher(value));
-    return {status, json(enciphered), ""};
+    std::string body = "{";
+    for (const auto& [name, value] : fields) {
+        body += (body.size() > 1 ? ",\"" : "\"") + name + "\":\"" + encipher(value) + "\"";
+    }
+    return {status, body + "}", ""};
 }
 
 void ServiceFixture::willAnswer(std::vector<UrlReply> replies) {
@@ -72,20 +50,22 @@ void ServiceFixture::willAnswer(std::vector<UrlReply> replies) {
     });
 }
 
-std::map<std::string, std::string> ServiceFixture::sent(std::size_t index) const {
+std::string ServiceFixture::sent(std::size_t index) const {
+    const UrlRequest& request = device.urlSession->requests().at(index);
+    std::string text = request.url.substr(request.url.rfind('/') + 1);
     rapidjson::Document body;
-    body.Parse(device.urlSession->requests().at(index).body.c_str());
-    std::map<std::string, std::string> texts;
-    for (const auto& member : body.GetObject()) texts[member.name.GetString()] = member.value.GetString();
-    return texts;
-}
-
-std::vector<std::string> ServiceFixture::called() const {
-    std::vector<std::string> names;
-    for (const UrlRequest& request : device.urlSession->requests()) {
-        names.push_back(request.url.substr(request.url.rfind('/') + 1));
+    body.Parse(request.body.c_str());
+    for (const auto& member : body.GetObject()) {
+        std::string name = member.name.GetString();
+        std::string value = member.value.GetString();
+        if (name.starts_with("encrypted")) {
+            const auto plain = aesCbcDecrypt(key, iv, base64Decode(value).value());
+            name.erase(0, 9);
+            value = plain ? std::string{plain->begin(), plain->end()} : "(not deciphered)";
+        }
+        text += " " + name + "=" + value;
     }
-    return names;
+    return text;
 }
 
 void ServiceFixture::dropIv() {
@@ -93,10 +73,11 @@ void ServiceFixture::dropIv() {
     config.ivByteArray.clear();
 }
 
-std::vector<std::string> ServiceFixture::lines() {
-    auto all = device.console->lines();
+std::string ServiceFixture::printed() {
+    std::string text;
+    for (const std::string& line : device.console->lines()) text += (text.empty() ? "" : "|") + line;
     device.console->clear();
-    return all;
+    return text;
 }
 
 }  // namespace korvane

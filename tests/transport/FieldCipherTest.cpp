@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/FieldCipher.h"
 
-#include <unistd.h>
-
-#include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <random>
 
-#include "base/Base64.h"
 #include "tests/support/ServiceFixture.h"
 #include "transport/AesCbc.h"
 
@@ -20,19 +15,17 @@ using namespace std::string_literals;
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes fromHex(const std::string& hex) {
-    Bytes bytes;
-    for (std::size_t i = 0; i < hex.size(); i += 2) {
-        bytes.push_back(static_cast<std::uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    Bytes bytes(hex.size() / 2);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<std::uint8_t>(std::stoi(hex.substr(2 * i, 2), nullptr, 16));
     }
     return bytes;
 }
 
 std::string toHex(const Bytes& bytes) {
     std::string hex;
-    for (const std::uint8_t byte : bytes) {
-        hex += "0123456789abcdef"[byte >> 4];
-        hex += "0123456789abcdef"[byte & 15];
-    }
+    for (const std::uint8_t byte : bytes)
+        (hex += "0123456789abcdef"[byte >> 4]) += "0123456789abcdef"[byte & 15];
     return hex;
 }
 
@@ -42,7 +35,7 @@ TEST(AesCbc, AgreesWithThePublishedVectors) {
     const Bytes plain = fromHex(
         "6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e51"
         "30c81c46a35ce411e5fbc1191a0a52eff69f2445df4f9b17ad2b417be66c3710");
-    const std::pair<const char*, const char*> vectors[] = {
+    const std::pair<std::string, std::string> vectors[] = {
         {"2b7e151628aed2a6abf7158809cf4f3c",
          "7649abac8119b246cee98e9b12e9197d5086cb9b507219ee95db113a917678b2"
          "73bed6b8e3c1743b7116e69e222295163ff1caa1681fac09120eca307586e1a7"},
@@ -54,80 +47,67 @@ TEST(AesCbc, AgreesWithThePublishedVectors) {
          "39f23369a9d9bacfa530e26304231461b2eb05e2c39be9fcda6c19078c6a9d1b"},
     };
     for (const auto& [key, cipher] : vectors) {
-        const auto enciphered = aesCbcEncrypt(fromHex(key), iv, plain);
-        ASSERT_TRUE(enciphered);
-        EXPECT_EQ(toHex(*enciphered).substr(0, 128), cipher);
-        EXPECT_EQ(enciphered->size(), 80u);
-        EXPECT_EQ(aesCbcDecrypt(fromHex(key), iv, *enciphered), plain);
+        const Bytes enciphered = aesCbcEncrypt(fromHex(key), iv, plain).value();
+        EXPECT_EQ(toHex(enciphered).substr(0, 128), cipher);
+        EXPECT_EQ(enciphered.size(), 80u);
+        EXPECT_EQ(aesCbcDecrypt(fromHex(key), iv, enciphered), plain);
     }
 }
 
-class FieldCipher : public ServiceFixture {
-  protected:
-    /// Runs `openssl enc` on the bytes; what it wrote, or a failed test.
-    static std::string openssl(const std::string& arguments, const std::string& input) {
-        const std::string file = testing::TempDir() + "cipher-" + std::to_string(getpid());
+class FieldCipher : public ServiceFixture {};
+
+TEST_F(FieldCipher, AgreesWithTheCommandLineTool) {
+    const std::string file = testing::TempDir() + "korvane-field-cipher";
+    const auto openssl = [&file](const std::string& arguments, const std::string& input) {
         std::ofstream{file, std::ios::binary} << input;
-        std::FILE* const pipe = popen(("openssl enc -in '" + file + "' " + arguments).c_str(), "r");
+        std::FILE* const pipe =
+            popen(("openssl enc -base64 -A -in '" + file + "' " + arguments).c_str(), "r");
         std::string output;
         for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) output += static_cast<char>(c);
         EXPECT_EQ(pclose(pipe), 0);
-        std::remove(file.c_str());
         return output;
-    }
-};
-
-TEST_F(FieldCipher, AgreesWithTheCommandLineTool) {
+    };
     std::mt19937 random{20240607};
     for (const std::size_t keySize : {16, 24, 32}) {
+        config.preSharedKeyByteArray.resize(keySize);
         for (const std::size_t length : {0, 1, 4, 15, 16, 17, 1000}) {
-            Bytes key(keySize);
-            std::generate(key.begin(), key.end(), [&] { return static_cast<std::uint8_t>(random()); });
+            for (std::uint8_t& byte : config.preSharedKeyByteArray)
+                byte = static_cast<std::uint8_t>(random());
             std::string text(length, ' ');
-            std::generate(text.begin(), text.end(), [&] { return static_cast<char>(' ' + random() % 95); });
-            config.preSharedKeyByteArray = key;
-            const std::string arguments = "-aes-" + std::to_string(keySize * 8) + "-cbc -K " + toHex(key) +
-                                          " -iv " + toHex(iv) + " -base64 -A";
+            for (char& c : text) c = static_cast<char>(' ' + random() % 95);
+            const std::string arguments = "-aes-" + std::to_string(keySize * 8) + "-cbc -iv " + toHex(iv) +
+                                          " -K " + toHex(config.preSharedKeyByteArray);
             EXPECT_EQ(openssl(arguments, text), encryptField(iv, text));
             EXPECT_EQ(openssl(arguments + " -d", encryptField(iv, text)), text);
         }
     }
+    std::remove(file.c_str());
 }
 
-TEST_F(FieldCipher, PadsToWholeBlocksAndKeepsAnyText) {
-    EXPECT_EQ(encryptField(iv, "").size(), 24u);
-    EXPECT_EQ(encryptField(iv, "0123456789abcdef").size(), 44u);
-    for (const std::string text : {"", "1357", "Zoë Ångström", "卡片 🙂", "a\nb\tc"}) {
+TEST_F(FieldCipher, KeepsAnyTextAndGarblesUnderAnotherIv) {
+    for (const std::string text : {"", "0123456789abcdef", "Zoë Ångström 卡片 🙂", "a\nb\tc"}) {
         EXPECT_EQ(decryptField(iv, encryptField(iv, text)), text);
     }
-    const std::string withNul{"a\0b", 3};
-    EXPECT_EQ(decryptField(iv, encryptField(iv, withNul)), withNul);
+    EXPECT_EQ(encryptField(iv, "").size(), 24u);
+    EXPECT_EQ(encryptField(iv, "0123456789abcdef").size(), 44u);
+    Bytes other = iv;
+    other[0] ^= 1;
+    EXPECT_EQ(decryptField(other, encryptField(iv, "0123456789abcdefSuccess")), "1123456789abcdefSuccess");
 }
 
 TEST_F(FieldCipher, EveryFailureIsTheEmptyText) {
     const std::string good = encryptField(iv, "a text of more than one block");
     for (const std::size_t size : {0, 15, 17}) {
-        EXPECT_EQ(encryptField(Bytes(size), "text"), "");
-        EXPECT_EQ(decryptField(Bytes(size), good), "");
+        EXPECT_EQ(encryptField(Bytes(size), "text") + decryptField(Bytes(size), good), "");
     }
-    for (const std::string& bad : {std::string{}, good.substr(0, 20) + "\n" + good.substr(20), good + " ",
-                                   good.substr(0, 40), std::string{"AAAA"}, std::string{"not base64"}}) {
+    for (const std::string& bad : {""s, good.substr(0, 20) + "\n" + good.substr(20), good + " ",
+                                   good.substr(0, 40), "AAAA"s, "not base64"s}) {
         EXPECT_EQ(decryptField(iv, bad), "") << bad;
     }
-    config.preSharedKeyByteArray = Bytes(32, 8);
-    EXPECT_EQ(decryptField(iv, good), "");
     for (const std::size_t size : {0, 20, 33}) {
         config.preSharedKeyByteArray = Bytes(size);
-        EXPECT_EQ(encryptField(iv, "text"), "");
-        EXPECT_EQ(decryptField(iv, good), "");
+        EXPECT_EQ(encryptField(iv, "text") + decryptField(iv, good), "");
     }
-}
-
-TEST_F(FieldCipher, AnotherIvGarblesTheFirstBlockAlone) {
-    const std::string text = "0123456789abcdefSuccess";
-    Bytes other = iv;
-    other[0] ^= 1;
-    EXPECT_EQ(decryptField(other, encryptField(iv, text)), "1123456789abcdefSuccess");
 }
 
 TEST_F(FieldCipher, BytesThatAreNotUtf8AreTakenAsUtf16) {
