@@ -126,6 +126,7 @@ void CurlTransfer::addHeaders() {
         hasType = hasType || strcasecmp(name.c_str(), "Content-Type") == 0;
         add(value.empty() ? name + ";" : name + ": " + value);  // libcurl's way to write an empty header
     }
+    add("Expect:");  // a large body is sent at once; libcurl would wait a second for leave
     if (!hasType) add("Content-Type:");  // none, where libcurl would claim a web form
     set(CURLOPT_HTTPHEADER, headers_);
 }
