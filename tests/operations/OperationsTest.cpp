@@ -127,10 +127,12 @@ TEST_F(Operations, EachHasItsOwnLinesAndValuesOnTheWayToAFailure) {
         EXPECT_EQ(record.jsonResponseStr, refusal.body);
         EXPECT_EQ(lastSent(), row.sent + " UUID= brandId=");
         const std::string lines = printed();
+        const std::string failing =
+            row.name == "doGetCardStatus" ? "api.getCardStatus" : row.name + "() (middle layer)";
         EXPECT_THAT(lines,
                     StartsWith("inside (middlelayer) " + row.name + "( ... )|have iv (now?)... use it:|" +
                                row.tracking + "|Calling api." + row.endpoint + "...|"));
-        EXPECT_THAT(lines, EndsWith("|" + refusal.body + "|" + errLine +
+        EXPECT_THAT(lines, EndsWith("|" + refusal.body + "|" + failing +
                                     " err != nil|err response HAS Data|here it is:|" + word +
                                     "|theEncErrResult: " + word +
                                     "|decResultStr Failure: IV is expired|"
