@@ -107,14 +107,13 @@ LoggedAnswer answerCardSide(State& state, const Endpoint& endpoint, const HttpRe
     std::unique_lock lock(state.mutex);
     ++state.requests[std::string(endpoint.name)];
     const FaultRule fault = state.faults.take(endpoint).value_or(FaultRule{});
-    if (fault.delay.count() > 0) {
-        if (state.stop.wait_for(lock, fault.delay, [&state] { return state.stopping; })) {
-            return {{503, {}, true}, "stopping"};
-        }
+    if (fault.delay.count() > 0 &&
+        state.stop.wait_for(lock, fault.delay, [&state] { return state.stopping; })) {
+        return {{0, {}, true}, "stopping"};
     }
     switch (fault.effect) {
         case Effect::reset:
-            return {{200, {}, true}, "fault: connection reset"};
+            return {{0, {}, true}, "fault: connection reset"};
         case Effect::body:
             return {{fault.status, fault.text}, "fault: raw body"};
         case Effect::status:
@@ -125,8 +124,7 @@ LoggedAnswer answerCardSide(State& state, const Endpoint& endpoint, const HttpRe
     Exchange exchange(state, endpoint, request, fault);
     LoggedAnswer answer = exchange.answer();
     if (const std::optional<Sms>& sms = exchange.sms()) {
-        if (state.options.logSecrets)
-            answer.note += " SMS to the holder of " + sms->cardId + ": " + sms->code;
+        if (state.options.logSecrets) answer.note += "; SMS for " + sms->cardId + ": " + sms->code;
         const auto callback = state.smsCallback;
         lock.unlock();  // the callback may ask the service for the code
         if (callback) callback(sms->cardId, sms->code);

@@ -26,7 +26,7 @@ LoggedAnswer answerCardSide(State& state, const Endpoint& endpoint, const HttpRe
 ///   GET    /host/cards/ID    the whole card, PIN included
 ///   POST   /host/faults      adds the rule, or the list of rules, of the body (see Faults.h)
 ///   DELETE /host/faults      forgets all rules
-///   GET    /host/requests    {"pinSet": 2, …}: requests so far by endpoint name, refused ones included
+///   GET    /host/requests    {"pinSet": 2, …}: requests read so far by endpoint name, refused ones included
 LoggedAnswer answerHostSide(State& state, const HttpRequest& request);
 
 }  // namespace korvane::sandbox

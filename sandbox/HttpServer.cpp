@@ -81,7 +81,7 @@ class HttpServer::Impl : public httplib::Server {
         };
         Get(".*", handle).Post(".*", handle).Delete(".*", handle);
         set_exception_handler(
-            [](const httplib::Request&, httplib::Response& response, std::exception_ptr thrown) {
+            [this](const httplib::Request& request, httplib::Response& response, std::exception_ptr thrown) {
                 std::string reason = "unknown error";
                 try {
                     std::rethrow_exception(thrown);
@@ -91,9 +91,10 @@ class HttpServer::Impl : public httplib::Server {
                 }
                 response.status = 500;
                 response.set_content(errorBody(reason), "application/json");
+                refused_(request.method, request.path, response.status, reason);
             });
         set_error_handler([this](const httplib::Request& request, httplib::Response& response) {
-            if (!response.body.empty()) return;  // the handler's own
+            if (response.has_header("Content-Type")) return;  // the handler's own
             const std::string reason = reasonFor(response.status);
             if (response.status == 413) response.status = 400;
             response.set_content(errorBody(reason), "application/json");

@@ -31,8 +31,8 @@ class HttpServer {
     /// Called on a thread of the pool, on several at once. An exception becomes status 500 with its text.
     using Handler = std::function<HttpAnswer(const HttpRequest&)>;
 
-    /// Told of a request that is answered with a refusal before the handler sees it: too long, malformed, or
-    /// of another method than GET, POST and DELETE. On the same threads.
+    /// Told of a request that the handler did not answer: too long, malformed, of another method than GET,
+    /// POST and DELETE, or ended by an exception. On the same threads.
     using Refused = std::function<void(const std::string& method, const std::string& path, int status,
                                        const std::string& reason)>;
 

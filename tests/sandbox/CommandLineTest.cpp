@@ -83,7 +83,7 @@ TEST(CommandLineTest, ServesUntilItIsTold) {
         TestClient client(texts.at("url"), {std::istreambuf_iterator<char>(file), {}}, texts.at("key"));
         EXPECT_NE(client.pciToken("card-physical-active"), "");
         EXPECT_THAT(program.log(),
-                    HasSubstr("card-physical-active: " + client.lastCode("card-physical-active")));
+                    HasSubstr("SMS for card-physical-active: " + client.lastCode("card-physical-active")));
         EXPECT_EQ(program.end(signal), 0) << program.log();
         std::filesystem::remove(caFile);
     }

@@ -39,7 +39,8 @@ TEST_F(FaultRules, AnswersAreReplacedAsOftenAsAskedFor) {
     add(R"([{"endpoint":"pinSet","status":418},
             {"endpoint":"*","status":500,"result":"Failure: Expired Token","count":2},
             {"endpoint":"pinSet","result":"Failure: Sold out"},
-            {"endpoint":"pinSet","body":"<html>"}])");
+            {"endpoint":"pinSet","body":"<html>"},
+            {"endpoint":"pinSet","status":502,"body":""}])");
     EXPECT_EQ(status().status, 500);
     const auto teapot = pinSet();
     EXPECT_EQ(teapot.status, 418);
@@ -49,6 +50,9 @@ TEST_F(FaultRules, AnswersAreReplacedAsOftenAsAskedFor) {
     EXPECT_EQ(expired.result(), "Failure: Expired Token");
     EXPECT_EQ(pinSet().result(), "Failure: Sold out");
     EXPECT_EQ(pinSet().body, "<html>");
+    const auto blank = pinSet();
+    EXPECT_EQ(blank.status, 502);
+    EXPECT_EQ(blank.body, "");
     EXPECT_NE(client().card(id).at("pin"), "1357") << "a fault stands in for the endpoint";
     EXPECT_EQ(pinSet().result(), "Success");
 
@@ -56,7 +60,7 @@ TEST_F(FaultRules, AnswersAreReplacedAsOftenAsAskedFor) {
     EXPECT_EQ(client().send("DELETE", "/host/faults").status, 200);
     EXPECT_EQ(pinSet().status, 200);
     const Texts counts = client().send("GET", "/host/requests").fields;
-    EXPECT_EQ(counts.at("pinSet"), "6");
+    EXPECT_EQ(counts.at("pinSet"), "7");
     EXPECT_EQ(counts.at("getCardStatus"), "1");
     EXPECT_EQ(counts.at("getCardImage"), "0");
 }
