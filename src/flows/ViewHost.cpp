@@ -12,8 +12,9 @@ bool ViewTable::lists(std::string_view name) const {
     return std::find(views.begin(), views.end(), name) != views.end();
 }
 
-ViewHost::ViewHost(std::shared_ptr<NavigationStack> stack, const ViewTable& table, ScreenArguments arguments)
-    : Screen(std::move(stack), table.host), table_(table), arguments_(std::move(arguments)) {}
+ViewHost::ViewHost(std::shared_ptr<NavigationStack> stack, const ViewTable& table,
+                   const ScreenArguments& arguments)
+    : Screen(std::move(stack), table.host), table_(table), arguments_(arguments) {}
 
 void ViewHost::show(std::string_view viewName) {
     showScreen(viewName, canShow(viewName) ? makeScreen(sharedStack(), viewName, arguments_) : nullptr);

@@ -23,7 +23,8 @@ struct ViewTable {
 /// multi view.
 class ViewHost : public Screen {
   public:
-    ViewHost(std::shared_ptr<NavigationStack> stack, const ViewTable& table, ScreenArguments arguments = {});
+    ViewHost(std::shared_ptr<NavigationStack> stack, const ViewTable& table,
+             const ScreenArguments& arguments = {});
 
     virtual bool canShow(std::string_view viewName) const { return table_.lists(viewName); }
     /// Shows the screen of that name in place of what was shown. A name that the table does not list shows
