@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Initialize.h>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -20,6 +22,7 @@ struct Control {
     std::string id;
     ControlKind kind = ControlKind::button;
     bool enabled = false;
+    bool on = false;  ///< of a toggle: how it is shown. It follows what it stands for, never the tap.
 };
 
 using StateValue = std::variant<bool, int, std::string>;
@@ -50,14 +53,42 @@ struct Sheet {
     std::string button;  ///< id of the control that closes it
 };
 
+/// The card as the viewer pictures it, with the symbol "contactless_icon" on it.
+struct CardFace {
+    std::shared_ptr<const ImageData> image;  ///< the same pointer as long as it is the same; null: draw a
+                                             ///< placeholder card
+    std::string name;  ///< plain text: how the host names a wearable, else the card's type; may be empty
+    std::string networkLogo;  ///< asset name: "mastercard_logo"; empty: none
+    bool activated = false;
+    bool frozen = false;
+    std::vector<std::string> message;  ///< localization keys over the card, header first; empty: none
+    std::string button;                ///< id of the control over the card; empty: none
+};
+
+/// One line of the card's details.
+struct DetailRow {
+    std::string id;         ///< localization key of its label, and the control that copies the value
+    std::string value;      ///< plain text: what to show now, the mask or the value itself
+    bool masked = false;    ///< `value` is the mask; the value itself is not in the snapshot
+    bool copyable = false;  ///< mark it with the symbol "doc.on.doc"
+};
+
+/// A question over the screen; both of its answers are controls.
+struct Popup {
+    std::string header;   ///< localization key
+    std::string body;     ///< localization key
+    std::string confirm;  ///< id of the control that does it
+    std::string cancel;   ///< id of the control that closes the popup and does nothing
+};
+
 /// All that there is to draw and to use on the screen that a person sees now. Texts are localization keys,
-/// images are asset names.
+/// images are asset names, unless a field says otherwise.
 struct ScreenSnapshot {
     std::string view;                ///< view name: "EnterCardPINView"; the host's own name while it decides
     std::uint64_t instance = 0;      ///< changes when another screen is shown, even one of the same name
     int depth = 0;                   ///< pushed screens below this one; grows on a push, shrinks on a pop
     std::vector<std::string> stack;  ///< hosts and screens from the journey's root up to this one
-    std::vector<StateField> state;   ///< holds no PIN, code or token
+    std::vector<StateField> state;   ///< holds no PIN, code, token or card data
     std::vector<Control> controls;   ///< in reading order
 
     std::string image;
@@ -68,10 +99,14 @@ struct ScreenSnapshot {
     std::string message;  ///< inline error message; empty: none
     std::string toast;    ///< toast over the screen; empty: none. It goes by itself.
     std::optional<Sheet> sheet;
-    bool spinner = false;  ///< a call is under way; what must not be tapped meanwhile is not enabled
+    std::optional<CardFace> card;
+    std::vector<DetailRow> rows;
+    std::optional<Popup> popup;
+    std::string disclosureText;  ///< plain text in the user's language, as the service sends it; empty: none
+    bool spinner = false;        ///< a call is under way; what must not be tapped meanwhile is not enabled
 };
 
-enum class JourneyKind { setPIN, activateCardAndSetPIN };
+enum class JourneyKind { setPIN, activateCardAndSetPIN, getCardImage };
 
 /// One of the component's journeys for one card, without a window: what is shown is read with `screen`, what
 /// a person does is told with `perform` and the passcode calls. Every toolkit, console and test drives this.
@@ -103,6 +138,10 @@ class Journey {
     Outcome deleteBackward();
     /// Clears all boxes, then inserts.
     Outcome replaceText(std::string_view text);
+
+    /// Puts the masks back over revealed card data. Call it when others may come to see the screen: the
+    /// window loses the focus or is minimised.
+    void hideSensitive();
 
     /// Calls `changed` on the main queue once after any number of changes to the screen; one observer at a
     /// time.

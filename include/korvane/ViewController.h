@@ -18,8 +18,19 @@ class ViewController {
     virtual void hide() = 0;
 };
 
-/// Needs Korvane::Quick, a running QGuiApplication and installed ports.
+// The factories need Korvane::Quick, a running QGuiApplication and installed ports.
+
 class SetPINFactory {
+  public:
+    static std::unique_ptr<ViewController> create(const std::string& cardId);
+};
+
+class ActivateCardAndSetPINFactory {
+  public:
+    static std::unique_ptr<ViewController> create(const std::string& cardId);
+};
+
+class GetCardImageFactory {
   public:
     static std::unique_ptr<ViewController> create(const std::string& cardId);
 };

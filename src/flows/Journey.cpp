@@ -12,7 +12,15 @@ namespace korvane {
 namespace {
 
 const JourneyHost::Kind& hostOf(JourneyKind kind) {
-    return kind == JourneyKind::setPIN ? journey::setPIN : journey::activateCardAndSetPIN;
+    switch (kind) {
+        case JourneyKind::setPIN:
+            return journey::setPIN;
+        case JourneyKind::activateCardAndSetPIN:
+            return journey::activateCardAndSetPIN;
+        case JourneyKind::getCardImage:
+            break;
+    }
+    return journey::getCardImage;
 }
 
 }  // namespace
@@ -75,6 +83,10 @@ Journey::Outcome Journey::replaceText(std::string_view text) {
 
 Journey::Outcome Journey::deleteBackward() {
     return impl_->onScreen([&](Screen& screen) { return screen.deleteBackward(); });
+}
+
+void Journey::hideSensitive() {
+    impl_->stack().hideSensitive();
 }
 
 void Journey::onChange(std::function<void()> changed) {

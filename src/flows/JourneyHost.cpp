@@ -34,6 +34,10 @@ std::shared_ptr<Screen> makeActivationStartPage(const std::shared_ptr<Navigation
     return std::make_shared<ActivationStartPage>(stack);
 }
 
+std::string_view firstCardImageView() {
+    return view::CardImage_NoNav;
+}
+
 }  // namespace
 
 namespace journey {
@@ -54,6 +58,9 @@ const JourneyHost::Kind activateCardAndSetPIN_NoNav{table::activateCardAndSetPIN
                                                     firstActivationView,
                                                     false,
                                                     makeActivationStartPage};
+
+const JourneyHost::Kind getCardImage{table::getCardImage, view::CardImage_NoNav, "CardImageAppearStruct",
+                                     firstCardImageView, false};
 
 }  // namespace journey
 

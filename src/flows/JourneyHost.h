@@ -49,6 +49,7 @@ extern const JourneyHost::Kind setPIN;
 extern const JourneyHost::Kind setPIN_NoNav;
 extern const JourneyHost::Kind activateCardAndSetPIN;
 extern const JourneyHost::Kind activateCardAndSetPIN_NoNav;
+extern const JourneyHost::Kind getCardImage;
 }  // namespace journey
 
 }  // namespace korvane

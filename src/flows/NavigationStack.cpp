@@ -119,6 +119,12 @@ void NavigationStack::showToast(std::string_view messageId) {
     changed();
 }
 
+void NavigationStack::hideSensitive() {
+    for (const auto& frame : frames_) {
+        for (const auto& screen : chainOf(frame)) screen->hideSensitive();
+    }
+}
+
 void NavigationStack::settle() {
     if (settling_) {
         unsettled_ = true;

@@ -43,6 +43,9 @@ class NavigationStack : public std::enable_shared_from_this<NavigationStack> {
 
     void showToast(std::string_view messageId);
 
+    /// Hides card data on every screen, the covered ones too.
+    void hideSensitive();
+
     /// Something to be drawn has changed: brings what came into view to its `onAppear`, then tells the
     /// observer.
     void changed();

@@ -38,6 +38,8 @@ class Screen : public std::enable_shared_from_this<Screen> {
     virtual void onAppear() {}
     /// Called before the screen comes into view again because the SMS step that it asked for went well.
     virtual void resumeAfterSMSVerify() {}
+    /// Others may see the screen from now on: puts masks over card data.
+    virtual void hideSensitive() {}
 
     void describe(ScreenSnapshot& snapshot);
     Journey::Outcome perform(std::string_view controlId);

@@ -10,6 +10,7 @@ inline constexpr std::string_view SetPIN = "SetPIN";
 inline constexpr std::string_view SetPIN_NoNav = "SetPIN_NoNav";
 inline constexpr std::string_view ActivateCardAndSetPIN = "ActivateCardAndSetPIN";
 inline constexpr std::string_view ActivateCardAndSetPIN_NoNav = "ActivateCardAndSetPIN_NoNav";
+inline constexpr std::string_view GetCardImage = "GetCardImage";
 inline constexpr std::string_view CardImage_NoNav = "CardImage_NoNav";
 
 inline constexpr std::string_view SMSExplainView = "SMSExplainView";
@@ -33,5 +34,6 @@ inline constexpr std::string_view UhOhContactSupportView = "UhOhContactSupportVi
 inline constexpr std::string_view EnterCardPINMultiView = "EnterCardPINMultiView";
 inline constexpr std::string_view AutoNavMultiView = "AutoNavMultiView";
 inline constexpr std::string_view ActivateCardAndSetPINMultiView = "ActivateCardAndSetPINMultiView";
+inline constexpr std::string_view CardImageActivateMultiView = "CardImageActivateMultiView";
 
 }  // namespace korvane::view

@@ -18,6 +18,9 @@ constexpr std::array activateViews{CardAlreadyActivatedView,   EnterCardPINView,
                                    UhOhTryAgainView,           EnterCardLastFourView, SMSExplainView,
                                    ActivateCardAndSetPIN_NoNav};
 
+constexpr std::array cardImageViews{SMSExplainView, CardImage_NoNav, UhOhContactSupportView,
+                                    UhOhTryAgainView};
+
 constexpr std::array enterCardPINViews{YouCanDoBetterView, ConfirmCardPINView};
 
 constexpr std::array autoNavViews{UhOhTryAgainView,
@@ -33,14 +36,20 @@ constexpr std::array activateNextViews{CardAlreadyActivatedView, EnterCardLastFo
                                        CardImage_NoNav,          SetPIN_NoNav,          EnterCardPINView,
                                        UhOhTryAgainView,         UhOhContactSupportView};
 
+constexpr std::array cardImageActivateViews{EnterCardLastFourView, EnterCardPINView, UhOhTryAgainView,
+                                            UhOhContactSupportView};
+
 }  // namespace
 
 const ViewTable setPIN{SetPIN, setPINViews};
 const ViewTable setPIN_NoNav{SetPIN_NoNav, setPINViews};
 const ViewTable activateCardAndSetPIN{ActivateCardAndSetPIN, activateViews};
 const ViewTable activateCardAndSetPIN_NoNav{ActivateCardAndSetPIN_NoNav, activateViews};
+const ViewTable getCardImage{GetCardImage, cardImageViews};
+const ViewTable cardImage_NoNav{CardImage_NoNav, cardImageViews};
 const ViewTable enterCardPINMultiView{EnterCardPINMultiView, enterCardPINViews};
 const ViewTable autoNavMultiView{AutoNavMultiView, autoNavViews};
 const ViewTable activateCardAndSetPINMultiView{ActivateCardAndSetPINMultiView, activateNextViews};
+const ViewTable cardImageActivateMultiView{CardImageActivateMultiView, cardImageActivateViews};
 
 }  // namespace korvane::table

@@ -10,8 +10,11 @@ extern const ViewTable setPIN;
 extern const ViewTable setPIN_NoNav;
 extern const ViewTable activateCardAndSetPIN;
 extern const ViewTable activateCardAndSetPIN_NoNav;
+extern const ViewTable getCardImage;
+extern const ViewTable cardImage_NoNav;
 extern const ViewTable enterCardPINMultiView;
 extern const ViewTable autoNavMultiView;
 extern const ViewTable activateCardAndSetPINMultiView;
+extern const ViewTable cardImageActivateMultiView;
 
 }  // namespace korvane::table
