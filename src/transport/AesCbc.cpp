@@ -52,7 +52,7 @@ std::optional<std::vector<std::uint8_t>> crypt(bool encrypt, std::span<const std
                                        static_cast<int>(input.size())) == 1 &&
                       EVP_CipherFinal_ex(context.get(), output.data() + written, &last) == 1;
     if (!done) return std::nullopt;
-    output.resize(static_cast<std::size_t>(written + last));
+    output.resize(static_cast<std::size_t>(written) + static_cast<std::size_t>(last));
     return output;
 }
 

@@ -38,20 +38,20 @@ class Renewal final : public Cancellable, public std::enable_shared_from_this<Re
         const Wiped username{base64Encode(config.preSharedKeyByteArray)};
         const Wiped password{base64Encode(iv_)};
         log({"cardId: ", config.cardId});
-        std::string encCardId = encryptField(iv_, config.cardId);
+        const std::string encCardId = encryptField(iv_, config.cardId);
         log({"encrypted cardId: ", encCardId});
-        std::string encUsername = encryptField(iv_, *username);
+        const std::string encUsername = encryptField(iv_, *username);
         log({"encryptedUsername = ", encUsername});
-        std::string encPassword = encryptField(iv_, *password);
+        const std::string encPassword = encryptField(iv_, *password);
         log({"encryptedPassword = ", encPassword});
         API api;
-        request_ = api.getBearerToken(
-            config.ivIdStr, std::move(encCardId), std::move(encUsername), std::move(encPassword),
-            [self = shared_from_this()](const std::optional<RestBearerToken>& response,
-                                        const std::optional<CallError>& error) {
-                self->request_.reset();
-                error ? self->failed(*error) : self->answered(*response);
-            });
+        request_ =
+            api.getBearerToken(config.ivIdStr, encCardId, encUsername, encPassword,
+                               [self = shared_from_this()](const std::optional<RestBearerToken>& response,
+                                                           const std::optional<CallError>& error) {
+                                   self->request_.reset();
+                                   error ? self->failed(*error) : self->answered(*response);
+                               });
     }
 
     void cancel() override {

@@ -88,9 +88,10 @@ std::variant<std::monostate, JsonError> decodeTexts(std::string json, std::span<
 std::variant<DecryptedCardDisclosure, JsonError> decodeDisclosures(std::string json) {
     rapidjson::Document document;
     if (auto error = parse(document, json)) return *std::move(error);
-    if (!document.IsObject()) return JsonError{"not a JSON object"};
+    const rapidjson::Value& root = document;
+    if (!root.IsObject()) return JsonError{"not a JSON object"};
     DecryptedCardDisclosure disclosures;
-    for (const auto& member : document.GetObject()) {
+    for (const auto& member : root.GetObject()) {
         if (std::string_view{member.name.GetString(), member.name.GetStringLength()} != "CardDisclosures")
             continue;
         disclosures.CardDisclosures.reset();
