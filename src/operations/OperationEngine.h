@@ -73,10 +73,11 @@ Operation runOperation(const OperationDescription& description, Arguments argume
 /// Takes over texts as arguments and wipes the originals.
 Arguments argumentsFrom(std::initializer_list<std::reference_wrapper<std::string>> texts);
 
-/// Turns an endpoint's typed completion into the engine's: `store` gets the record of a successful reply.
+/// A `Store` that still lacks its record.
 template <class Record>
 using StoreRecord = std::optional<std::string> (*)(const Record& record, const std::vector<std::uint8_t>& iv);
 
+/// Turns an endpoint's typed completion into the engine's.
 template <class Record>
 Completion<Record> replyTo(ReplyHandler handler, StoreRecord<Record> store) {
     return [handler = std::move(handler), store](std::optional<Record> record,
