@@ -26,8 +26,7 @@ ActivationStartPage::ActivationStartPage(std::shared_ptr<NavigationStack> stack)
       start_(
           "sdk.cardarrived.start",
           [this] {
-              const auto next =
-                  std::make_shared<MultiView>(sharedStack(), table::activateCardAndSetPINMultiView);
+              auto next = std::make_shared<MultiView>(sharedStack(), table::activateCardAndSetPINMultiView);
               next->show(firstInputView());
               return next;
           },
