@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// The words on a button, or a turning wheel in their place while its call is under way.
 Item {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
 import QtQuick.Templates as T
+import Korvane
 
 /// A symbol to tap, at the top of a screen: back, close.
 T.AbstractButton {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// Words with a symbol behind them.
 Item {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
 import QtQuick.Templates as T
+import Korvane
 
 /// A line of text with a symbol that tells more when tapped.
 T.AbstractButton {

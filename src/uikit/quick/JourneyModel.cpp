@@ -42,7 +42,7 @@ void JourneyModel::setVisible(bool visible) {
     if (visible_ == visible) return;
     visible_ = visible;
     emit visibleChanged();
-    if (visible_ && journey_) journey_->appear();
+    appear();
 }
 
 void JourneyModel::componentComplete() {
@@ -60,7 +60,13 @@ void JourneyModel::start() {
     journey_ = std::make_unique<Journey>(toCore(kind_), cardId_.toStdString());
     journey_->onChange([this] { show(); });
     show();
-    if (visible_) journey_->appear();
+    appear();
+}
+
+void JourneyModel::appear() {
+    if (!visible_ || !journey_) return;
+    journey_->appear();
+    emit appeared();
 }
 
 void JourneyModel::stop() {

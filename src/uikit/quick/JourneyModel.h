@@ -68,11 +68,14 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void cardIdChanged();
     void visibleChanged();
     void moved();
+    /// The journey has come on screen: it wants the keys.
+    void appeared();
     /// The journey is over: "SUCCESS", "CANCELED" or "FAILURE". The host takes the journey off the screen.
     void closed(const QString& result);
 
   private:
     void start();
+    void appear();
     void show();
 
     Kind kind_ = Kind::SetPIN;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// A journey as the person sees it: one screen at a time, and the moves between them. In a wide window it stands as
 /// a panel in the middle.
@@ -28,6 +29,7 @@ FocusScope {
 
         cardId: root.cardId
         visible: root.visible && root.Window.visibility !== Window.Hidden
+        onAppeared: root.forceActiveFocus()
         onMoved: {
             if (journey.move === JourneyModel.None)
                 moving.stop();

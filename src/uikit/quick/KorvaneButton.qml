@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
 import QtQuick.Templates as T
+import Korvane
 
 /// A button at the foot of a screen: filled when it carries the task on, quiet otherwise.
 T.AbstractButton {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// A sheet that slides up over the screen and explains something.
 FocusScope {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// An error that the person can put right on the spot. A symbol stands with it: colour alone tells too little.
 Item {
@@ -8,6 +9,7 @@ Item {
     property string text
     property real topPadding: 0
 
+    objectName: "message"
     visible: text !== ""
     implicitHeight: topPadding + Math.max(24, words.implicitHeight)
 

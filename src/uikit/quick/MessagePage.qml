@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 pragma ComponentBehavior: Bound
 import QtQuick
+import Korvane
 
 /// A screen that tells something: a picture, words, and what to do next.
 PageFrame {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 pragma ComponentBehavior: Bound
 import QtQuick
+import Korvane
 
 /// The paragraphs under a title.
 Column {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 pragma ComponentBehavior: Bound
 import QtQuick
+import Korvane
 
 /// What screens have in common: back and close at the top, a column that scrolls when it must, the buttons at the
 /// foot, and the sheet over all of it.

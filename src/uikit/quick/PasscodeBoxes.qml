@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// The digit boxes of a screen. The outer item speaks to accessibility and knows no digit; the inner one takes the
 /// keys and is ignored by it.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-pragma ComponentBehavior: Bound
 import QtQuick
+import Korvane
 
 /// One of the two places in which screens are drawn. They take turns: one holds the screen shown now, the other the
 /// one that leaves.

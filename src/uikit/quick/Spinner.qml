@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// A turning wheel: a call is under way. It turns on the render thread and takes no input.
 Artwork {

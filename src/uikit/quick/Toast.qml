@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Korvane
 
 /// A short message over the screen. It comes and goes with its text.
 Rectangle {

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "common/BackEnd.h"
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+#include "sandbox/CardService.h"
+
+namespace korvane {
+namespace {
+
+/// A card service, and its CA's certificate in a directory that nobody else can write to.
+class LocalBackEnd {
+  public:
+    LocalBackEnd() = default;
+    ~LocalBackEnd() {
+        std::error_code ignored;
+        if (!directory_.empty()) std::filesystem::remove_all(directory_, ignored);
+    }
+    LocalBackEnd(const LocalBackEnd&) = delete;
+    LocalBackEnd& operator=(const LocalBackEnd&) = delete;
+
+    std::string start() {
+        if (std::string failure = service_.start(); !failure.empty()) return failure;
+        std::error_code error;
+        std::string pattern = (std::filesystem::temp_directory_path(error) / "korvane-XXXXXX").string();
+        if (error || !::mkdtemp(pattern.data())) return "no temporary directory";
+        directory_ = pattern;
+        std::ofstream file(caFile());
+        return file << service_.caPem() << std::flush ? "" : "cannot write " + caFile();
+    }
+
+    std::string caFile() const { return (directory_ / "ca.pem").string(); }
+    const sandbox::CardService& service() const { return service_; }
+
+  private:
+    sandbox::CardService service_;
+    std::filesystem::path directory_;
+};
+
+}  // namespace
+
+BackEnd startBackEnd() {
+    const auto local = std::make_shared<LocalBackEnd>();
+    if (std::string failure = local->start(); !failure.empty()) {
+        BackEnd none;
+        none.failure = std::move(failure);
+        return none;
+    }
+    return {.service = local->service().url(),
+            .key = local->service().keyBase64(),
+            .ivUrl = local->service().ivUrl(),
+            .caFile = local->caFile(),
+            .failure = {},
+            .running = local};
+}
+
+}  // namespace korvane

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Hands.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QThread>
+
+namespace {
+
+QQuickItem* findBelow(QQuickItem* item, const QString& objectName) {
+    if (!item->isVisible() || item->opacity() == 0) return nullptr;
+    if (item->objectName() == objectName) return item;
+    for (QQuickItem* const child : item->childItems()) {
+        if (QQuickItem* const found = findBelow(child, objectName)) return found;
+    }
+    return nullptr;
+}
+
+void send(QQuickWindow& window, QEvent&& event) {
+    QCoreApplication::sendEvent(&window, &event);
+}
+
+}  // namespace
+
+QQuickItem* Hands::find(const QString& objectName) const {
+    return findBelow(window_.contentItem(), objectName);
+}
+
+bool Hands::waitUntil(const std::function<bool()>& seen, int milliseconds) const {
+    const QDeadlineTimer deadline(milliseconds);
+    while (!seen()) {
+        if (deadline.hasExpired()) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+bool Hands::waitFor(const QString& objectName) const {
+    return waitUntil([&] {
+        const QQuickItem* const item = find(objectName);
+        return item && item->isEnabled();
+    });
+}
+
+bool Hands::tap(const QString& objectName) const {
+    if (!waitFor(objectName)) return false;
+    look();  // a control that still slides would be missed
+    const QQuickItem* const item = find(objectName);
+    if (!item || !item->isEnabled()) return false;
+    const QPointF at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    if (!QRectF(QPointF(), window_.size()).contains(at)) return false;
+    const QPointF global = window_.mapToGlobal(at);
+    send(window_, QMouseEvent(QEvent::MouseButtonPress, at, at, global, Qt::LeftButton, Qt::LeftButton, {}));
+    send(window_, QMouseEvent(QEvent::MouseButtonRelease, at, at, global, Qt::LeftButton, Qt::NoButton, {}));
+    return true;
+}
+
+void Hands::type(const QString& text) const {
+    for (const QChar letter : text) {
+        const int key = letter.toUpper().unicode();
+        send(window_, QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, letter));
+        send(window_, QKeyEvent(QEvent::KeyRelease, key, Qt::NoModifier, letter));
+    }
+}
+
+QImage Hands::look() const {
+    QImage picture = window_.grabWindow();
+    waitUntil(
+        [&] {
+            const QDeadlineTimer pause(80);
+            waitUntil([&] { return pause.hasExpired(); });
+            return std::exchange(picture, window_.grabWindow()) == picture;
+        },
+        1000);
+    return picture;
+}

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/platform/Ports.h>
+
+#include <string>
+
+namespace korvane {
+
+/// The ports of a Qt app on Linux, for `installPorts`: Qt's event loop, timers and clipboard, HTTPS over
+/// libcurl, the component's texts in the user's language (English where there is none), its log on standard
+/// output. Secure items and biometrics are those of a device that has none.
+///
+/// Needs Korvane::Quick. Call it on the main thread, with a QGuiApplication.
+///
+/// @param caFile  PEM file of the certificate authorities to trust instead of the system's; empty: the
+/// system's
+Ports qtPorts(const std::string& caFile = {});
+
+}  // namespace korvane
