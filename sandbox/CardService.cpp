@@ -39,8 +39,8 @@ struct CardService::Impl {
         if (!options.log) return;
         const Endpoint* const endpoint = endpointAt(path);
         std::string line = endpoint ? std::string(endpoint->name) : method + " " + path;
-        line += " " + std::to_string(status);
-        if (!note.empty()) line += " " + note;
+        line.append(" ").append(std::to_string(status));
+        if (!note.empty()) line.append(" ").append(note);
         // Paths and, with secrets, fields come from the client: they must not forge lines.
         std::ranges::replace_if(
             line, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
