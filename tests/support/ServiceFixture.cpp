@@ -16,6 +16,12 @@ const std::vector<std::uint8_t> key(32, 7);
 }  // namespace
 
 ServiceFixture::ServiceFixture() {
+    // What tests change, so that they also pass one after another in one process.
+    config.brandId.clear();
+    config.trackingUUID.clear();
+    config.gotInitialIV = false;
+    config.useBiometrics = false;
+    config.lastJsonResponseStr.clear();
     config.preSharedKeyByteArray = key;
     config.apiUrl = "https://cards.example";
     config.cardId = "card-1";
