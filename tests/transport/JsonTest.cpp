@@ -46,7 +46,7 @@ TEST(WireRecords, WhatIsMissingIsAbsentAndWhatIsUnknownIsSkipped) {
         return std::get<RestGetCardStatus>(decodeRecord<RestGetCardStatus>(std::move(json)));
     };
     EXPECT_FALSE(read("{}").encryptedResult);
-    EXPECT_FALSE(read(R"({"encryptedResult": null})").encryptedResult);
+    EXPECT_FALSE(read(R"({"encryptedResult": "first", "encryptedResult": null})").encryptedResult);
     EXPECT_EQ(read(R"( {"x": [1, {"encryptedResult": "no"}], "encryptedResult": "a\u00e9\n\ud83d\ude42\/"} )")
                   .encryptedResult,
               "aé\n🙂/");
