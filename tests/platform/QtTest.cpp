@@ -8,6 +8,7 @@
 #include <array>
 #include <string>
 
+#include "platform/qt/QtImageDecoder.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtStringTable.h"
@@ -93,14 +94,29 @@ TEST(QtStringTable, SwitchesAtRunTimeAndKeepsItsTableWhenTheNewOneCannotBeRead) 
     EXPECT_EQ(table.text("sdk.component.only"), "einen Moment für Sie");
 }
 
-TEST(QtPasteboard, PutsPlainTextMarkedAsSecretInPlaceOfWhatWasThere) {
+TEST(QtPasteboard, PutsPlainTextMarkedAsSecretAndClearsOnlyThat) {
     QtPasteboard pasteboard;
-    pasteboard.setString("there is no clipboard yet");
+    EXPECT_FALSE(pasteboard.setString("there is no clipboard yet"));
+    pasteboard.clearIfHolds("there is no clipboard yet");
     const QtApplication application;
     pasteboard.setString("first");
-    pasteboard.setString("4111 1111 – é");
+    EXPECT_TRUE(pasteboard.setString("4111 1111 – é"));
+    pasteboard.clearIfHolds("first");
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), "4111 1111 – é");
     EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->data("x-kde-passwordManagerHint"), "secret");
+    pasteboard.clearIfHolds("4111 1111 – é");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "");
+}
+
+TEST(QtImageDecoder, TakesWhatItCanDrawAndNothingElse) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImage(8, 5, QImage::Format_RGB32).save(&buffer, "PNG");
+    const QtImageDecoder decoder;
+    const auto bytes = std::as_bytes(std::span{png.constData(), static_cast<std::size_t>(png.size())});
+    EXPECT_TRUE(decoder.isImage(bytes));
+    EXPECT_FALSE(decoder.isImage(bytes.first(bytes.size() / 2))) << "cut short";
+    EXPECT_FALSE(decoder.isImage({}));
 }
 
 }  // namespace

@@ -33,6 +33,7 @@ TYPED_TEST_P(UrlSessionContract, AReleasedTaskNeverReplies) {
     // Each reply writes to memory that goes right after its task: a late one is a use after free, or a race.
     std::atomic<int> replies = 0;
     for (int round = 0; round < 100; ++round) {
+        const int enough = replies + round % 9;  // release at another moment each round
         std::vector<std::unique_ptr<int>> targets;
         std::vector<std::unique_ptr<UrlTask>> tasks;
         for (int i = 0; i < 8; ++i) {
@@ -42,7 +43,6 @@ TYPED_TEST_P(UrlSessionContract, AReleasedTaskNeverReplies) {
                 ++replies;
             }));
         }
-        const int enough = replies + round % 9;  // release at another moment each round
         if (round % 9 > 0) this->driver.runUntil([&] { return replies >= enough; });
         for (std::size_t i = 0; i < tasks.size(); ++i) {
             tasks[i].reset();

@@ -236,6 +236,7 @@ void CurlUrlSession::Worker::setMulti(CURLM* multi) {
     {
         const std::lock_guard lock(mutex_);
         std::swap(multi_, multi);
+        wake();  // the old handle may take an unseen wake-up with it
     }
     curl_multi_cleanup(multi);
 }
