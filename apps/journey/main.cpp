@@ -3,6 +3,8 @@
 #include <korvane/platform/Ports.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -31,11 +33,31 @@ void writeLine(const std::string& line) {
     std::fflush(stdout);
 }
 
-/// What is copied becomes an event.
+/// What is copied becomes an event, and so does its being cleared, as an empty text.
 class EventPasteboard final : public Pasteboard {
   public:
-    void setString(const std::string& text) override { writeLine(pasteboardEvent(text)); }
+    bool setString(const std::string& text) override {
+        held_ = text;
+        writeLine(pasteboardEvent(held_));
+        return true;
+    }
+    void clearIfHolds(const std::string& text) override {
+        if (held_ == text) setString({});
+    }
+
+  private:
+    std::string held_;
 };
+
+/// The language of the process's messages ("es_MX.UTF-8" is "es"): POSIX has three variables for it, the
+/// first one that is set counts.
+std::string languageCode() {
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* const locale = std::getenv(name);
+        if (locale && *locale) return std::string{locale}.substr(0, std::strcspn(locale, "_.@"));
+    }
+    return {};
+}
 
 /// Reads lines of standard input without ever waiting for one.
 class CommandReader {
@@ -83,7 +105,8 @@ int run(const JourneyArguments& arguments) {
                                          .timers = std::make_shared<GLibTimers>(),
                                          .urlSession = std::make_shared<CurlUrlSession>(urlSessionOptions),
                                          .console = std::make_shared<StdoutConsole>(stderr),
-                                         .pasteboard = std::make_shared<EventPasteboard>()});
+                                         .pasteboard = std::make_shared<EventPasteboard>(),
+                                         .languageCode = languageCode()});
     if (!installed) return badArguments;
     if (!initialize(arguments.key, arguments.service, hostIvCallback(arguments.ivUrl), arguments.biometrics,
                     KorvaneColors{}, KorvaneCornerRadii{})) {

@@ -18,7 +18,7 @@ Ports& installed() {
 bool installPorts(Ports ports) {
     const bool complete = ports.mainQueue && ports.timers && ports.urlSession && ports.console &&
                           ports.secureItemStore && ports.biometricContext && ports.stringTable &&
-                          ports.pasteboard;
+                          ports.pasteboard && ports.imageDecoder;
     if (!complete) {
         std::fputs("korvane: installPorts: a port is missing; nothing was installed\n", stderr);
         return false;

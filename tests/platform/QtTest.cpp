@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <QBuffer>
 #include <QClipboard>
 #include <QEventLoop>
 #include <QGuiApplication>
+#include <QImage>
 #include <QMimeData>
 #include <QTimer>
 #include <QTranslator>
 #include <array>
+#include <span>
 #include <string>
 
 #include "platform/qt/QtImageDecoder.h"

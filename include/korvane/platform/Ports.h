@@ -3,6 +3,7 @@
 
 #include <korvane/platform/BiometricContext.h>
 #include <korvane/platform/Console.h>
+#include <korvane/platform/ImageDecoder.h>
 #include <korvane/platform/MainQueue.h>
 #include <korvane/platform/Pasteboard.h>
 #include <korvane/platform/SecureItemStore.h>
@@ -11,6 +12,7 @@
 #include <korvane/platform/UrlSession.h>
 
 #include <memory>
+#include <string>
 
 namespace korvane {
 
@@ -25,6 +27,8 @@ struct Ports {
     std::shared_ptr<BiometricContext> biometricContext = std::make_shared<NoBiometricContext>();
     std::shared_ptr<StringTable> stringTable = std::make_shared<KeyStringTable>();
     std::shared_ptr<Pasteboard> pasteboard = std::make_shared<NoPasteboard>();
+    std::shared_ptr<ImageDecoder> imageDecoder = std::make_shared<ImageSignatures>();
+    std::string languageCode = {};  ///< the user's language (BCP 47: "es-MX"); empty: not known
 };
 
 /// Installs the ports; call it on the main thread, before `initialize`. A later call replaces them, which is

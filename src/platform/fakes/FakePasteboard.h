@@ -5,14 +5,23 @@
 
 namespace korvane {
 
-/// Remembers what was put last.
+/// Remembers what was put last; can be made one that refuses.
 class FakePasteboard final : public Pasteboard {
   public:
-    void setString(const std::string& text) override { text_ = text; }
+    bool setString(const std::string& text) override {
+        if (available_) text_ = text;
+        return available_;
+    }
+    void clearIfHolds(const std::string& text) override {
+        if (text_ == text) text_.clear();
+    }
+
+    void setAvailable(bool available) { available_ = available; }
     const std::string& text() const { return text_; }
 
   private:
     std::string text_;
+    bool available_ = true;
 };
 
 }  // namespace korvane

@@ -7,13 +7,28 @@
 #include <memory>
 
 namespace korvane {
+namespace {
 
-void QtPasteboard::setString(const std::string& text) {
-    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return;
+QClipboard* clipboard() {
+    const bool hasOne = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    return hasOne ? QGuiApplication::clipboard() : nullptr;
+}
+
+}  // namespace
+
+bool QtPasteboard::setString(const std::string& text) {
+    QClipboard* const target = clipboard();
+    if (!target) return false;
     auto data = std::make_unique<QMimeData>();
     data->setText(QString::fromStdString(text));
     data->setData("x-kde-passwordManagerHint", "secret");  // the hint that password managers agreed on
-    QGuiApplication::clipboard()->setMimeData(data.release());
+    target->setMimeData(data.release());
+    return true;
+}
+
+void QtPasteboard::clearIfHolds(const std::string& text) {
+    QClipboard* const target = clipboard();
+    if (target && target->text() == QString::fromStdString(text)) target->clear();
 }
 
 }  // namespace korvane

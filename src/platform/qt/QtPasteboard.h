@@ -5,11 +5,12 @@
 
 namespace korvane {
 
-/// The clipboard of the QGuiApplication; drops the text when there is none. What is put is marked as secret,
+/// The clipboard of the QGuiApplication; there is none without one. What is put is marked as secret,
 /// which clipboard managers take as a request to keep no history of it: it may be a card's number.
 class QtPasteboard final : public Pasteboard {
   public:
-    void setString(const std::string& text) override;
+    bool setString(const std::string& text) override;
+    void clearIfHolds(const std::string& text) override;
 };
 
 }  // namespace korvane

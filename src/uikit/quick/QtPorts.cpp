@@ -6,6 +6,7 @@
 
 #include "platform/linux/CurlUrlSession.h"
 #include "platform/linux/StdoutConsole.h"
+#include "platform/qt/QtImageDecoder.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtStringTable.h"
@@ -35,7 +36,9 @@ Ports qtPorts(const std::string& caFile) {
             .urlSession = std::make_shared<CurlUrlSession>(session),
             .console = std::make_shared<StdoutConsole>(),
             .stringTable = componentTexts(),
-            .pasteboard = std::make_shared<QtPasteboard>()};
+            .pasteboard = std::make_shared<QtPasteboard>(),
+            .imageDecoder = std::make_shared<QtImageDecoder>(),
+            .languageCode = QLocale().uiLanguages().value(0).toStdString()};
 }
 
 }  // namespace korvane
