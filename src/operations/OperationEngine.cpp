@@ -123,8 +123,10 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
     }
 
     KorvaneRetStruct outcomeOf(const Reply& reply) const {
-        const auto storeFailure = reply.store ? reply.store(iv_) : std::nullopt;
-        return storeFailure ? failure(*storeFailure) : KorvaneRetStruct{};
+        const auto report = reply.store ? reply.store(iv_) : std::nullopt;
+        KorvaneRetStruct record = report ? failure(*report) : KorvaneRetStruct{};
+        record.error = report && does_.storeTextIsFailure;
+        return record;
     }
 
     void refreshIv(std::string_view reason) {

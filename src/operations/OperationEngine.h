@@ -35,7 +35,7 @@ struct Sent {
 };
 
 /// What a successful reply leads to: stores the reply's values, deciphered with `iv`, in the shared state.
-/// Gives none, or the text ("" too) of the failure that the reply turns out to be.
+/// Gives none, or the text ("" too) of the failure that the reply, or a part of it, turns out to be.
 using Store = std::function<std::optional<std::string>(const std::vector<std::uint8_t>& iv)>;
 
 /// An endpoint's reply, whatever its record.
@@ -63,7 +63,8 @@ struct OperationDescription {
     std::string_view replyLine{};  ///< printed when there was no error
     std::string_view noReplyMsg{};
     std::string_view noResultMsg{};
-    bool judgesResult = true;  ///< false: a reply is stored whatever its result word says
+    bool storeTextIsFailure = true;  ///< false: what `store` reports is told, but the operation succeeded
+    bool judgesResult = true;        ///< false: a reply is stored whatever its result word says
 };
 
 /// Runs the operation that `description` describes; it must outlive the run. Main thread.

@@ -34,6 +34,9 @@ Operation doActivatePhysicalCardAndSetPIN(std::string lastFourOfPan, std::string
 Operation doActivateVirtualCardAndSetPIN(std::string pin, OperationCompletion completion);
 Operation doActivateWearableCardAndSetPIN(std::string pin, OperationCompletion completion);
 Operation doGetCardStatus(OperationCompletion completion);
+/// Stores the card's image and details in the shared state; a missing one is stored as "". Disclosures that
+/// cannot be decoded are no error: `decodedDisclosuresStruct` is none then, and `errorMsg` says so.
+Operation doCardImage(OperationCompletion completion);
 Operation doSetCardStatus(std::string status, OperationCompletion completion);
 Operation doPciTokenRequest(OperationCompletion completion);
 Operation doPciTokenSubmission(OperationCompletion completion);
