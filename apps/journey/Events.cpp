@@ -84,6 +84,10 @@ std::string screenEvent(const ScreenSnapshot& screen) {
         write(writer, "kind", kindName(control.kind));
         write(writer, "enabled");
         writer.Bool(control.enabled);
+        if (control.kind == ControlKind::toggle) {
+            write(writer, "on");
+            writer.Bool(control.on);
+        }
         writer.EndObject();
     }
     writer.EndArray();

@@ -7,7 +7,7 @@
 namespace korvane {
 
 const char* const usage =
-    "usage: korvane-journey set-pin|activate --card ID --service URL --key BASE64\n"
+    "usage: korvane-journey set-pin|activate|card --card ID --service URL --key BASE64\n"
     "                       [--iv-url URL] [--ca FILE] [--biometrics on|off]\n"
     "\n"
     "Runs a journey without a window: one JSON object a line on standard output, one command a line on\n"
@@ -26,7 +26,9 @@ const char* const usage =
 
 std::variant<JourneyArguments, std::string> parseArguments(int argc, const char* const* argv) {
     static const std::map<std::string_view, JourneyKind> journeys{
-        {"set-pin", JourneyKind::setPIN}, {"activate", JourneyKind::activateCardAndSetPIN}};
+        {"set-pin", JourneyKind::setPIN},
+        {"activate", JourneyKind::activateCardAndSetPIN},
+        {"card", JourneyKind::getCardImage}};
     if (argc < 2) return "which journey?";
     const auto journey = journeys.find(argv[1]);
     if (journey == journeys.end()) return "no such journey: " + std::string{argv[1]};

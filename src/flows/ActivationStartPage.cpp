@@ -10,16 +10,13 @@
 #include "sdk/SdkConfig.h"
 
 namespace korvane {
-namespace {
 
 /// A physical card proves possession by what is printed on it; the others go straight to the PIN.
-std::string_view firstInputView() {
+std::string_view firstActivationInput() {
     const eKorvaneCardType type = SdkConfig::sharedInstance().currentCardType;
     const bool nothingPrinted = type == eKorvaneCardType::virtual_ || type == eKorvaneCardType::wearable;
     return nothingPrinted ? view::EnterCardPINView : view::EnterCardLastFourView;
 }
-
-}  // namespace
 
 ActivationStartPage::ActivationStartPage(std::shared_ptr<NavigationStack> stack)
     : Screen(std::move(stack), view::ActivateCardAndSetPIN_NoNav),
@@ -27,7 +24,7 @@ ActivationStartPage::ActivationStartPage(std::shared_ptr<NavigationStack> stack)
           "sdk.cardarrived.start",
           [this] {
               auto next = std::make_shared<MultiView>(sharedStack(), table::activateCardAndSetPINMultiView);
-              next->show(firstInputView());
+              next->show(firstActivationInput());
               return next;
           },
           [](const KorvaneNavigationToken& token) { token(); }) {}

@@ -6,6 +6,9 @@
 
 namespace korvane {
 
+/// The first input screen of the activation, by the card's type.
+std::string_view firstActivationInput();
+
 /// "Your card has arrived": where the activation journey starts for a card that is not active yet.
 class ActivationStartPage final : public Screen {
   public:

@@ -6,7 +6,6 @@
 #include "custody/AuthenticateBiometric.h"
 #include "flows/FailureRoute.h"
 #include "flows/ViewNames.h"
-#include "operations/Operations.h"
 #include "platform/Log.h"
 #include "sdk/SdkConfig.h"
 #include "transport/IvAcquisition.h"
@@ -15,6 +14,11 @@ namespace korvane {
 
 AppearStruct::AppearStruct(Journey journey, std::function<void()> decided)
     : journey_(std::move(journey)), decided_(std::move(decided)) {}
+
+AppearStruct::~AppearStruct() {
+    // Details that nobody is left to show must not be stored, least of all over those of another card.
+    if (details_) details_->cancel();
+}
 
 void AppearStruct::doAppear() {
     if (didCallAPI) return;
@@ -51,15 +55,40 @@ bool AppearStruct::startGate() {
 
 void AppearStruct::doAppearGuts() {
     doGetCardStatus([weak = weak_from_this()](const KorvaneRetStruct& result) {
-        if (const auto self = weak.lock()) self->decide(result);
+        const auto self = weak.lock();
+        if (!self) return;
+        if (result.error) {
+            self->routeFailure(result);
+        } else if (self->journey_.details) {
+            self->fetchDetails();
+        } else {
+            self->finish(self->journey_.firstView());
+        }
     });
 }
 
-void AppearStruct::decide(const KorvaneRetStruct& result) {
-    if (!result.error) {
-        finish(journey_.firstView());
+void AppearStruct::fetchDetails() {
+    details_ = journey_.details([weak = weak_from_this()](const KorvaneRetStruct& result) {
+        const auto self = weak.lock();
+        if (!self) return;
+        self->details_.reset();
+        if (result.error) {
+            self->handleCardImageError(result);
+        } else {
+            self->finish(self->journey_.firstView());
+        }
+    });
+}
+
+void AppearStruct::handleCardImageError(const KorvaneRetStruct& result) {
+    if (!viewToShow.empty()) {
+        log("already got viewToShow in handleCardImageError");
         return;
     }
+    routeFailure(result);
+}
+
+void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
     if (isServerErrorOnEmptyToken(result, SdkConfig::sharedInstance().currentPciToken)) {
         log({"doAppearGuts - ", journey_.name,
              " - Unexpected 500 server error on empty PCI Token - expecting 400 with Invalid Token error"});

@@ -8,23 +8,26 @@
 #include <string>
 #include <string_view>
 
-#include "sdk/KorvaneRetStruct.h"
+#include "operations/Operations.h"
 
 namespace korvane {
 
 /// The decision that a journey host makes when it first appears: brings the PCI token back, asks for the
-/// card's status, and names the first view. Main thread.
+/// card's status and what else the first view needs, and names that view. Main thread.
 class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
   public:
     /// What the journeys differ in.
     struct Journey {
         std::string_view name;                        ///< in console lines: "SetPinAppearStruct"
         std::string_view host;                        ///< where the SMS step comes back to: "SetPIN_NoNav"
-        std::function<std::string_view()> firstView;  ///< the view to start on once the status is known
+        std::function<std::string_view()> firstView;  ///< the view to start on once all is known
+        Operation (*details)(OperationCompletion) =
+            nullptr;  ///< asked for once the status is known, under the same spinner; null: nothing
     };
 
     /// @param decided runs when `viewToShow` names the first view
     AppearStruct(Journey journey, std::function<void()> decided);
+    ~AppearStruct();
 
     /// Runs the decision once: later calls do nothing.
     void doAppear();
@@ -38,7 +41,9 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
   private:
     bool startGate();
     void doAppearGuts();
-    void decide(const KorvaneRetStruct& result);
+    void fetchDetails();
+    void handleCardImageError(const KorvaneRetStruct& result);
+    void routeFailure(const KorvaneRetStruct& result);
     void verifyBySMS(std::string_view reason);
     void renewIv(std::string_view reason);
     void fail();
@@ -47,6 +52,7 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
     Journey journey_;
     std::function<void()> decided_;
     std::shared_ptr<BiometricEvaluation> gate_;
+    Operation details_;
 };
 
 }  // namespace korvane

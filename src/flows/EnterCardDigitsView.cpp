@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "base/Secret.h"
 #include "flows/NavigationStack.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
@@ -40,6 +41,11 @@ EnterCardDigitsView::EnterCardDigitsView(std::shared_ptr<NavigationStack> stack,
               SdkConfig::sharedInstance().*row_.field = passCode_.inputModel().passCodeString;
               token();
           }) {}
+
+EnterCardDigitsView::~EnterCardDigitsView() {
+    // It is there as long as the journey may still submit.
+    wipe(SdkConfig::sharedInstance().*row_.field);
+}
 
 std::vector<Screen::ScreenControl> EnterCardDigitsView::controls() {
     return {back(),

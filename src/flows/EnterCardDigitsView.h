@@ -30,6 +30,7 @@ class EnterCardDigitsView final : public Screen {
     static const Row cvv;
 
     EnterCardDigitsView(std::shared_ptr<NavigationStack> stack, const Row& row);
+    ~EnterCardDigitsView() override;
 
   protected:
     std::vector<ScreenControl> controls() override;

@@ -5,19 +5,17 @@
 #include <utility>
 
 #include "flows/ActivationStartPage.h"
+#include "flows/CardDetails.h"
+#include "flows/CardViewer.h"
 #include "flows/NavigationStack.h"
 #include "flows/ViewNames.h"
 #include "flows/ViewTables.h"
+#include "operations/Operations.h"
 #include "platform/Log.h"
 #include "sdk/SdkConfig.h"
 
 namespace korvane {
 namespace {
-
-/// The card's status, cleared as it is read: a second reader finds "".
-std::string takeCardStatus() {
-    return std::exchange(SdkConfig::sharedInstance().decCardStatus, {});
-}
 
 std::string_view firstSetPinView() {
     const bool physical = SdkConfig::sharedInstance().currentCardType == eKorvaneCardType::physical;
@@ -30,48 +28,73 @@ std::string_view firstActivationView() {
                                             : view::ActivateCardAndSetPIN_NoNav;
 }
 
-std::shared_ptr<Screen> makeActivationStartPage(const std::shared_ptr<NavigationStack>& stack) {
-    return std::make_shared<ActivationStartPage>(stack);
-}
-
-std::string_view firstCardImageView() {
-    return view::CardImage_NoNav;
+template <class Page>
+std::shared_ptr<Screen> makeStartPage(const std::shared_ptr<NavigationStack>& stack) {
+    return std::make_shared<Page>(stack);
 }
 
 }  // namespace
 
 namespace journey {
+namespace {
 
-const JourneyHost::Kind setPIN{table::setPIN, view::SetPIN_NoNav, "SetPinAppearStruct", firstSetPinView,
-                               true};
-const JourneyHost::Kind setPIN_NoNav{table::setPIN_NoNav, view::SetPIN_NoNav, "SetPinAppearStruct",
-                                     firstSetPinView, true};
-const JourneyHost::Kind activateCardAndSetPIN{table::activateCardAndSetPIN,
-                                              view::ActivateCardAndSetPIN_NoNav,
-                                              "ActivateAppearStruct",
-                                              firstActivationView,
-                                              false,
-                                              makeActivationStartPage};
-const JourneyHost::Kind activateCardAndSetPIN_NoNav{table::activateCardAndSetPIN_NoNav,
-                                                    view::ActivateCardAndSetPIN_NoNav,
-                                                    "ActivateAppearStruct",
-                                                    firstActivationView,
-                                                    false,
-                                                    makeActivationStartPage};
+// Each journey comes twice: by itself, and inside another one's stack.
 
-const JourneyHost::Kind getCardImage{table::getCardImage, view::CardImage_NoNav, "CardImageAppearStruct",
-                                     firstCardImageView, false};
+constexpr JourneyHost::Kind setPINIn(const ViewTable& table) {
+    return {.table = table,
+            .noNavName = view::SetPIN_NoNav,
+            .appearName = "SetPinAppearStruct",
+            .firstView = firstSetPinView,
+            .setPinOnly = true};
+}
+
+constexpr JourneyHost::Kind activationIn(const ViewTable& table) {
+    return {.table = table,
+            .noNavName = view::ActivateCardAndSetPIN_NoNav,
+            .appearName = "ActivateAppearStruct",
+            .firstView = firstActivationView,
+            .startPage = makeStartPage<ActivationStartPage>,
+            .printsCardIds = true};
+}
+
+constexpr JourneyHost::Kind cardViewerIn(const ViewTable& table) {
+    return {.table = table,
+            .noNavName = view::CardImage_NoNav,
+            .appearName = "CardImageAppearStruct",
+            .firstView = [] { return view::CardImage_NoNav; },
+            .startPage = makeStartPage<CardViewer>,
+            .details = doCardImage,
+            .consoleName = "GetCardImage_NoNav",  // not its name (deliberate)
+            .printsCardIds = true};
+}
+
+}  // namespace
+
+const JourneyHost::Kind setPIN = setPINIn(table::setPIN);
+const JourneyHost::Kind setPIN_NoNav = setPINIn(table::setPIN_NoNav);
+const JourneyHost::Kind activateCardAndSetPIN = activationIn(table::activateCardAndSetPIN);
+const JourneyHost::Kind activateCardAndSetPIN_NoNav = activationIn(table::activateCardAndSetPIN_NoNav);
+const JourneyHost::Kind getCardImage = cardViewerIn(table::getCardImage);
+const JourneyHost::Kind cardImage_NoNav = cardViewerIn(table::cardImage_NoNav);
 
 }  // namespace journey
 
 JourneyHost::JourneyHost(std::shared_ptr<NavigationStack> stack, const Kind& kind)
-    : ViewHost(std::move(stack), kind.table), kind_(kind) {}
+    : ViewHost(std::move(stack), kind.table), kind_(kind), cardID_(SdkConfig::sharedInstance().cardId) {}
 
 void JourneyHost::onAppear() {
-    log({".onAppear in ", viewName()});
+    logAppearance(viewName());
     // Said each time the host comes into view: a journey that stood on top of it may have said otherwise.
     SdkConfig::sharedInstance().setPinOnly = kind_.setPinOnly;
     if (!appearStruct_) startDecision();
+}
+
+void JourneyHost::logAppearance(std::string_view name) const {
+    const bool isNoNav = name == kind_.noNavName;
+    log({".onAppear in ", isNoNav ? kind_.consoleName : name});
+    if (!isNoNav || !kind_.printsCardIds) return;
+    log({name, " - onAppear - SdkConfig.sharedInstance.cardId = ", SdkConfig::sharedInstance().cardId});
+    log({name, " - onAppear - self.cardID = ", cardID_});
 }
 
 void JourneyHost::show(std::string_view viewName) {
@@ -79,14 +102,15 @@ void JourneyHost::show(std::string_view viewName) {
         ViewHost::show(viewName);
         return;
     }
-    log({".onAppear in ", viewName});
+    logAppearance(viewName);
     showNothing();
     startDecision();
 }
 
 void JourneyHost::startDecision() {
     appearStruct_ = std::make_shared<AppearStruct>(
-        AppearStruct::Journey{kind_.appearName, kind_.noNavName, kind_.firstView}, [weak = weak(this)] {
+        AppearStruct::Journey{kind_.appearName, kind_.noNavName, kind_.firstView, kind_.details},
+        [weak = weak(this)] {
             if (const auto self = weak.lock()) self->decided();
         });
     appearStruct_->doAppear();

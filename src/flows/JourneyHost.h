@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,9 +23,13 @@ class JourneyHost : public ViewHost {
             noNavName;  ///< the name by which other journeys show this one, and the SMS step returns
         std::string_view appearName;  ///< "SetPinAppearStruct"
         std::string_view (*firstView)();
-        bool setPinOnly;  ///< whether this journey, left to itself, only sets the PIN
+        bool setPinOnly = false;  ///< whether this journey, left to itself, only sets the PIN
         /// The page that the host's own name stands for as a first view; null when there is none.
         std::shared_ptr<Screen> (*startPage)(const std::shared_ptr<NavigationStack>&) = nullptr;
+        Operation (*details)(OperationCompletion) = nullptr;  ///< what the first view needs but the status
+        std::string_view consoleName =
+            noNavName;               ///< of `noNavName` in console lines of its coming into view
+        bool printsCardIds = false;  ///< then, too
     };
 
     JourneyHost(std::shared_ptr<NavigationStack> stack, const Kind& kind);
@@ -37,10 +42,12 @@ class JourneyHost : public ViewHost {
     void describeContent(ScreenSnapshot& snapshot) const override;
 
   private:
+    void logAppearance(std::string_view name) const;
     void startDecision();
     void decided();
 
     const Kind& kind_;
+    const std::string cardID_;
     std::shared_ptr<AppearStruct> appearStruct_;
 };
 
@@ -50,6 +57,7 @@ extern const JourneyHost::Kind setPIN_NoNav;
 extern const JourneyHost::Kind activateCardAndSetPIN;
 extern const JourneyHost::Kind activateCardAndSetPIN_NoNav;
 extern const JourneyHost::Kind getCardImage;
+extern const JourneyHost::Kind cardImage_NoNav;
 }  // namespace journey
 
 }  // namespace korvane

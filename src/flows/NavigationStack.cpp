@@ -108,15 +108,20 @@ void NavigationStack::leaveSMSStep(std::string_view viewName) {
     push(makeAutoNavMultiView(shared_from_this(), viewName));
 }
 
-void NavigationStack::showToast(std::string_view messageId) {
-    toastMsgId_ = messageId;
+void NavigationStack::showToasts(std::vector<std::string> messageIds) {
+    toastMsgIds_ = std::move(messageIds);
+    startToast();
+}
+
+void NavigationStack::startToast() {
+    changed();
+    if (toastMsgIds_.empty()) return;
     toastTimer_ = ports().timers->start(toastDuration, [weak = weak_from_this()] {
         const auto self = weak.lock();
         if (!self) return;
-        self->toastMsgId_.clear();
-        self->changed();
+        self->toastMsgIds_.erase(self->toastMsgIds_.begin());
+        self->startToast();
     });
-    changed();
 }
 
 void NavigationStack::hideSensitive() {
@@ -170,7 +175,7 @@ void NavigationStack::describe(ScreenSnapshot& snapshot) const {
         }
     }
     snapshot.depth = frames_.empty() ? 0 : static_cast<int>(frames_.size()) - 1;
-    snapshot.toast = toastMsgId_;
+    if (!toastMsgIds_.empty()) snapshot.toast = toastMsgIds_.front();
     if (const auto screen = inView()) screen->describe(snapshot);
 }
 

@@ -41,7 +41,9 @@ class NavigationStack : public std::enable_shared_from_this<NavigationStack> {
     /// else the host that shows the SMS step shows the view in its place, else it is pushed.
     void leaveSMSStep(std::string_view viewName);
 
-    void showToast(std::string_view messageId);
+    void showToast(std::string_view messageId) { showToasts({std::string{messageId}}); }
+    /// One after the other, each for its time, in place of what is shown or waits.
+    void showToasts(std::vector<std::string> messageIds);
 
     /// Hides card data on every screen, the covered ones too.
     void hideSensitive();
@@ -61,13 +63,14 @@ class NavigationStack : public std::enable_shared_from_this<NavigationStack> {
     std::size_t indexOf(const Screen& screen) const;
     void popAbove(std::size_t index);
     void settle();
+    void startToast();
 
     std::vector<std::shared_ptr<Screen>> frames_;
     std::vector<std::uint64_t> appeared_;  // instances in view when it last settled
     bool settling_ = false;
     bool unsettled_ = false;
 
-    std::string toastMsgId_;
+    std::vector<std::string> toastMsgIds_;  // the first one is shown
     std::unique_ptr<Timer> toastTimer_;
 
     std::function<void()> observer_;

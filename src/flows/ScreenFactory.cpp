@@ -46,7 +46,7 @@ std::shared_ptr<Screen> makeDigits(const Stack& stack, const ScreenArguments&) {
     return std::make_shared<EnterCardDigitsView>(stack, row);
 }
 
-constexpr std::array<Maker, 7> makers{{
+constexpr std::array<Maker, 8> makers{{
     {view::SMSExplainView, makeView<SMSExplainView>},
     {view::EnterCardPINView, makeView<EnterCardPINView>},
     {view::ConfirmCardPINView, makeConfirmCardPINView},
@@ -54,6 +54,7 @@ constexpr std::array<Maker, 7> makers{{
     {view::EnterCardCVVView, makeDigits<EnterCardDigitsView::cvv>},
     {view::SetPIN_NoNav, makeHost<journey::setPIN_NoNav>},
     {view::ActivateCardAndSetPIN_NoNav, makeHost<journey::activateCardAndSetPIN_NoNav>},
+    {view::CardImage_NoNav, makeHost<journey::cardImage_NoNav>},
 }};
 
 }  // namespace

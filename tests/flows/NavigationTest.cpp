@@ -89,12 +89,15 @@ TEST_F(Navigation, UnlistedNameShowsNoneOfTheListedScreens) {
 }
 
 TEST_F(Navigation, EveryTabledNameIsAScreen) {
-    const ViewTable* const tables[] = {&table::setPIN, &table::activateCardAndSetPIN,
-                                       &table::enterCardPINMultiView, &table::autoNavMultiView,
-                                       &table::activateCardAndSetPINMultiView};
+    const ViewTable* const tables[] = {&table::setPIN,
+                                       &table::activateCardAndSetPIN,
+                                       &table::getCardImage,
+                                       &table::enterCardPINMultiView,
+                                       &table::autoNavMultiView,
+                                       &table::activateCardAndSetPINMultiView,
+                                       &table::cardImageActivateMultiView};
     for (const ViewTable* const each : tables) {
         for (const std::string_view name : each->views) {
-            if (name == view::CardImage_NoNav) continue;  // the card viewer is not there yet
             const auto screen = makeScreen(stack, name, ScreenArguments{"1357"});
             ASSERT_NE(screen, nullptr) << name;
             EXPECT_EQ(screen->viewName(), name);

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "flows/CardDetails.h"
+
+#include <korvane/platform/Ports.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "base/Base64.h"
+#include "base/Secret.h"
+#include "base/Text.h"
+#include "sdk/SdkConfig.h"
+
+namespace korvane {
+namespace {
+
+bool isWearable(const SdkConfig& config) {
+    return config.currentCardType == eKorvaneCardType::wearable;
+}
+
+CardPicture decodedPicture(const std::string& base64) {
+    if (base64.empty()) return {nullptr, "errors.decodedimgstrempty.failed"};
+    const auto decoded = base64Decode(base64);
+    if (!decoded) return {nullptr, "errors.base64todata.failed"};
+    const auto* const first = reinterpret_cast<const std::byte*>(decoded->data());
+    auto image = std::make_shared<const ImageData>(first, first + decoded->size());
+    if (!ports().imageDecoder->isImage(*image)) return {nullptr, "errors.datatoimage.failed"};
+    return {std::move(image), {}};
+}
+
+std::string_view disclosureLanguage() {
+    const std::string& set = SdkConfig::sharedInstance().deviceLanguageCode;
+    const std::string_view code = set.empty() ? ports().languageCode : set;
+    return equalIgnoringCase(code.substr(0, 2), "es") ? "Spanish" : "English";
+}
+
+}  // namespace
+
+std::string takeCardStatus() {
+    return std::exchange(SdkConfig::sharedInstance().decCardStatus, {});
+}
+
+CardPicture cardPicture() {
+    const SdkConfig& config = SdkConfig::sharedInstance();
+    if (isWearable(config) && config.wearableImage && ports().imageDecoder->isImage(*config.wearableImage)) {
+        return {std::make_shared<const ImageData>(*config.wearableImage), {}};
+    }
+    return decodedPicture(config.decCardImage);
+}
+
+std::string cardName() {
+    const SdkConfig& config = SdkConfig::sharedInstance();
+    if (isWearable(config) && !config.wearableName.value_or("").empty()) return *config.wearableName;
+    return cardTypeDisplayName(config.currentCardType);
+}
+
+std::string cardholderName() {
+    const SdkConfig& config = SdkConfig::sharedInstance();
+    std::string whole;
+    for (const std::string* const part : {&config.decFirstName, &config.decMiddleName, &config.decLastName}) {
+        if (!part->empty()) whole += (whole.empty() ? "" : " ") + *part;
+    }
+    return whole;
+}
+
+std::string cardDisclosure() {
+    const auto& decoded = SdkConfig::sharedInstance().decodedDisclosuresStruct;
+    if (!decoded || !decoded->CardDisclosures || decoded->CardDisclosures->empty()) return {};
+    const auto& items = *decoded->CardDisclosures;
+    const auto wanted = std::find_if(items.begin(), items.end(), [](const auto& item) {
+        return equalIgnoringCase(item.Language.value_or(""), disclosureLanguage());
+    });
+    return (wanted == items.end() ? items.front() : *wanted).CardDisclosure.value_or("");
+}
+
+void wipeCardDetails() {
+    SdkConfig& config = SdkConfig::sharedInstance();
+    config.decodedDisclosuresStruct.reset();
+    for (std::string* const field :
+         {&config.decCardImage, &config.decPan, &config.decMaskedPan, &config.decCvv, &config.decMaskedCvv,
+          &config.decExpiryDate, &config.decFirstName, &config.decMiddleName, &config.decLastName,
+          &config.decCardNetwork}) {
+        wipe(*field);
+    }
+}
+
+}  // namespace korvane
