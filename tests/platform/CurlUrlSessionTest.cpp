@@ -63,6 +63,28 @@ TEST(CurlUrlSession, AReleaseWaitsForAReplyThatIsRunning) {
     EXPECT_TRUE(finished);
 }
 
+TEST(CurlUrlSession, AReplyThatDestroysTheSessionIsTheLast) {
+    CurlDriver driver;
+    std::mutex mutex;  // holds the thread up in the first reply, so that the others are waiting together
+    std::atomic<int> replies = 0;
+    std::vector<std::unique_ptr<UrlTask>> tasks;
+    {
+        const std::lock_guard lock(mutex);
+        tasks.push_back(driver.session->start({"POST", driver.url("/answer"), {}, ""},
+                                              [&](UrlReply) { const std::lock_guard inReply(mutex); }));
+        std::this_thread::sleep_for(50ms);
+        for (int i = 0; i < 3; ++i) {
+            tasks.push_back(driver.session->start({"POST", "not\na URL", {}, ""}, [&](UrlReply) {
+                driver.session.reset();
+                ++replies;
+            }));
+        }
+    }
+    EXPECT_TRUE(waitUntil([&] { return replies > 0; }));
+    driver.settle();
+    EXPECT_EQ(replies, 1);
+}
+
 TEST(CurlUrlSession, StartsNothingBeforeTheFirstRequest) {
     const auto before = threadCount();
     CurlUrlSession session;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -34,8 +35,10 @@ struct Call {
 
     /// True when this call dropped it.
     bool drop() {
+        std::function<void(UrlReply)> dropped;  // outlives the lock: what goes with it may be anything
         const std::lock_guard lock(mutex);
-        return static_cast<bool>(std::exchange(reply, nullptr));
+        dropped.swap(reply);
+        return static_cast<bool>(dropped);
     }
 };
 
@@ -71,7 +74,7 @@ class CurlUrlSession::Worker {
             wake();
         }
         if (thread_.get_id() == std::this_thread::get_id()) {
-            thread_.detach();  // inside a reply; the thread ends by itself, and runs no further one
+            thread_.detach();  // inside a reply; the thread ends by itself, and finds no other reply to run
             for (const auto& [easy, active] : active_) active->call->drop();
         } else {
             thread_.join();
@@ -104,16 +107,11 @@ class CurlUrlSession::Worker {
         if (multi_) curl_multi_wakeup(multi_);
     }
 
-    bool stopping() {
-        const std::lock_guard lock(mutex_);
-        return stopping_;
-    }
-
     const CurlUrlSessionOptions options_;
     std::thread thread_;
 
     std::mutex mutex_;  // for the next three
-    std::vector<std::shared_ptr<Call>> submitted_;
+    std::deque<std::shared_ptr<Call>> submitted_;
     bool stopping_ = false;
     CURLM* multi_ = nullptr;  // written by the worker's thread alone, which reads it without the lock
 
@@ -148,8 +146,10 @@ void CurlUrlSession::Worker::run() {
     }
 
     for (auto active = active_.begin(); active != active_.end(); active = active_.begin()) {
-        const std::lock_guard lock(mutex_);
-        submitted_.push_back(active->second->call);  // whose replies go with the session, on its thread
+        {
+            const std::lock_guard lock(mutex_);
+            submitted_.push_back(active->second->call);  // whose replies go with the session, on its thread
+        }
         remove(active);
     }
     setMulti(nullptr);
@@ -157,12 +157,6 @@ void CurlUrlSession::Worker::run() {
 
 /// Does what other threads asked for; false when the session is gone.
 bool CurlUrlSession::Worker::takeCommands() {
-    std::vector<std::shared_ptr<Call>> submitted;
-    {
-        const std::lock_guard lock(mutex_);
-        if (stopping_) return false;
-        submitted.swap(submitted_);
-    }
     for (auto active = active_.begin(); active != active_.end();) {
         const auto current = active++;
         if (current->second->call->wanted()) continue;
@@ -170,8 +164,16 @@ bool CurlUrlSession::Worker::takeCommands() {
         remove(current);
     }
     closeIdleConnections();
-    for (auto& call : submitted) add(std::move(call));
-    return true;
+    for (;;) {
+        std::shared_ptr<Call> call;
+        {
+            const std::lock_guard lock(mutex_);
+            if (stopping_ || submitted_.empty()) return !stopping_;
+            call = std::move(submitted_.front());
+            submitted_.pop_front();
+        }
+        add(std::move(call));
+    }
 }
 
 void CurlUrlSession::Worker::add(std::shared_ptr<Call> call) {
@@ -215,8 +217,7 @@ void CurlUrlSession::Worker::finishTransfers() {
 
 void CurlUrlSession::Worker::deliver(Call& call, UrlReply reply) {
     const std::lock_guard lock(call.mutex);
-    const auto callback = stopping() ? nullptr : std::exchange(call.reply, nullptr);
-    if (callback) {
+    if (const auto callback = std::exchange(call.reply, nullptr)) {
         callback(std::move(reply));
     } else {
         wipe(reply.body);
@@ -228,7 +229,9 @@ void CurlUrlSession::Worker::deliver(Call& call, UrlReply reply) {
 void CurlUrlSession::Worker::closeIdleConnections() {
     if (!connected_ || !active_.empty()) return;
     if (!doubtful_ && TimerFd::now() - lastUse_ < options_.connectionIdle) return;
-    setMulti(curl_multi_init());
+    CURLM* fresh = curl_multi_init();
+    if (!fresh) return;
+    setMulti(fresh);
     connected_ = doubtful_ = false;
 }
 
