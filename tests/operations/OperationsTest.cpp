@@ -57,6 +57,8 @@ const std::vector<Row> rows{
      "cardStatus offsetId=iv-0 CardId=card-1 Status=BT PciToken=pci-token", nil},
     {"doGetCardStatus", "getCardStatus", doGetCardStatus, "doGetCardStatus(...) on track...",
      "getCardStatus offsetId=iv-0 CardId=card-1 PciToken=pci-token", nil},
+    {"doCardImage", "getCardImage", doCardImage, track,
+     "cardImage offsetId=iv-0 CardId=card-1 PciToken=pci-token", nil},
     {"doPciTokenSubmission", "pciTokenSubmission", doPciTokenSubmission,
      track + "|SdkConfig useBiometrics set to false from sdk initialize",
      "pciTokenSubmission offsetId=iv-0 CardId=card-1 PciSmsToken=sms TwoFactorCode=123456 "
