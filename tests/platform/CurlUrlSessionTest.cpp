@@ -114,6 +114,13 @@ TEST(CurlUrlSession, GivesUpInTimeAndSendsNothingAgain) {
     EXPECT_EQ(driver.server.requests().size(), 2u);
 }
 
+TEST(CurlUrlSession, DroppedRequestOnAKeptConnectionIsNotSentAgain) {
+    CurlDriver driver;
+    EXPECT_EQ(post(*driver.session, driver.url("/answer")).status, 202);
+    EXPECT_EQ(post(*driver.session, driver.url("/failure")).status, 0);
+    EXPECT_EQ(driver.server.requests().size(), 2u);
+}
+
 /// HTTP/2 (RFC 9113) in few words: answers the first request of a connection with 200, and then falls silent,
 /// as a connection does whose way was lost while the device slept.
 void serveOneStream(TestConnection& connection) {

@@ -61,8 +61,13 @@ CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& opti
     if (request_.method == "HEAD") {
         set(CURLOPT_NOBODY, 1L);
     } else if (request_.method != "GET" || !request_.body.empty()) {
+        // From a function that cannot rewind: libcurl would send a body that it holds once more, by itself,
+        // when a kept connection is dropped unanswered, and a request that may have been carried out already
+        // is not to be repeated unasked (RFC 9110, 9.2.2).
+        set(CURLOPT_POST, 1L);
         set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
-        set(CURLOPT_POSTFIELDS, request_.body.data());
+        set(CURLOPT_READFUNCTION, &CurlTransfer::send);
+        set(CURLOPT_READDATA, this);
         set(CURLOPT_CUSTOMREQUEST, request_.method.c_str());
     }
     setSecurity(options);
@@ -129,6 +134,13 @@ void CurlTransfer::addHeaders() {
     add("Expect:");  // a large body is sent at once; libcurl would wait a second for leave
     if (!hasType) add("Content-Type:");  // none, where libcurl would claim a web form
     set(CURLOPT_HTTPHEADER, headers_);
+}
+
+std::size_t CurlTransfer::send(char* buffer, std::size_t, std::size_t size, void* self) {
+    auto& transfer = *static_cast<CurlTransfer*>(self);
+    const std::size_t copied = transfer.request_.body.copy(buffer, size, transfer.sent_);
+    transfer.sent_ += copied;
+    return copied;
 }
 
 std::size_t CurlTransfer::receive(char* data, std::size_t, std::size_t size, void* self) {
