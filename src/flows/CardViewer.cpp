@@ -25,6 +25,8 @@ constexpr std::string_view freezeControl = "sdk.cardviewer.card.activateAndSetPi
 
 }  // namespace
 
+const CardViewer* CardViewer::latest_ = nullptr;
+
 CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
     : Screen(std::move(stack), view::CardImage_NoNav),
       picture_(cardPicture()),
@@ -34,7 +36,7 @@ CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
       activate_(
           "sdk.cardviewer.activateAndSetPin.onCardButton",
           [this] {
-              const auto next = std::make_shared<MultiView>(sharedStack(), table::cardImageActivateMultiView);
+              auto next = std::make_shared<MultiView>(sharedStack(), table::cardImageActivateMultiView);
               next->show(viewToShowNext_);
               return next;
           },
@@ -45,9 +47,13 @@ CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
           }),
       // It lives no longer than this screen, and neither do its calls back.
       freeze_(std::make_shared<FreezeSwitch>(
-          takeCardStatus(), [this](FreezeSwitch::Outcome outcome) { freezeEnded(outcome); })) {}
+          takeCardStatus(), [this](FreezeSwitch::Outcome outcome) { freezeEnded(outcome); })) {
+    latest_ = this;
+}
 
 CardViewer::~CardViewer() {
+    if (latest_ != this) return;
+    latest_ = nullptr;
     wipeCardDetails();
 }
 
@@ -65,6 +71,7 @@ void CardViewer::resumeAfterSMSVerify() {
 }
 
 std::vector<CardViewer::Detail> CardViewer::details() const {
+    if (latest_ != this) return {};
     const SdkConfig& config = SdkConfig::sharedInstance();
     return {{"sdk.cardviewer.device.details.cardholderName", cardholderName_},
             {"sdk.cardviewer.device.details.cardNumber", config.decPan, &config.decMaskedPan},

@@ -16,6 +16,9 @@ namespace korvane {
 
 /// The card with its details, to be copied, frozen or activated. The number and the CVV stand behind masks
 /// until they are revealed. What the details retrieval left in the shared state is wiped when this goes.
+///
+/// The shared state holds the details of one card: those of the viewer that was made last. An earlier one
+/// that is still there shows none from then on, and leaves the later one's alone.
 class CardViewer final : public Screen {
   public:
     /// Takes the card's status out of the shared state.
@@ -38,6 +41,7 @@ class CardViewer final : public Screen {
         const std::string* mask = nullptr;  ///< null: shown as it is
     };
     std::vector<Detail> details() const;
+    static const CardViewer* latest_;
 
     void close();
     void copy(const std::string& value);

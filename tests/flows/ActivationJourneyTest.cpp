@@ -85,6 +85,7 @@ TEST_F(ActivationJourney, SmsStepComesBackToTheStartPage) {
     service.next("getCardStatus", service.result("Failure: Invalid Token"));
     DrivenJourney& journey = start("physical", "P2");
     EXPECT_EQ(config.viewToShowAfterSMSVerify, "ActivateCardAndSetPIN_NoNav");
+    EXPECT_TRUE(service.device.console->has(".onAppear in ActivateCardAndSetPIN"));
     journey.verifyBySMS();
     EXPECT_EQ(journey.journey->screen().stack,
               (Views{"ActivateCardAndSetPIN", "ActivateCardAndSetPIN_NoNav"}));
@@ -95,6 +96,12 @@ TEST_F(ActivationJourney, InsideTheSetPinJourneyItActivatesAndBackLeadsOut) {
     DrivenJourney journey(service, JourneyKind::setPIN);
     EXPECT_EQ(journey.view(), "CardIsNotYetActivatedView");
     journey.tap("sdk.cardnotactivated.button.one");
+    for (const char* const line :
+         {".onAppear in ActivateCardAndSetPIN_NoNav",
+          "ActivateCardAndSetPIN_NoNav - onAppear - SdkConfig.sharedInstance.cardId = card-1",
+          "ActivateCardAndSetPIN_NoNav - onAppear - self.cardID = card-1"}) {
+        EXPECT_TRUE(service.device.console->has(line)) << line;
+    }
     EXPECT_EQ(journey.journey->screen().stack,
               (Views{"SetPIN", "CardIsNotYetActivatedView", "ActivateCardAndSetPIN_NoNav",
                      "ActivateCardAndSetPIN_NoNav"}));

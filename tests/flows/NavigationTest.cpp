@@ -6,6 +6,8 @@
 #include <memory>
 #include <optional>
 
+#include "flows/ActivationStartPage.h"
+#include "flows/CardViewer.h"
 #include "flows/KorvaneActionNavigationLink.h"
 #include "flows/NavigationStack.h"
 #include "flows/ResultPage.h"
@@ -105,34 +107,48 @@ TEST_F(Navigation, EveryTabledNameIsAScreen) {
     }
 }
 
-TEST_F(Navigation, EveryClosingPagePostsOnceATapWithItsResult) {
+TEST_F(Navigation, EveryClosingControlPostsOnceATapWithItsResultAndNoOtherPosts) {
     const std::map<std::string, std::string> expected{
-        {"sdk.errorPage.tryagain.button", "FAILURE"},
-        {"sdk.errorPage.contactSupport.button.one", "FAILURE"},
-        {"sdk.success.setpin.button", "SUCCESS"},
-        {"sdk.success.cardActivatedAndSetPin.button", "SUCCESS"},
-        {"sdk.cardnotactivated.button.two", "CANCELED"},
-        {"sdk.cardactivated.button.one", "CANCELED"},
+        {"UhOhTryAgainView sdk.errorPage.tryagain.button", "FAILURE"},
+        {"UhOhContactSupportView sdk.errorPage.contactSupport.button.one", "FAILURE"},
+        {"SuccessPinSetView sdk.success.setpin.button", "SUCCESS"},
+        {"SuccessCardActivatedAndPinSetView sdk.success.cardActivatedAndSetPin.button", "SUCCESS"},
+        {"CardIsNotYetActivatedView sdk.cardnotactivated.button.two", "CANCELED"},
+        {"CardAlreadyActivatedView sdk.cardactivated.button.one", "CANCELED"},
+        {"ActivateCardAndSetPIN_NoNav xmark", "CANCELED"},
+        {"CardImage_NoNav xmark", "CANCELED"},
     };
-    std::vector<std::string> results;
+    std::map<std::string, std::string> posted;
+    std::string tapped;
     const auto observation = NotificationCenter::defaultCenter().observe(
         NotificationCloseUI, [&](const NotificationUserInfo& info) {
             EXPECT_EQ(info.size(), 1u);
-            results.push_back(info.at("result"));
+            EXPECT_TRUE(posted.emplace(tapped, info.at("result")).second) << "twice: " << tapped;
         });
-    for (const ResultPage::Row& row : ResultPage::rows()) {
-        const auto page = std::make_shared<ResultPage>(stack, row);
-        stack->push(page);
-        for (const ResultPage::Button& button : row.buttons) {
-            const auto closing = expected.find(std::string{button.id});
-            if (closing == expected.end()) continue;
-            results.clear();
-            page->perform(button.id);
-            EXPECT_EQ(results, (std::vector<std::string>{closing->second})) << button.id;
+
+    std::vector<std::shared_ptr<Screen>> screens{std::make_shared<ActivationStartPage>(stack),
+                                                 std::make_shared<CardViewer>(stack)};
+    for (const ResultPage::Row& row : ResultPage::rows())
+        screens.push_back(std::make_shared<ResultPage>(stack, row));
+    const ViewTable* const tables[] = {&table::setPIN, &table::enterCardPINMultiView,
+                                       &table::activateCardAndSetPINMultiView};
+    for (const ViewTable* const each : tables) {
+        for (const std::string_view name : each->views) {
+            if (ResultPage::find(name) || name.ends_with("_NoNav")) continue;
+            screens.push_back(makeScreen(stack, name, ScreenArguments{"1357"}));
         }
-        EXPECT_TRUE(stack->isInView(*page));
-        stack->dismiss(*page);
     }
+    for (const auto& screen : screens) {
+        ScreenSnapshot before;
+        screen->describe(before);
+        for (const Control& control : before.controls) {
+            stack->push(screen);
+            tapped = std::string{screen->viewName()} + " " + control.id;
+            screen->perform(control.id);
+            stack->dismiss(*screen);
+        }
+    }
+    EXPECT_EQ(posted, expected);
 }
 
 }  // namespace

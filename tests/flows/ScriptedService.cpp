@@ -33,7 +33,20 @@ std::string endpointOf(const UrlRequest& request) {
 
 }  // namespace
 
-ScriptedService::ScriptedService() {
+ScriptedService::ScriptedService()
+    : cardDetails{
+          {"encryptedCardImage", "iVBORw0KGgoAAAAA"},  // a PNG's signature and a little more
+          {"encryptedCardDisclosures",
+           R"({"CardDisclosures":[{"Language":"Spanish","CardDisclosure":"hola"},)"
+           R"({"Language":"English","CardDisclosure":"hello"}]})"},
+          {"encryptedPan", "5555550000079197"},
+          {"encryptedCvv", "8642"},
+          {"encryptedExpiryDate", "12/31"},
+          {"encryptedFirstName", "Sam"},
+          {"encryptedMiddleName", ""},
+          {"encryptedLastName", "Okafor"},
+          {"encryptedCardNetwork", "MasterCard"},
+      } {
     device.urlSession->answerWith([this](const UrlRequest& request) { return answer(request); });
     const IvCallback ivCallback = [this](const IvReply& reply) {
         if (hostSuppliesIvs) {
@@ -49,7 +62,7 @@ void ScriptedService::next(const std::string& endpoint, UrlReply reply) {
     scripted_[endpoint].push_back(std::move(reply));
 }
 
-std::string ScriptedService::body(const std::vector<std::pair<std::string, std::string>>& fields) const {
+std::string ScriptedService::body(const std::map<std::string, std::string>& fields) const {
     std::string text = "{";
     for (const auto& [name, value] : fields) {
         text += (text.size() > 1 ? ",\"" : "\"") + name + "\":\"" + encipher(value) + "\"";
@@ -80,6 +93,11 @@ UrlReply ScriptedService::success(const std::string& endpoint) const {
                       {"encryptedCardStatus", cardStatus},
                       {"encryptedCardType", cardType}}),
                 ""};
+    }
+    if (endpoint == "cardImage") {
+        auto fields = cardDetails;
+        fields["encryptedResult"] = "success";
+        return {200, body(fields), ""};
     }
     return result("Success");
 }
@@ -149,6 +167,13 @@ std::string DrivenJourney::state(const std::string& name) const {
         if (const auto* const flag = std::get_if<bool>(&field.value)) return *flag ? "true" : "false";
         if (const auto* const number = std::get_if<int>(&field.value)) return std::to_string(*number);
         return std::get<std::string>(field.value);
+    }
+    return "none";
+}
+
+std::string DrivenJourney::row(const std::string& id) const {
+    for (const DetailRow& each : journey->screen().rows) {
+        if (each.id == id) return each.value;
     }
     return "none";
 }

@@ -42,13 +42,15 @@ class ScriptedService {
     FakePorts device;
     std::string cardStatus = "A1";
     std::string cardType = "physical";
+    /// What the card's details are, by the reply's field.
+    std::map<std::string, std::string> cardDetails;
     bool hostSuppliesIvs = true;
     int ivsSupplied = 0;
 
   private:
     std::optional<UrlReply> answer(const UrlRequest& request);
     UrlReply success(const std::string& endpoint) const;
-    std::string body(const std::vector<std::pair<std::string, std::string>>& fields) const;
+    std::string body(const std::map<std::string, std::string>& fields) const;
 
     std::map<std::string, std::deque<UrlReply>> scripted_;
     std::vector<std::string> hanging_;
@@ -66,6 +68,8 @@ class DrivenJourney {
     bool enabled(const std::string& controlId) const;
     /// The text of a state field: "true", "3", "…"; "none" when there is no such field.
     std::string state(const std::string& name) const;
+    /// What is shown in the row.
+    std::string row(const std::string& id) const;
     /// Through the SMS step with the right code, from its explanation on.
     void verifyBySMS();
     /// From the PIN entry to the press of the confirm button.
