@@ -44,19 +44,19 @@ class LocalBackEnd {
 
 }  // namespace
 
-BackEnd startBackEnd() {
+BackEnd backEnd(const std::string& service, const std::string& key, const std::string& ivUrl,
+                const std::string& caFile) {
+    if (!service.empty()) return {service, key, ivUrl.empty() ? service + "/host/iv" : ivUrl, caFile};
     const auto local = std::make_shared<LocalBackEnd>();
-    if (std::string failure = local->start(); !failure.empty()) {
-        BackEnd none;
-        none.failure = std::move(failure);
-        return none;
-    }
-    return {.service = local->service().url(),
-            .key = local->service().keyBase64(),
-            .ivUrl = local->service().ivUrl(),
-            .caFile = local->caFile(),
-            .failure = {},
-            .running = local};
+    BackEnd own;
+    own.failure = local->start();
+    if (!own.failure.empty()) return own;
+    return {local->service().url(),
+            local->service().keyBase64(),
+            local->service().ivUrl(),
+            local->caFile(),
+            {},
+            local};
 }
 
 }  // namespace korvane

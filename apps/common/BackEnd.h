@@ -13,11 +13,16 @@ struct BackEnd {
     std::string ivUrl;
     std::string caFile;  ///< PEM file of the authorities to trust; empty: the system's
 
-    std::string failure;            ///< why there is no service; empty when there is one
-    std::shared_ptr<void> running;  ///< keeps a service of this process going, and its CA file
+    std::string failure{};            ///< why there is no service; empty when there is one
+    std::shared_ptr<void> running{};  ///< keeps a service of this process going, and its CA file
+
+    /// Base URL of the host's own server.
+    std::string hostUrl() const { return ivUrl.substr(0, ivUrl.rfind('/')); }
 };
 
-/// Starts a card service with invented cards in this process, on a free port of the loopback interface.
-BackEnd startBackEnd();
+/// The servers that the arguments name. With no card service among them one is started in this process, on a
+/// free port of the loopback interface, with invented cards.
+BackEnd backEnd(const std::string& service, const std::string& key, const std::string& ivUrl,
+                const std::string& caFile);
 
 }  // namespace korvane

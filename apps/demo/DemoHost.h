@@ -20,48 +20,45 @@ class DemoHost : public QObject {
 
   public:
     explicit DemoHost(korvane::HostService& service) : service_(service) {
-        cards_.setItemRoleNames({{0, "name"}, {1, "cardId"}, {2, "status"}});
+        cards_.setItemRoleNames({{Qt::DisplayRole, "name"}, {Qt::UserRole + 1, "cardId"}});
         service_.cards([this](const std::vector<korvane::HostCard>& cards) {
             for (const auto& card : cards) {
-                auto* const row = new QStandardItem(QString::fromStdString(card.name));
-                row->setData(QString::fromStdString(card.id), 1);
-                row->setData(QString::fromStdString(card.status), 2);
+                auto* const row = new QStandardItem(QString::fromStdString(card.name + "\n" + card.status));
+                row->setData(QString::fromStdString(card.id));
                 cards_.appendRow(row);
             }
         });
     }
-
     QAbstractItemModel* cards() { return &cards_; }
 
     Q_INVOKABLE void open(const QString& cardId) {
-        openCard_ = cardId;
         phone_ = service_.watchSms(cardId.toStdString(), [this](const std::string& code) {
-            sms_ = QString::fromStdString(code);
-            emit changed();
+            show(openCard_, {}, QString::fromStdString(code));
         });
-        emit changed();
+        show(cardId, {}, {});
     }
-
     Q_INVOKABLE void close(const QString& result) {
         phone_.reset();
-        result_ = result;
-        sms_.clear(), openCard_.clear();
-        emit changed();
+        show({}, result, {});
     }
-
     /// Puts the code from the message where the focus is, as a phone's keyboard offers to.
     Q_INVOKABLE void fillCode() {
         QInputMethodEvent filling;
-        filling.setCommitString(std::exchange(sms_, QString()));
+        filling.setCommitString(sms_);
         if (QObject* const field = QGuiApplication::focusObject())
             QCoreApplication::sendEvent(field, &filling);
-        emit changed();
+        show(openCard_, {}, {});
     }
 
   signals:
     void changed();
 
   private:
+    void show(const QString& openCard, const QString& result, const QString& sms) {
+        openCard_ = openCard, result_ = result, sms_ = sms;
+        emit changed();
+    }
+
     korvane::HostService& service_;
     std::shared_ptr<void> phone_;
     QStandardItemModel cards_;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Korvane
@@ -13,35 +14,27 @@ ApplicationWindow {
 
     color: Theme.backdrop
     font: Theme.body
-    palette.button: Theme.secondary
-    palette.buttonText: Theme.primary
+    palette { button: Theme.secondary; buttonText: Theme.primary }
 
-    header: ToolBar {
-        implicitHeight: 56
-        background: Rectangle {
-            color: Theme.surface
-        }
+    header: Pane {
+        height: 56
         Label {
-            x: 16
-            height: parent.height
-            text: journey.active || window.host.result === "" ? "Korvane Bank" : "Result: " + window.host.result
+            anchors.verticalCenter: parent.verticalCenter
+            text: window.host.result === "" ? "Korvane Bank" : "Result: " + window.host.result
             font: Theme.button
-            verticalAlignment: Text.AlignVCenter
         }
         RoundButton {
             objectName: "host.close"
-            anchors.right: parent.right
-            height: parent.height
-            visible: journey.active
+            anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+            visible: journeys.count > 0
             text: "Close"
-            padding: 16
             onClicked: window.host.close("CLOSED BY THE HOST")
         }
     }
 
     ListView {
-        anchors.fill: parent
-        visible: !journey.active
+        anchors { fill: parent; leftMargin: window.margin; rightMargin: window.margin }
+        visible: journeys.count === 0
         topMargin: 16
         spacing: 8
         model: window.host.cards
@@ -49,24 +42,17 @@ ApplicationWindow {
             id: row
             required property string cardId
             required property string name
-            required property string status
-            x: window.margin
-            width: window.width - 2 * x
+            width: ListView.view.width
             height: 80
             radius: 16
-            color: Theme.surface
             border.color: Theme.outline
             Label {
-                x: 16
-                anchors.verticalCenter: parent.verticalCenter
-                text: row.name + "\n" + row.status
+                anchors { left: parent.left; leftMargin: 16; verticalCenter: parent.verticalCenter }
+                text: row.name
             }
             RoundButton {
                 objectName: "setPin:" + row.cardId
-                anchors.right: parent.right
-                anchors.rightMargin: 16
-                anchors.verticalCenter: parent.verticalCenter
-                height: 44
+                anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
                 padding: 16
                 text: "Set PIN"
                 onClicked: window.host.open(row.cardId)
@@ -74,11 +60,11 @@ ApplicationWindow {
         }
     }
 
-    Loader {
-        id: journey
-        anchors.fill: parent
-        active: window.host.openCard !== ""
-        sourceComponent: SetPIN {
+    Repeater {
+        id: journeys
+        model: window.host.openCard === "" ? 0 : 1
+        SetPIN {
+            anchors.fill: parent
             cardId: window.host.openCard
             onClosed: result => window.host.close(result)
         }
@@ -88,17 +74,14 @@ ApplicationWindow {
         objectName: "host.sms"
         parent: window.header.parent
         visible: window.host.sms !== ""
-        x: window.margin
-        y: 8
+        anchors { left: parent.left; right: parent.right; margins: window.margin }
+        y: 8 - window.header.height
         z: 1
-        width: window.width - 2 * x
         height: 64
         radius: 16
-        focusPolicy: Qt.NoFocus
-        palette.button: Theme.colorOnBackground
-        palette.buttonText: Theme.background
-        font: Theme.caption
+        palette { button: Theme.colorOnBackground; buttonText: Theme.background }
         text: window.host.sms + " is your code. Tap to fill it in."
+        focusPolicy: Qt.NoFocus
         onClicked: window.host.fillCode()
     }
 }

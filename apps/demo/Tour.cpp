@@ -48,11 +48,11 @@ class Tour {
     void verifyBySms() {
         see("SMSExplainView");
         tap("sdk.sms.explain.button");
-        see("EnterSMSCodeView");
+        await("EnterSMSCodeView");
         await("host.sms");
         const QString code =
             hands_.find("host.sms") ? hands_.find("host.sms")->property("text").toString() : "";
-        picture("EnterSMSCodeView-message");
+        picture("EnterSMSCodeView");
         say("Typing a code that is not the one that was sent.");
         hands_.type(code.startsWith("000000") ? "111111" : "000000");
         waitForMessage("sdk.sms.code.input");

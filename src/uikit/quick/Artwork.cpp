@@ -222,6 +222,13 @@ void Artwork::setColor(const QColor& color) {
     redraw();
 }
 
+void Artwork::setAngle(double angle) {
+    if (angle_ == angle) return;
+    angle_ = angle;
+    emit angleChanged();
+    redraw();
+}
+
 void Artwork::componentComplete() {
     QQuickPaintedItem::componentComplete();
     theme_ = Theme::of(this);
@@ -237,6 +244,9 @@ void Artwork::paint(QPainter* painter) {
         if (theme_) picture->draw(*painter, *theme_);
     } else if (const auto* const symbol = std::ranges::find_if(symbols, named); symbol != symbols.end()) {
         painter->scale(side / symbolSide, side / symbolSide);
+        painter->translate(symbolSide / 2, symbolSide / 2);
+        painter->rotate(angle_);
+        painter->translate(-symbolSide / 2, -symbolSide / 2);
         symbol->draw(*painter, color_);
     }
 }

@@ -22,6 +22,9 @@ class Artwork : public QQuickPaintedItem {
 
     Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
+    /// Degrees that the symbol is turned clockwise. It is drawn turned, which stays sharp where a turned
+    /// picture of it would not.
+    Q_PROPERTY(double angle READ angle WRITE setAngle NOTIFY angleChanged)
 
   public:
     explicit Artwork(QQuickItem* parent = nullptr);
@@ -31,11 +34,15 @@ class Artwork : public QQuickPaintedItem {
     QColor color() const { return color_; }
     void setColor(const QColor& color);
 
+    double angle() const { return angle_; }
+    void setAngle(double angle);
+
     void paint(QPainter* painter) override;
 
   signals:
     void nameChanged();
     void colorChanged();
+    void angleChanged();
 
   protected:
     void componentComplete() override;
@@ -45,6 +52,7 @@ class Artwork : public QQuickPaintedItem {
 
     QString name_;
     QColor color_ = Qt::black;
+    double angle_ = 0;
     QPointer<Theme> theme_;
 };
 

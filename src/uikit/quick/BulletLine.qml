@@ -8,6 +8,7 @@ Item {
 
     required property BulletModel modelData
 
+    implicitWidth: words.x + words.implicitWidth
     implicitHeight: Math.max(24, words.implicitHeight)
 
     Artwork {

@@ -16,6 +16,11 @@ FocusScope {
     signal closed(string result)
 
     readonly property bool wide: width >= 640 && height >= 480
+    /// What a keyboard on the screen covers, where the window does not make room for it by itself.
+    readonly property real keyboardHeight: {
+        const keyboard = Qt.inputMethod.keyboardRectangle;
+        return Qt.inputMethod.visible && keyboard.height > 0 ? Math.max(0, height - mapFromItem(null, 0, keyboard.y).y) : 0;
+    }
 
     focus: true
     implicitWidth: 390
@@ -31,10 +36,9 @@ FocusScope {
         visible: root.visible && root.Window.visibility !== Window.Hidden
         onAppeared: root.forceActiveFocus()
         onMoved: {
-            if (journey.move === JourneyModel.None)
-                moving.stop();
-            else
-                moving.restart();
+            moving.restart();
+            if (journey.move === JourneyModel.None || Theme.reducedMotion)
+                moving.complete();
         }
         onClosed: result => root.closed(result)
     }
@@ -59,57 +63,77 @@ FocusScope {
         anchors.fill: panel
         anchors.margins: -1
         visible: root.wide
-        radius: 17
+        radius: panel.radius + 1
         color: Theme.outline
     }
 
-    Rectangle {
+    FocusScope {
         id: panel
 
         /// How far the present move has come, from 0 to 1.
         property real progress: 1
+        readonly property real radius: root.wide ? 16 : 0
+        readonly property bool covered: journey.current.sheetOpen
 
-        anchors.centerIn: parent
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: root.wide ? Math.round((root.height - height) / 2) : 0
         width: root.wide ? 480 : root.width
-        height: root.wide ? Math.min(root.height - 64, 760) : root.height
-        radius: root.wide ? 16 : 0
-        color: Theme.background
+        height: root.wide ? Math.min(root.height - 64, 760) : root.height - root.keyboardHeight
+        focus: true
+        clip: true
 
-        Item {
+        FocusScope {
+            id: screens
+
             anchors.fill: parent
-            anchors.margins: root.wide ? 8 : 0
-            clip: true
+            focus: !panel.covered
+            enabled: !panel.covered
 
             ScreenPage {
+                id: evenPage
+
                 anchors.fill: parent
                 screen: journey.even
                 current: journey.current === journey.even
                 move: journey.move
                 progress: panel.progress
+                radius: panel.radius
             }
 
             ScreenPage {
+                id: oddPage
+
                 anchors.fill: parent
                 screen: journey.odd
                 current: journey.current === journey.odd
                 move: journey.move
                 progress: panel.progress
+                radius: panel.radius
             }
 
             // While screens move, a second tap must not land on what has just slid under the finger. Keys go on.
             MouseArea {
                 anchors.fill: parent
-                enabled: moving.running
-                visible: enabled
+                visible: moving.running
+                z: 2
             }
+        }
 
-            Toast {
-                anchors.horizontalCenter: parent.horizontalCenter
-                anchors.top: parent.top
-                anchors.topMargin: 64
-                width: Math.min(parent.width - 32, 416)
-                text: journey.current.toast
-            }
+        Toast {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: (evenPage.current ? evenPage : oddPage).footerHeight + 16
+            width: Math.min(parent.width - 48, 416)
+            text: journey.current.toast
+        }
+
+        KorvaneSlideUpModal {
+            anchors.fill: parent
+            focus: panel.covered
+            open: panel.covered
+            text: journey.current.sheetText
+            control: journey.current.sheetButton
+            radius: panel.radius
         }
     }
 }

@@ -9,6 +9,8 @@ FocusScope {
     required property bool open
     required property string text
     required property ControlModel control
+    /// Of what it covers.
+    property real radius: 0
 
     enabled: open
     visible: scrim.opacity > 0
@@ -17,6 +19,7 @@ FocusScope {
         id: scrim
 
         anchors.fill: parent
+        radius: modal.radius
         color: Theme.scrim
         opacity: modal.open ? 1 : 0
 
@@ -39,10 +42,11 @@ FocusScope {
         /// Part of the sheet that has come up.
         property real shown: modal.open ? 1 : 0
 
-        y: Math.round(parent.height - (height - radius) * shown)
-        width: parent.width
-        height: column.height + radius
-        radius: 16
+        x: 8
+        y: Math.round(parent.height - (height + 8) * shown)
+        width: parent.width - 16
+        height: column.height
+        radius: 12
         color: Theme.surface
 
         Accessible.role: Accessible.Dialog
@@ -63,9 +67,9 @@ FocusScope {
             id: column
 
             anchors.horizontalCenter: parent.horizontalCenter
-            width: Math.min(parent.width - 48, 416)
-            topPadding: 32
-            bottomPadding: 24
+            width: Math.min(parent.width - 32, 416)
+            topPadding: 24
+            bottomPadding: 16
             spacing: 24
 
             Text {

@@ -11,7 +11,7 @@ PageFrame {
 
     Artwork {
         anchors.horizontalCenter: parent.horizontalCenter
-        width: page.compact ? 96 : 144
+        width: page.compact ? 80 : 144
         height: width
         visible: name !== ""
         name: page.screen.image
@@ -33,7 +33,7 @@ PageFrame {
     }
 
     Column {
-        width: parent.width
+        anchors.horizontalCenter: parent.horizontalCenter
         topPadding: page.compact ? 16 : 24
         spacing: page.compact ? 8 : 16
         visible: bullets.count > 0
@@ -44,7 +44,7 @@ PageFrame {
             model: page.screen.bullets
 
             BulletLine {
-                width: page.columnWidth
+                width: Math.min(implicitWidth, page.columnWidth)
             }
         }
     }

@@ -4,7 +4,7 @@ import QtQuick
 import Korvane
 
 /// What screens have in common: back and close at the top, a column that scrolls when it must, the buttons at the
-/// foot, and the sheet over all of it.
+/// foot.
 FocusScope {
     id: frame
 
@@ -12,6 +12,8 @@ FocusScope {
     /// The column stands in the middle of the free height.
     property bool centred: false
     readonly property bool compact: width < 360 || height < 600
+    /// A phone on its side: every row counts.
+    readonly property bool low: height < 440
     readonly property real columnWidth: Math.min(width - 48, 416)
     readonly property alias footerHeight: footer.height
     default property alias content: column.data
@@ -21,7 +23,7 @@ FocusScope {
 
     // Keys must not reach what lies outside the visible part.
     onFocusedChanged: {
-        if (!focused || !column.contains(focused.mapToItem(column, 1, 1)))
+        if (!focused || !isInColumn(focused))
             return;
         const top = focused.mapToItem(scroll.contentItem, 0, 0).y;
         if (top < scroll.contentY)
@@ -30,85 +32,88 @@ FocusScope {
             scroll.contentY = top + focused.height + 16 - scroll.height;
     }
 
-    FocusScope {
-        id: body
+    function isInColumn(item: Item): bool {
+        let above = item;
+        while (above && above !== column)
+            above = above.parent;
+        return above === column;
+    }
 
-        anchors.fill: parent
-        focus: !frame.screen.sheetOpen
-        enabled: !frame.screen.sheetOpen
+    Item {
+        id: header
 
-        Item {
-            id: header
+        width: parent.width
+        height: !frame.low || frame.screen.backShown || frame.screen.close ? 56 : 8
 
-            width: parent.width
-            height: 56
-
-            IconButton {
-                anchors.left: parent.left
-                anchors.leftMargin: 12
-                anchors.verticalCenter: parent.verticalCenter
-                control: frame.screen.back
-                visible: frame.screen.backShown && control !== null
-            }
-
-            IconButton {
-                anchors.right: parent.right
-                anchors.rightMargin: 12
-                anchors.verticalCenter: parent.verticalCenter
-                control: frame.screen.close
-                visible: control !== null
-            }
+        IconButton {
+            anchors.left: parent.left
+            anchors.leftMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            control: frame.screen.back
+            visible: frame.screen.backShown && control !== null
         }
 
-        Flickable {
-            id: scroll
-
-            anchors.top: header.bottom
-            anchors.bottom: footer.top
-            width: parent.width
-            contentHeight: column.y + column.height + 24
-            boundsBehavior: Flickable.StopAtBounds
-            interactive: contentHeight > height
-            clip: interactive
-
-            Column {
-                id: column
-
-                x: (scroll.width - width) / 2
-                y: frame.centred ? Math.max(8, (scroll.height - height) * 0.42) : 8
-                width: frame.columnWidth
-            }
-        }
-
-        Column {
-            id: footer
-
-            anchors.bottom: parent.bottom
-            anchors.horizontalCenter: parent.horizontalCenter
-            width: frame.columnWidth
-            topPadding: 8
-            bottomPadding: 24
-            spacing: 8
-
-            Repeater {
-                model: frame.screen.buttons
-
-                KorvaneButton {
-                    required property ControlModel modelData
-
-                    width: footer.width
-                    control: modelData
-                    focus: modelData.primary && frame.screen.layout === ScreenModel.Message
-                }
-            }
+        IconButton {
+            anchors.right: parent.right
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            control: frame.screen.close
+            visible: control !== null
         }
     }
 
-    KorvaneSlideUpModal {
-        anchors.fill: parent
-        focus: frame.screen.sheetOpen
-        open: frame.screen.sheetOpen
-        text: frame.screen.sheetText
-        control: frame.screen.sheetButton
+    Flickable {
+        id: scroll
+
+        anchors.top: header.bottom
+        anchors.bottom: footer.top
+        width: parent.width
+        contentHeight: column.y + column.height + 24
+        boundsBehavior: Flickable.StopAtBounds
+        interactive: contentHeight > height
+        clip: interactive
+
+        Column {
+            id: column
+
+            x: (scroll.width - width) / 2
+            y: frame.centred ? Math.max(8, (scroll.height - height) * 0.42) : 8
+            width: frame.columnWidth
+        }
+    }
+
+    // There is more below.
+    Rectangle {
+        anchors.bottom: footer.top
+        width: parent.width
+        height: 1
+        color: Theme.outline
+        visible: scroll.interactive && !scroll.atYEnd
+    }
+
+    Grid {
+        id: footer
+
+        anchors.bottom: parent.bottom
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: frame.columnWidth
+        columns: frame.low ? Math.max(1, buttons.count) : 1
+        topPadding: 8
+        bottomPadding: frame.low ? 8 : 24
+        spacing: 8
+
+        Repeater {
+            id: buttons
+
+            model: frame.screen.buttons
+
+            KorvaneButton {
+                required property ControlModel modelData
+
+                width: (footer.width - footer.spacing * (footer.columns - 1)) / footer.columns
+                control: modelData
+                focus: (modelData?.primary ?? false) && frame.screen.layout === ScreenModel.Message
+            }
+        }
     }
 }

@@ -172,6 +172,7 @@ void PasscodeItem::inputMethodEvent(QInputMethodEvent* event) {
 
 void PasscodeItem::insert(QString text) {
     std::string typed;
+    text = std::move(text).trimmed();  // what is copied often brings a line end along
     // Digits of other scripts are what some keyboards give for the same keys.
     for (QChar& letter : text) {
         if (letter.isDigit()) letter = QChar(u'0' + letter.digitValue());

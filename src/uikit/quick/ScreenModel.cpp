@@ -63,11 +63,17 @@ void ScreenModel::set(Value& field, Value value, void (ScreenModel::*changed)())
 
 void ScreenModel::load(const ScreenSnapshot& snapshot) {
     lastUsed_.clear();
-    update(snapshot);
+    take(snapshot);
     emit loaded();
 }
 
 void ScreenModel::update(const ScreenSnapshot& snapshot) {
+    const Layout before = layout_;
+    take(snapshot);
+    if (layout_ != before) emit loaded();
+}
+
+void ScreenModel::take(const ScreenSnapshot& snapshot) {
     const Layout layout = korvane::layout(snapshot);
     QList<QString> body;
     for (const std::string& key : snapshot.body) body.append(text(key));

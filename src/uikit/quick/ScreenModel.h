@@ -111,7 +111,7 @@ class ScreenModel : public QObject {
     void sheetOpenChanged();
     void sheetTextChanged();
     void sheetButtonChanged();
-    /// Another screen has come: start afresh.
+    /// Another screen has come, or the same one in another layout: draw it afresh.
     void loaded();
     /// The boxes were refused and wait for another entry: give them the focus.
     void entryWanted();
@@ -119,6 +119,7 @@ class ScreenModel : public QObject {
   private:
     template <class Value>
     void set(Value& field, Value value, void (ScreenModel::*changed)());
+    void take(const ScreenSnapshot& snapshot);
     void updateSheet(const ScreenSnapshot& snapshot);
     void updateControls(const ScreenSnapshot& snapshot);
     void updateBullets(const ScreenSnapshot& snapshot);

@@ -11,7 +11,11 @@ FocusScope {
     required property bool current
     required property int move
     required property real progress
+    property real radius: 0
 
+    /// Of `ScreenModel.layout`, in its order.
+    readonly property list<string> arrangements: ["WaitingPage.qml", "EntryPage.qml", "MessagePage.qml"]
+    readonly property real footerHeight: (loader.item as PageFrame)?.footerHeight ?? 0
     readonly property bool above: current ? move !== JourneyModel.Pop : move === JourneyModel.Pop
     readonly property bool slides: move === JourneyModel.Push || move === JourneyModel.Pop
     /// 0: in its place; 1: beyond the right edge; negative: pushed a little to the left, under the other.
@@ -34,6 +38,7 @@ FocusScope {
 
     Rectangle {
         anchors.fill: parent
+        radius: page.radius
         color: Theme.background
     }
 
@@ -43,48 +48,21 @@ FocusScope {
         anchors.fill: parent
         focus: true
         active: page.visible
-        sourceComponent: {
-            switch (page.screen.layout) {
-            case ScreenModel.Entry:
-                return entry;
-            case ScreenModel.Message:
-                return message;
-            default:
-                return waiting;
-            }
+
+        function draw() {
+            setSource(page.arrangements[page.screen.layout], {
+                "screen": page.screen
+            });
         }
+
+        Component.onCompleted: draw()
     }
 
     Connections {
         function onLoaded() {
-            loader.active = false;
-            loader.active = Qt.binding(() => page.visible);
+            loader.draw();
         }
 
         target: page.screen
-    }
-
-    Component {
-        id: waiting
-
-        WaitingPage {
-            screen: page.screen
-        }
-    }
-
-    Component {
-        id: entry
-
-        EntryPage {
-            screen: page.screen
-        }
-    }
-
-    Component {
-        id: message
-
-        MessagePage {
-            screen: page.screen
-        }
     }
 }

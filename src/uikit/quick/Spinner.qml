@@ -2,7 +2,7 @@
 import QtQuick
 import Korvane
 
-/// A turning wheel: a call is under way. It turns on the render thread and takes no input.
+/// A turning wheel: a call is under way. It takes no input.
 Artwork {
     id: wheel
 
@@ -11,7 +11,7 @@ Artwork {
 
     Accessible.ignored: true
 
-    RotationAnimator on rotation {
+    NumberAnimation on angle {
         running: wheel.visible && !Theme.reducedMotion
         from: 0
         to: 360

@@ -7,7 +7,6 @@ FocusScope {
     id: page
 
     required property ScreenModel screen
-    readonly property real footerHeight: 0
 
     focus: true
 

@@ -36,7 +36,7 @@
     </message>
     <message id="sdk.sms.code.subheader">
         <source></source>
-        <translation>We’ve sent a 6-digit code to your mobile. It may take a moment to arrive.</translation>
+        <translation>We’ve sent a 6-digit code to your mobile. It can take a minute.</translation>
     </message>
     <message id="sdk.sms.code.input">
         <source></source>
@@ -44,7 +44,7 @@
     </message>
     <message id="sdk.sms.code.incorrect">
         <source></source>
-        <translation>That code isn’t right. Check the latest text message and enter it again.</translation>
+        <translation>That code isn’t right. Check the latest message and try again.</translation>
     </message>
     <message id="sdk.sms.code.button">
         <source></source>
@@ -93,19 +93,19 @@
     </message>
     <message id="sdk.youcandobetter.subheader">
         <source></source>
-        <translation>This PIN would be easy for someone else to guess.</translation>
+        <translation>That PIN is easy to guess.</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.one">
         <source></source>
-        <translation>Avoid runs of digits, like 1234 or 4321</translation>
+        <translation>No runs, like 1234 or 4321</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.two">
         <source></source>
-        <translation>Avoid repeated digits, like 1111 or 5990</translation>
+        <translation>No repeats, like 1111 or 5990</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.three">
         <source></source>
-        <translation>Pick four digits that only mean something to you</translation>
+        <translation>Four digits only you would pick</translation>
     </message>
     <message id="sdk.youcandobetter.button">
         <source></source>
@@ -247,7 +247,7 @@
     </message>
     <message id="sdk.errorPage.tryagain.subheader.two">
         <source></source>
-        <translation>Please wait a few minutes, then try again.</translation>
+        <translation>Please try again in a little while.</translation>
     </message>
     <message id="sdk.errorPage.tryagain.button">
         <source></source>
@@ -275,7 +275,7 @@
     </message>
     <message id="sdk.errorPage.contactSupport.subheader.two">
         <source></source>
-        <translation>Our support team will help you further.</translation>
+        <translation>Our support team is there to help.</translation>
     </message>
     <message id="sdk.errorPage.contactSupport.button.one">
         <source></source>

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "flows/ResultPage.h"
+#include "tests/uikit/quick/QuickFixture.h"
+
+namespace korvane {
+namespace {
+
+const QList<QSize> sizes{{320, 568}, {390, 844}, {844, 390}, {1280, 800}};
+
+ScreenSnapshot snapshotOf(const ResultPage::Row& row) {
+    ScreenSnapshot snapshot;
+    snapshot.view = row.view;
+    snapshot.instance = 1;
+    snapshot.image = row.image;
+    snapshot.title = row.title;
+    snapshot.body.assign(row.body.begin(), row.body.end());
+    for (const auto& [symbol, text] : row.bullets)
+        snapshot.bullets.push_back({std::string{symbol}, std::string{text}});
+    for (const auto& button : row.buttons)
+        snapshot.controls.push_back({std::string{button.id}, ControlKind::button, true});
+    return snapshot;
+}
+
+/// Screens with digit boxes at their fullest: every part there.
+ScreenSnapshot entrySnapshot(const std::string& group, int boxes, const std::string& message) {
+    ScreenSnapshot snapshot;
+    snapshot.view = group;
+    snapshot.instance = 1;
+    snapshot.depth = 1;
+    snapshot.title = group + ".header";
+    if (boxes == 6) snapshot.body = {group + ".subheader"};
+    snapshot.message = message;
+    snapshot.passcode = PasscodeBoxes{group + ".input", boxes, 0, 0, boxes == 4, ""};
+    snapshot.controls = {{"back", ControlKind::back, true},
+                         {group + ".input", ControlKind::passcode, true},
+                         {group + ".button", ControlKind::button, false}};
+    if (boxes == 6) snapshot.controls.push_back({"sdk.sms.code.resend", ControlKind::button, true});
+    return snapshot;
+}
+
+class PagesTest : public QuickFixture {
+  protected:
+    /// Draws the snapshot and tells all that a designer would send back.
+    QStringList faults(const ScreenSnapshot& snapshot, QSize size) {
+        ScreenModel model;
+        model.load(snapshot);
+        QQuickItem* const page = show(
+            "import Korvane\n"
+            "ScreenPage { current: true; move: JourneyModel.None; progress: 1 }",
+            {{"screen", QVariant::fromValue(&model)}}, size);
+        QStringList found;
+        for (QQuickItem* const item : visibleItems(page)) faultsOf(*item, size, found);
+        for (const Control& control : snapshot.controls) {
+            if (!find(QString::fromStdString(control.id)))
+                found << "no " + QString::fromStdString(control.id);
+        }
+        delete page;
+        return found;
+    }
+
+  private:
+    static void faultsOf(QQuickItem& item, QSize size, QStringList& found) {
+        const QRectF area = item.mapRectToScene(item.boundingRect());
+        const QVariant text = item.property("text");
+        const QString what = item.objectName() + " \"" + text.toString() + '"';
+        if (item.inherits("QQuickText")) {
+            if (text.toString().contains(".")) {
+                if (text.toString().startsWith("sdk.")) found << "no text for " + what;
+            }
+            if (item.property("truncated").toBool() ||
+                item.property("contentWidth").toDouble() > std::ceil(item.width()))
+                found << "cut: " + what;
+        }
+        if (item.inherits("QQuickAbstractButton")) {
+            if (area.width() < 44 || area.height() < 44) found << "too small to hit: " + what;
+            if (!QRectF(QPointF(), size).contains(area)) found << "outside the window: " + what;
+        }
+        if (area.left() < 0 || area.right() > size.width()) found << "sticks out: " + what;
+    }
+};
+
+TEST_F(PagesTest, EveryPageIsWholeAtEverySize) {
+    for (const QSize size : sizes) {
+        for (const ResultPage::Row& row : ResultPage::rows()) {
+            EXPECT_EQ(faults(snapshotOf(row), size), QStringList())
+                << row.view << " at " << size.width() << "x" << size.height();
+        }
+        EXPECT_EQ(faults(entrySnapshot("sdk.sms.code", 6, "sdk.sms.code.incorrect"), size), QStringList());
+        EXPECT_EQ(faults(entrySnapshot("sdk.confirmpin", 4, "sdk.error.matchpin.message"), size),
+                  QStringList());
+    }
+}
+
+TEST_F(PagesTest, NothingNeedsScrollingOnASmallPhone) {
+    const auto hidden = [this](const ScreenSnapshot& snapshot) {
+        ScreenModel model;
+        model.load(snapshot);
+        // A host's own bar takes 56 of the 568 points.
+        QQuickItem* const page = show(
+            "import Korvane\n"
+            "ScreenPage { current: true; move: JourneyModel.None; progress: 1 }",
+            {{"screen", QVariant::fromValue(&model)}}, {320, 512});
+        double most = 0;
+        for (QQuickItem* const item : visibleItems(page)) {
+            if (item->inherits("QQuickFlickable"))
+                most = std::max(most, item->property("contentHeight").toDouble() - item->height());
+        }
+        delete page;
+        return most;
+    };
+    for (const ResultPage::Row& row : ResultPage::rows()) EXPECT_LE(hidden(snapshotOf(row)), 0) << row.view;
+    EXPECT_LE(hidden(entrySnapshot("sdk.sms.code", 6, "sdk.sms.code.incorrect")), 0);
+}
+
+}  // namespace
+}  // namespace korvane

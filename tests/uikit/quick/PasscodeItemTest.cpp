@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QMetaProperty>
+
+#include "tests/uikit/quick/QuickFixture.h"
+
+namespace korvane {
+namespace {
+
+class PasscodeItemTest : public QuickFixture {
+  protected:
+    PasscodeItemTest() { toPinEntry(); }
+
+    int filled() const { return screen()->boxes() ? screen()->boxes()->filled : -1; }
+    QQuickItem* boxes() const { return find("sdk.setpin.input"); }
+
+    /// What an input method or an autofill gives.
+    void commit(const QString& text) {
+        QInputMethodEvent event;
+        event.setCommitString(text);
+        QCoreApplication::sendEvent(QGuiApplication::focusObject(), &event);
+        settle();
+    }
+};
+
+void collectTexts(QAccessibleInterface* node, QStringList& texts) {
+    if (!node) return;
+    for (const auto kind :
+         {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help})
+        texts << node->text(kind);
+    if (auto* const text = node->textInterface()) texts << text->text(0, text->characterCount());
+    if (auto* const value = node->valueInterface()) texts << value->currentValue().toString();
+    for (int i = 0; i < node->childCount(); ++i) collectTexts(node->child(i), texts);
+}
+
+/// A number is a text here only when it is the whole PIN: geometry is full of the others.
+QStringList textsOf(const QVariant& value) {
+    const int type = value.typeId();
+    if (type == QMetaType::QString || type == QMetaType::QStringList || type == QMetaType::QVariantList)
+        return value.toStringList();
+    return value.toDouble() == 8642 ? QStringList("8642") : QStringList();
+}
+
+/// Every text that QML, a script or an accessibility client can read in the window.
+QStringList readableTexts(QQuickWindow& window) {
+    QStringList texts;
+    QObjectList objects = window.findChildren<QObject*>();
+    for (QQuickItem* const item : visibleItems(window.contentItem())) {
+        objects << item << item->findChildren<QObject*>();
+    }
+    for (const QObject* const object : objects) {
+        const QMetaObject* const type = object->metaObject();
+        for (int i = 0; i < type->propertyCount(); ++i) texts << textsOf(type->property(i).read(object));
+        for (const QByteArray& name : object->dynamicPropertyNames())
+            texts << object->property(name).toString();
+    }
+    collectTexts(QAccessible::queryAccessibleInterface(&window), texts);
+    for (const auto query :
+         {Qt::ImSurroundingText, Qt::ImCurrentSelection, Qt::ImTextBeforeCursor, Qt::ImTextAfterCursor}) {
+        QInputMethodQueryEvent asked(query);
+        QCoreApplication::sendEvent(QGuiApplication::focusObject(), &asked);
+        texts << asked.value(query).toString();
+    }
+    texts.removeAll(QString());
+    return texts;
+}
+
+TEST_F(PasscodeItemTest, KeysFillAndEmptyTheBoxesAndLettersAreRefused) {
+    ASSERT_TRUE(boxes());
+    EXPECT_TRUE(boxes()->hasActiveFocus()) << "a person can type at once";
+    type("8a6 .");
+    EXPECT_EQ(filled(), 2);
+    key(Qt::Key_Backspace);
+    EXPECT_EQ(filled(), 1);
+    type("٣");  // the key for 3 of an Arabic keyboard
+    EXPECT_EQ(filled(), 2);
+    EXPECT_FALSE(usable("sdk.setpin.button"));
+    type("42");
+    EXPECT_EQ(filled(), 4);
+    EXPECT_TRUE(usable("sdk.setpin.button"));
+}
+
+TEST_F(PasscodeItemTest, EnterGoesOnOnceAllBoxesAreFull) {
+    type("864");
+    key(Qt::Key_Return);
+    EXPECT_EQ(view(), "EnterCardPINView");
+    type("2");
+    key(Qt::Key_Enter);
+    EXPECT_EQ(view(), "ConfirmCardPINView");
+}
+
+TEST_F(PasscodeItemTest, WholeCodeIsPastedOrCommittedAtOnce) {
+    QGuiApplication::clipboard()->setText("8 6-42\n");
+    key(Qt::Key_V, "v", Qt::ControlModifier);
+    EXPECT_EQ(filled(), 4);
+    QGuiApplication::clipboard()->setText("PIN 8642");
+    key(Qt::Key_V, "v", Qt::ControlModifier);
+    EXPECT_EQ(filled(), 4);
+
+    for (int i = 0; i < 4; ++i) key(Qt::Key_Backspace);
+    commit("86");
+    EXPECT_EQ(filled(), 2);
+    QInputMethodEvent composing("42", {});
+    QCoreApplication::sendEvent(QGuiApplication::focusObject(), &composing);
+    settle();
+    EXPECT_EQ(filled(), 2) << "what is still being composed is no digit yet";
+}
+
+TEST_F(PasscodeItemTest, CommandsAndHostShortcutsStayApartFromDigits) {
+    key(Qt::Key_8, "8", Qt::AltModifier);
+    EXPECT_EQ(filled(), 0);
+    QKeyEvent digit(QEvent::ShortcutOverride, Qt::Key_8, {}, "8");
+    digit.ignore();
+    QCoreApplication::sendEvent(boxes(), &digit);
+    EXPECT_TRUE(digit.isAccepted()) << "a shortcut on a digit would eat it";
+    QKeyEvent command(QEvent::ShortcutOverride, Qt::Key_8, Qt::ControlModifier, "8");
+    command.ignore();
+    QCoreApplication::sendEvent(boxes(), &command);
+    EXPECT_FALSE(command.isAccepted());
+}
+
+TEST_F(PasscodeItemTest, KeyboardIsAskedForSecretDigits) {
+    QInputMethodQueryEvent asked(Qt::ImHints | Qt::ImEnabled);
+    QCoreApplication::sendEvent(QGuiApplication::focusObject(), &asked);
+    EXPECT_TRUE(asked.value(Qt::ImEnabled).toBool());
+    const auto hints = Qt::InputMethodHints(asked.value(Qt::ImHints).toInt());
+    EXPECT_TRUE(hints.testFlags(Qt::ImhDigitsOnly | Qt::ImhSensitiveData | Qt::ImhHiddenText |
+                                Qt::ImhNoPredictiveText));
+}
+
+TEST_F(PasscodeItemTest, NoDigitCanBeReadFromTheScreen) {
+    QAccessible::setActive(true);
+    type("8642");
+    ASSERT_EQ(filled(), 4);
+    const QStringList texts = readableTexts(window);
+    ASSERT_TRUE(texts.contains("Choose your PIN")) << "the search finds what is there";
+    EXPECT_TRUE(texts.contains("New PIN, 4 of 4 digits entered"));
+    for (const char* const digits : {"86", "64", "42"}) {
+        EXPECT_TRUE(texts.filter(digits).isEmpty()) << texts.filter(digits).join(" | ").toStdString();
+    }
+}
+
+TEST_F(PasscodeItemTest, BoxesSpeakThroughTheItemAroundThem) {
+    QAccessible::setActive(true);
+    type("86");
+    auto* const outer = QAccessible::queryAccessibleInterface(boxes()->parentItem());
+    ASSERT_TRUE(outer);
+    EXPECT_EQ(outer->childCount(), 0) << "the item with the keyboard focus is no part of the tree";
+    QStringList said;
+    collectTexts(QAccessible::queryAccessibleInterface(boxes()), said);
+    said.removeAll(QString());
+    EXPECT_EQ(said, QStringList());
+    EXPECT_EQ(outer->role(), QAccessible::EditableText);
+    EXPECT_EQ(outer->text(QAccessible::Name), "New PIN, 2 of 4 digits entered");
+    EXPECT_TRUE(outer->state().focused);
+}
+
+}  // namespace
+}  // namespace korvane

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/uikit/quick/QuickFixture.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QQmlComponent>
+#include <QTest>
+#include <QThread>
+
+#include "platform/qt/QtStringTable.h"
+#include "uikit/quick/JourneyModel.h"
+
+namespace korvane {
+namespace {
+
+/// One application for the process, offscreen and drawn in software.
+class Application : public testing::Environment {
+  public:
+    void SetUp() override {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_QUICK_BACKEND", "software");
+        app_.emplace(count_, arguments_);
+    }
+    void TearDown() override { app_.reset(); }
+
+  private:
+    char name_[5] = "test";
+    char* arguments_[2] = {name_, nullptr};
+    int count_ = 1;
+    std::optional<QGuiApplication> app_;
+};
+
+const auto* const application = testing::AddGlobalTestEnvironment(new Application);
+
+void collect(QQuickItem* item, QList<QQuickItem*>& items) {
+    if (!item->isVisible() || item->opacity() == 0) return;
+    items.append(item);
+    for (QQuickItem* const child : item->childItems()) collect(child, items);
+}
+
+}  // namespace
+
+QList<QQuickItem*> visibleItems(QQuickItem* item) {
+    QList<QQuickItem*> items;
+    collect(item, items);
+    return items;
+}
+
+QuickFixture::QuickFixture() {
+    QObject::connect(&engine_, &QQmlEngine::warnings, &engine_, [](const QList<QQmlError>& warnings) {
+        for (const QQmlError& warning : warnings) ADD_FAILURE() << warning.toString().toStdString();
+    });
+    auto texts = std::make_shared<QtStringTable>();
+    EXPECT_TRUE(texts->load(":/korvane/i18n/korvane_en.qm"));
+    Ports device = ports();
+    device.stringTable = texts;
+    EXPECT_TRUE(installPorts(device));
+    EXPECT_TRUE(ports().stringTable == texts);
+}
+
+QuickFixture::~QuickFixture() {
+    delete root_;
+}
+
+QQuickItem* QuickFixture::show(const QByteArray& qml, const QVariantMap& properties, QSize size) {
+    QQmlComponent component(&engine_);
+    component.setData(qml, QUrl("test.qml"));
+    QObject* const made = component.createWithInitialProperties(properties);
+    root_ = qobject_cast<QQuickItem*>(made);
+    EXPECT_TRUE(root_) << component.errorString().toStdString();
+    if (!root_) return nullptr;
+    theme().setReducedMotion(true);
+    window.resize(size);
+    root_->setParentItem(window.contentItem());
+    root_->setSize(size);
+    window.show();
+    window.requestActivate();
+    settle();
+    return root_;
+}
+
+void QuickFixture::showSetPIN(QSize size) {
+    QQuickItem* const item = show("import Korvane\nSetPIN { cardId: \"card-1\" }", {}, size);
+    const auto* const journey = item ? item->findChild<JourneyModel*>() : nullptr;
+    ASSERT_TRUE(journey);
+    QObject::connect(journey, &JourneyModel::closed, journey,
+                     [this](const QString& result) { closed << result; });
+}
+
+void QuickFixture::settle() {
+    do {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    } while (service.device.mainQueue->runAll() > 0);
+    wait(20);
+}
+
+void QuickFixture::wait(int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        QThread::msleep(1);
+    } while (timer.elapsed() < milliseconds);
+}
+
+QQuickItem* QuickFixture::find(const QString& objectName) const {
+    for (QQuickItem* const item : visibleItems(window.contentItem())) {
+        if (item->objectName() == objectName) return item;
+    }
+    return nullptr;
+}
+
+bool QuickFixture::usable(const QString& objectName) const {
+    const QQuickItem* const item = find(objectName);
+    return item && item->isEnabled();
+}
+
+bool QuickFixture::tap(const QString& objectName) {
+    const QQuickItem* const item = find(objectName);
+    if (!item) return false;
+    const QPointF at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(&window, Qt::LeftButton, {}, at.toPoint());
+    settle();
+    return true;
+}
+
+void QuickFixture::key(int key, const QString& text, Qt::KeyboardModifiers modifiers) {
+    QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
+    QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
+    QCoreApplication::sendEvent(&window, &press);
+    QCoreApplication::sendEvent(&window, &release);
+    settle();
+}
+
+void QuickFixture::type(const QString& text) {
+    for (const QChar letter : text) key(letter.toUpper().unicode(), letter);
+}
+
+ScreenModel* QuickFixture::screen() const {
+    auto* const journey = root_ ? root_->findChild<JourneyModel*>() : nullptr;
+    return journey ? journey->current() : nullptr;
+}
+
+QString QuickFixture::view() const {
+    const ScreenModel* const shown = screen();
+    // What the person sees, not what the model says: the item of that name must be there.
+    return shown && find(shown->view()) ? shown->view() : "none";
+}
+
+void QuickFixture::toPinEntry() {
+    showSetPIN();
+    EXPECT_EQ(view(), "EnterCardPINView");
+}
+
+}  // namespace korvane
