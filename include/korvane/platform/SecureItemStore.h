@@ -7,15 +7,27 @@
 
 namespace korvane {
 
-/// Status of a call on the secure item store. The three named values are what callers tell apart; any other
-/// value is a failure.
+/// Status of a call on the secure item store. Callers tell the first three apart; any other value is a
+/// failure, and the names say which. The numbers are those that the field uses for the same cases.
 using SecureItemStatus = int;
 
 inline constexpr SecureItemStatus secureItemSuccess = 0;
 inline constexpr SecureItemStatus secureItemNotFound = -25300;
 inline constexpr SecureItemStatus secureItemDuplicate = -25299;
-inline constexpr SecureItemStatus secureItemNotAvailable =
-    -25291;  ///< no store on this device, or none that answers
+/// No store on this device, or none that answers.
+inline constexpr SecureItemStatus secureItemNotAvailable = -25291;
+/// The store has no collection to keep the item in.
+inline constexpr SecureItemStatus secureItemNoCollection = -25294;
+/// The store opens only when the user lets it.
+inline constexpr SecureItemStatus secureItemLocked = -25308;
+/// The user was asked to open it, and declined.
+inline constexpr SecureItemStatus secureItemDismissed = -128;
+/// Too much is asked of the store at a time (100000 + EBUSY).
+inline constexpr SecureItemStatus secureItemBusy = 100016;
+/// The store hangs; a write may still be done when it goes on (100000 + ETIMEDOUT).
+inline constexpr SecureItemStatus secureItemTimedOut = 100110;
+/// The store reported some other failure.
+inline constexpr SecureItemStatus secureItemFailed = -36;
 
 struct SecureItem {
     SecureItemStatus status = secureItemNotAvailable;

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/SecretServiceStore.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <future>
+#include <mutex>
+#include <utility>
+
+#include "base/Secret.h"
+#include "platform/linux/GLibSource.h"
+#include "platform/linux/GLibThread.h"
+#include "platform/linux/SecretServiceClient.h"
+
+namespace korvane {
+namespace {
+
+/// A call as its caller and the thread share it.
+struct Call {
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool begun = false;
+    bool given = false;  // up, by a caller that waited long enough
+    std::optional<SecureItem> result;
+    const GLibPtr<GCancellable> cancellable{g_cancellable_new()};
+
+    ~Call() {
+        if (result && result->value) wipe(*result->value);  // nobody waited for it
+    }
+};
+
+/// What a call does once the collection is open; `found` is what the search for its item gave.
+using Work = std::function<SecureItem(SecretServiceClient& client, SecureItemStatus found)>;
+
+SecureItem statusOnly(SecureItemStatus status) {
+    return {status, std::nullopt};
+}
+
+/// The thread may still be at work on the value when its caller has given up.
+std::shared_ptr<const Wiped<std::string>> copyOf(std::string_view value) {
+    return std::make_shared<const Wiped<std::string>>(std::string{value});
+}
+
+/// The daemon's prompts: one stands at a time, and none after one that was declined.
+class Prompts {
+  public:
+    /// Puts up the prompt that `client` waits for; the status to answer in the meantime.
+    SecureItemStatus ask(std::unique_ptr<SecretServiceClient> client) {
+        if (declined_) return secureItemDismissed;
+        if (client_) return secureItemLocked;
+        client_ = std::move(client);  // the prompt would go with its connection
+        secret_service_prompt_at_dbus_path(client_->service(), client_->prompt().c_str(), nullptr,
+                                           cancellable_.get(), ended, this);
+        return secureItemLocked;
+    }
+
+    bool open() const { return client_ != nullptr; }
+    void withdraw() { g_cancellable_cancel(cancellable_.get()); }
+
+  private:
+    static void ended(GObject* service, GAsyncResult* result, gpointer data) {
+        auto& self = *static_cast<Prompts*>(data);
+        GLibError error;
+        const GLibPtr<GVariant> answer(
+            secret_service_prompt_at_dbus_path_finish(SECRET_SERVICE(service), result, error.out()));
+        self.declined_ = !answer && !error;
+        self.client_.reset();
+    }
+
+    std::unique_ptr<SecretServiceClient> client_;
+    bool declined_ = false;
+    const GLibPtr<GCancellable> cancellable_{g_cancellable_new()};
+};
+
+}  // namespace
+
+class SecretServiceStore::Worker {
+  public:
+    explicit Worker(SecretServiceStoreOptions options) : options_(std::move(options)) {}
+
+    ~Worker() {
+        std::promise<void> done;
+        thread_.post([this, &done] {
+            endPrompt();
+            done.set_value();
+        });
+        done.get_future().wait();
+    }
+
+    SecureItem run(std::string_view service, std::string_view account, Work work);
+
+  private:
+    SecureItem serve(GCancellable* cancellable, std::string service, std::string account, const Work& work);
+    void endPrompt();
+
+    const SecretServiceStoreOptions options_;
+    std::atomic<bool> hanging_ = false;  // the last call ran out of time
+    Prompts prompts_;                    // its thread only
+    GLibThread thread_{"korvane-secrets"};
+};
+
+SecureItem SecretServiceStore::Worker::run(std::string_view service, std::string_view account, Work work) {
+    const auto call = std::make_shared<Call>();
+    thread_.post([this, call, work = std::move(work), serviceName = std::string{service},
+                  accountName = std::string{account}] {
+        {
+            const std::lock_guard lock(call->mutex);
+            if (call->given) return;
+            call->begun = true;
+        }
+        SecureItem result = serve(call->cancellable.get(), serviceName, accountName, work);
+        const std::lock_guard lock(call->mutex);
+        call->result = std::move(result);
+        call->ended.notify_one();
+    });
+    const auto patience = hanging_ ? options_.timeout / 10 : options_.timeout;
+    std::unique_lock lock(call->mutex);
+    if (!call->ended.wait_for(lock, patience, [&call] { return call->result.has_value(); })) {
+        call->given = true;
+        g_cancellable_cancel(call->cancellable.get());
+        hanging_ = true;
+        return {call->begun ? secureItemTimedOut : secureItemBusy, std::nullopt};
+    }
+    hanging_ = call->result->status == secureItemTimedOut;
+    return std::move(*call->result);
+}
+
+SecureItem SecretServiceStore::Worker::serve(GCancellable* cancellable, std::string service,
+                                             std::string account, const Work& work) {
+    auto client = std::make_unique<SecretServiceClient>(cancellable);
+    SecureItem result{client->connect(options_.busAddress), std::nullopt};
+    if (result.status == secureItemSuccess) result.status = client->openCollection();
+    if (result.status == secureItemSuccess) {
+        result.status = client->find(std::move(service), std::move(account));
+        result = work(*client, result.status);
+    }
+    if (!client->prompt().empty()) result.status = prompts_.ask(std::move(client));
+    return result;
+}
+
+/// Iterates until libsecret has told the daemon, or a second has passed.
+void SecretServiceStore::Worker::endPrompt() {
+    if (!prompts_.open()) return;
+    prompts_.withdraw();
+    bool waiting = true;
+    GSource* limit = attachSource(thread_.context().get(), "korvane prompt", [&waiting] { waiting = false; });
+    g_source_set_ready_time(limit, g_get_monotonic_time() + G_USEC_PER_SEC);
+    while (waiting && prompts_.open()) g_main_context_iteration(thread_.context().get(), TRUE);
+    releaseSource(limit);
+}
+
+SecretServiceStore::SecretServiceStore(SecretServiceStoreOptions options)
+    : worker_(std::make_unique<Worker>(std::move(options))) {}
+
+SecretServiceStore::~SecretServiceStore() = default;
+
+SecureItemStatus SecretServiceStore::exists(std::string_view service, std::string_view account) {
+    return worker_
+        ->run(service, account,
+              [](SecretServiceClient&, SecureItemStatus found) { return statusOnly(found); })
+        .status;
+}
+
+SecureItemStatus SecretServiceStore::add(std::string_view service, std::string_view account,
+                                         std::string_view value) {
+    return worker_
+        ->run(service, account,
+              [copy = copyOf(value)](SecretServiceClient& client, SecureItemStatus found) {
+                  if (found == secureItemSuccess) return statusOnly(secureItemDuplicate);
+                  return statusOnly(found == secureItemNotFound ? client.create(**copy) : found);
+              })
+        .status;
+}
+
+SecureItemStatus SecretServiceStore::update(std::string_view service, std::string_view account,
+                                            std::string_view value) {
+    return worker_
+        ->run(service, account,
+              [copy = copyOf(value)](SecretServiceClient& client, SecureItemStatus found) {
+                  return statusOnly(found == secureItemSuccess ? client.replace(**copy) : found);
+              })
+        .status;
+}
+
+SecureItem SecretServiceStore::copy(std::string_view service, std::string_view account) {
+    return worker_->run(service, account, [](SecretServiceClient& client, SecureItemStatus found) {
+        return found == secureItemSuccess ? client.read() : statusOnly(found);
+    });
+}
+
+SecureItemStatus SecretServiceStore::remove(std::string_view service, std::string_view account) {
+    return worker_
+        ->run(service, account,
+              [](SecretServiceClient& client, SecureItemStatus found) {
+                  return statusOnly(found == secureItemSuccess ? client.erase() : found);
+              })
+        .status;
+}
+
+}  // namespace korvane

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/platform/SecureItemStore.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace korvane {
+
+struct SecretServiceStoreOptions {
+    /// D-Bus address of the bus that the daemon is on; "" stands for the user's session bus.
+    std::string busAddress;
+    /// What one call may cost its caller, whatever the daemon does.
+    std::chrono::milliseconds timeout = std::chrono::seconds(5);
+};
+
+/// Items in the user's keyring, by the Secret Service API (freedesktop.org, draft 0.2) and libsecret. They
+/// stand in the login collection, which the user's log-in opens; in the default collection where a daemon
+/// knows no "login". Values travel enciphered where the daemon can. Attributes are stored in clear, so they
+/// are the service and the account and nothing else.
+///
+/// Any thread may call; the work is done on one thread of the store's own, with a connection for each call,
+/// so that a daemon or a bus that was started again serves the next call.
+///
+/// Statuses beside found, not found and duplicate:
+/// - `secureItemNotAvailable`: no bus, no daemon, or it went away during the call;
+/// - `secureItemNoCollection`: neither a login nor a default collection;
+/// - `secureItemLocked`: the collection is locked and does not open without the user. The daemon's own prompt
+/// is
+///   put up then, once at a time, and the call does not wait for it: it could take minutes, and the caller
+///   holds up the screen. A later call finds the collection open;
+/// - `secureItemDismissed`: the same, but the user declined that prompt. Nobody is asked twice by one store;
+/// - `secureItemBusy`: the thread did not get round to the call in time, or the bus refuses more calls;
+/// - `secureItemTimedOut`: no answer within the time-out. While the daemon hangs, further calls wait for a
+/// tenth
+///   of that: a save is four calls;
+/// - `secureItemFailed`: anything else.
+///
+/// Another program, or another process of the app at the same moment, may make several items of one service
+/// and account. `copy` reads the first that the daemon lists; `update` and `remove` do them all, so that no
+/// old value stays behind.
+class SecretServiceStore final : public SecureItemStore {
+  public:
+    explicit SecretServiceStore(SecretServiceStoreOptions options = {});
+    /// Takes away a prompt that still stands.
+    ~SecretServiceStore() override;
+
+    SecureItemStatus exists(std::string_view service, std::string_view account) override;
+    SecureItemStatus add(std::string_view service, std::string_view account, std::string_view value) override;
+    SecureItemStatus update(std::string_view service, std::string_view account,
+                            std::string_view value) override;
+    SecureItem copy(std::string_view service, std::string_view account) override;
+    SecureItemStatus remove(std::string_view service, std::string_view account) override;
+
+  private:
+    class Worker;
+    std::unique_ptr<Worker> worker_;
+};
+
+}  // namespace korvane
