@@ -52,11 +52,12 @@ class Sandbox:
 class Journey:
     """One journey on the console."""
 
-    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), service=None):
+    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), service=None, environment=None):
         self.process = subprocess.Popen(
             [PROGRAMS / "korvane-journey", kind, "--card", card, "--service", service or sandbox.url, "--key",
              sandbox.told["key"], "--iv-url", sandbox.told["ivUrl"], "--ca", sandbox.ca, *options],
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+            env={**os.environ, **(environment or {})})
         self.events = queue.Queue()
         self.seen = []
         self.log = []
@@ -96,6 +97,25 @@ class Journey:
 
     def type(self, digits):
         self.command("type " + digits)
+
+    def reaches(self, **state):
+        """Waits for a screen whose state has these values."""
+        return self.next(lambda e: e["event"] == "screen" and state.items() <= e["state"].items())
+
+    def toast(self):
+        return self.next(lambda e: e["event"] == "toast")["id"]
+
+    def copied(self, control):
+        self.tap(control)
+        return self.next(lambda e: e["event"] == "pasteboard")["text"]
+
+    def prove_possession(self, card):
+        self.shows("EnterCardLastFourView")
+        self.type(card["pan"][-4:])
+        self.tap("sdk.activatecard.lastfourdigits.button")
+        self.shows("EnterCardCVVView")
+        self.type(card["cvv"][:3])
+        self.tap("sdk.activatecard.cvv.button")
 
     def error(self):
         return self.next(lambda e: e["event"] == "error")["message"]

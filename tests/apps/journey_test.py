@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The set-PIN journey on the console against the card service over HTTPS."""
+"""The journeys on the console against the card service over HTTPS."""
 
+import json
 import subprocess
 import sys
 import unittest
@@ -145,24 +146,206 @@ class SetPin(OnTheConsole):
 
 
 class Activate(OnTheConsole):
-    def test_card_that_is_not_active_yet_is_activated_from_the_set_pin_journey(self):
-        journey = self.start(card="card-physical-new")
+    def begin(self, card, kind="activate"):
+        journey = self.start(kind=kind, card=card)
         journey.verify_by_sms(self.sandbox)
+        return journey
+
+    def assert_card(self, card, status, pin):
+        stored = self.sandbox.card(card)
+        self.assertEqual((stored["status"], stored["pin"]), (status, pin))
+
+    def test_each_type_is_activated_and_gets_its_pin(self):
+        for kind in ("physical", "virtual", "wearable"):
+            with self.subTest(kind=kind):
+                card = f"card-{kind}-new"
+                journey = self.begin(card)
+                journey.shows("ActivateCardAndSetPIN_NoNav")
+                journey.tap("sdk.cardarrived.start")
+                if kind == "physical":
+                    journey.prove_possession(self.sandbox.card(card))
+                journey.enter_and_confirm("1357")
+                journey.shows("SuccessCardActivatedAndPinSetView")
+                journey.tap("sdk.success.cardActivatedAndSetPin.button")
+                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+                self.assert_card(card, "A1", "1357")
+
+    def test_wrong_proof_of_possession_activates_nothing(self):
+        card = self.sandbox.card("card-physical-new")
+        wrong = lambda digits: "".join(str((int(digit) + 1) % 10) for digit in digits)
+        for proof in ({**card, "pan": wrong(card["pan"])}, {**card, "cvv": wrong(card["cvv"])}):
+            journey = self.begin(card["id"])
+            journey.shows("ActivateCardAndSetPIN_NoNav")
+            journey.tap("sdk.cardarrived.start")
+            journey.prove_possession(proof)
+            journey.enter_and_confirm("1357")
+            journey.shows("UhOhTryAgainView")
+            journey.tap("sdk.errorPage.tryagain.button")
+            self.assertEqual(journey.closes(), ("FAILURE", 4))
+            self.assert_card(card["id"], "P2", "")
+
+    def test_going_back_from_the_cvv_overwrites_the_last_four(self):
+        card = self.sandbox.card("card-physical-new")
+        journey = self.begin(card["id"])
+        journey.shows("ActivateCardAndSetPIN_NoNav")
+        journey.tap("sdk.cardarrived.start")
+        journey.shows("EnterCardLastFourView")
+        journey.type("0000")
+        journey.tap("sdk.activatecard.lastfourdigits.button")
+        journey.shows("EnterCardCVVView")
+        journey.tap("back")
+        journey.prove_possession(card)
+        journey.enter_and_confirm("1357")
+        journey.shows("SuccessCardActivatedAndPinSetView")
+
+    def test_active_card_can_be_left_alone_or_given_a_pin(self):
+        for status in ("active", "frozen"):
+            card = "card-physical-" + status
+            journey = self.begin(card)
+            journey.shows("CardAlreadyActivatedView")
+            journey.tap("sdk.cardactivated.button.one")
+            self.assertEqual(journey.closes(), ("CANCELED", 3))
+            journey = self.begin(card)
+            journey.shows("CardAlreadyActivatedView")
+            journey.tap("sdk.cardactivated.button.two")
+            journey.enter_and_confirm("2580")
+            journey.shows("SuccessPinSetView")
+            self.assertEqual(self.sandbox.card(card)["pin"], "2580")
+        self.assertEqual(self.sandbox.requests()["physicalCardActivationAndPinSet"], 0)
+
+    def test_unknown_status_starts_on_the_start_page_which_can_be_closed(self):
+        journey = self.begin("card-unknown-status")
+        journey.shows("ActivateCardAndSetPIN_NoNav")
+        journey.tap("xmark")
+        self.assertEqual(journey.closes(), ("CANCELED", 3))
+
+    def test_card_that_is_not_active_yet_is_activated_from_the_set_pin_journey(self):
+        journey = self.begin("card-physical-new", kind="set-pin")
         journey.shows("CardIsNotYetActivatedView")
         journey.tap("sdk.cardnotactivated.button.one")
         journey.shows("ActivateCardAndSetPIN_NoNav")
         journey.tap("sdk.cardarrived.start")
-        card = self.sandbox.card("card-physical-new")
-        journey.shows("EnterCardLastFourView")
-        journey.type(card["pan"][-4:])
-        journey.tap("sdk.activatecard.lastfourdigits.button")
-        journey.shows("EnterCardCVVView")
-        journey.type(card["cvv"])
-        journey.tap("sdk.activatecard.cvv.button")
+        journey.prove_possession(self.sandbox.card("card-physical-new"))
         journey.enter_and_confirm("1357")
         journey.shows("SuccessCardActivatedAndPinSetView")
-        card = self.sandbox.card("card-physical-new")
-        self.assertEqual((card["status"], card["pin"]), ("A1", "1357"))
+        self.assert_card("card-physical-new", "A1", "1357")
+
+
+class CardViewer(OnTheConsole):
+    DETAILS = "sdk.cardviewer.device.details."
+    FREEZING = "sdk.cardviewer.card.activateAndSetPin."
+
+    def view(self, card="card-physical-active", **keywords):
+        journey = self.start(kind="card", card=card, **keywords)
+        journey.verify_by_sms(self.sandbox)
+        return journey, journey.shows("CardImage_NoNav")
+
+    def answer_popup(self, journey, popup, button):
+        journey.tap(self.FREEZING + "freezeMyCard")
+        journey.tap(f"{self.FREEZING}{popup}CardPopup.{button}Button")
+
+    def flags(self, event):
+        return {name: event["state"][name] for name in ("isCardActivated", "isCardFrozen", "isWantingToListen")}
+
+    def test_every_kind_of_card_shows_what_can_be_done_with_it(self):
+        cases = {"card-physical-active": (True, False, True), "card-virtual-frozen": (True, True, True),
+                 "card-wearable-new": (False, False, True), "card-paywallet-active": (True, False, True),
+                 "card-unknown-status": (False, False, False), "card-unknown-type": (True, False, True)}
+        for card, flags in cases.items():
+            with self.subTest(card=card):
+                journey, event = self.view(card)
+                self.assertEqual(event["stack"], ["GetCardImage", "CardImage_NoNav"])
+                self.assertEqual(tuple(self.flags(event).values()), flags)
+                self.assertTrue(event["state"]["isCardImageLoaded"])
+                controls = [control["id"] for control in event["controls"]]
+                self.assertEqual("sdk.cardviewer.activateAndSetPin.onCardButton" in controls, card.endswith("-new"))
+                stored = self.sandbox.card(card)
+                journey.tap(self.DETAILS + "reveal")
+                shown = json.dumps(journey.reaches(detailsRevealed=True))
+                for secret in ("pan", "cvv"):
+                    self.assertNotIn(stored[secret], shown)
+                journey.tap("xmark")
+                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+
+    def test_values_are_copied_and_taken_back_at_the_end(self):
+        journey, _ = self.view("card-paywallet-active")
+        card = self.sandbox.card("card-paywallet-active")
+        self.assertEqual(journey.copied(self.DETAILS + "cardNumber"), card["pan"])
+        self.assertEqual(journey.toast(), "sdk.copiedToClipboard")
+        self.assertEqual(journey.copied(self.DETAILS + "cvv"), card["cvv"])
+        journey.tap("xmark")
+        self.assertEqual(journey.next(lambda e: e["event"] == "close")["result"], "SUCCESS")
+        self.assertEqual(journey.next(lambda e: e["event"] == "pasteboard")["text"], "")
+        self.assertEqual(journey.ends(), 0)
+
+    def test_freezing_asks_first_and_follows_the_service(self):
+        for card, status in (("card-physical-active", "A1"), ("card-virtual-new", "P2")):
+            with self.subTest(card=card):
+                journey, _ = self.view(card)
+                self.answer_popup(journey, "freeze", "cancel")
+                self.assertEqual(self.sandbox.card(card)["status"], status)
+                self.answer_popup(journey, "freeze", "freeze")
+                journey.reaches(isCardFrozen=True, showToggleOff=False)
+                self.assertEqual(self.sandbox.card(card)["status"], "BT")
+                self.answer_popup(journey, "unFreeze", "cancel")
+                self.answer_popup(journey, "unFreeze", "unFreeze")
+                journey.reaches(isCardFrozen=False, showToggleOff=True)
+                self.assertEqual(self.sandbox.card(card)["status"], status)
+                journey.tap("xmark")
+                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+
+    def test_failed_freeze_is_told_and_a_stale_iv_or_token_is_not_a_failure(self):
+        journey, _ = self.view()
+        for rule in ({"status": 500}, {"reset": True}, {"result": "Failure: Not now"}):
+            self.sandbox.fault(endpoint="setCardStatus", **rule)
+            self.answer_popup(journey, "freeze", "freeze")
+            self.assertEqual(journey.toast(), "errors.generic.api")
+            journey.next(lambda e: e["event"] == "screen" and "toastMsgId" not in e["state"])
+            self.assertEqual(self.sandbox.card("card-physical-active")["status"], "A1")
+        self.sandbox.fault(endpoint="setCardStatus", status=403, result="Failure: IV is expired")
+        self.sandbox.fault(endpoint="setCardStatus", expireIv=True)
+        self.answer_popup(journey, "freeze", "freeze")
+        journey.reaches(isCardFrozen=True)
+        self.assertIn("Success getting new iV - re-calling reEntrantSetCardStatusFreezeGuts\n", journey.log)
+        self.sandbox.fault(endpoint="setCardStatus", expirePciToken=True)
+        self.answer_popup(journey, "unFreeze", "unFreeze")
+        journey.verify_by_sms(self.sandbox)
+        journey.reaches(isCardFrozen=False)
+        self.assertEqual(self.sandbox.card("card-physical-active")["status"], "A1")
+
+    def test_card_is_activated_from_the_viewer_and_back_leads_there(self):
+        for kind in ("physical", "virtual"):
+            with self.subTest(kind=kind):
+                card = f"card-{kind}-new"
+                journey, _ = self.view(card)
+                journey.tap("sdk.cardviewer.activateAndSetPin.onCardButton")
+                first = "EnterCardLastFourView" if kind == "physical" else "EnterCardPINView"
+                self.assertEqual(journey.shows(first)["stack"], ["GetCardImage", "CardImage_NoNav", first])
+                journey.tap("back")
+                journey.shows("CardImage_NoNav")
+                journey.tap("sdk.cardviewer.activateAndSetPin.onCardButton")
+                if kind == "physical":
+                    journey.prove_possession(self.sandbox.card(card))
+                journey.enter_and_confirm("1357")
+                journey.shows("SuccessCardActivatedAndPinSetView")
+                journey.tap("sdk.success.cardActivatedAndSetPin.button")
+                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+                self.assertEqual(self.sandbox.card(card)["status"], "A1")
+
+    def test_disclosure_is_in_the_language_of_the_process(self):
+        for locale, word in (("es_MX.UTF-8", "tarjeta"), ("en_GB.UTF-8", "card"), ("C", "card")):
+            _, event = self.view(environment={"LC_ALL": locale})
+            self.assertIn(word, event["state"]["disclosureText"])
+
+    def test_first_calls_that_fail_end_on_the_error_page(self):
+        for endpoint in ("getCardStatus", "getCardImage"):
+            self.sandbox.fault(endpoint=endpoint, result="Failure: No such card")
+            journey = self.start(kind="card")
+            if endpoint == "getCardImage":
+                journey.verify_by_sms(self.sandbox)
+            self.assertEqual(journey.shows("UhOhTryAgainView")["state"]["toastMsgId"], "errors.generic.api")
+            journey.tap("sdk.errorPage.tryagain.button")
+            self.assertEqual(journey.closes(), ("FAILURE", 4))
 
 
 class Commands(OnTheConsole):
