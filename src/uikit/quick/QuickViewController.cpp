@@ -56,4 +56,8 @@ std::unique_ptr<ViewController> SetPINFactory::create(const std::string& cardId)
     return std::make_unique<QuickViewController>(QStringLiteral("SetPIN"), cardId);
 }
 
+std::unique_ptr<ViewController> ActivateCardAndSetPINFactory::create(const std::string& cardId) {
+    return std::make_unique<QuickViewController>(QStringLiteral("ActivateCardAndSetPIN"), cardId);
+}
+
 }  // namespace korvane

@@ -38,6 +38,27 @@ TEST_F(ViewControllerTest, MakingOneStoresTheCardAndShowingItStartsTheJourney) {
     EXPECT_EQ(service.calls("getCardStatus"), 1) << "the journey stays where it is";
 }
 
+TEST_F(ViewControllerTest, ActivationStartsWithItsOwnPageAndCanBeGivenUp) {
+    service.cardStatus = "P2";
+    QQuickItem* const item = show("import Korvane\nActivateCardAndSetPIN { cardId: \"card-8\" }", {});
+    ASSERT_TRUE(item);
+    ASSERT_EQ(view(), "ActivateCardAndSetPIN_NoNav");
+    const auto controller = ActivateCardAndSetPINFactory::create("card-9");
+    EXPECT_EQ(SdkConfig::sharedInstance().cardId, "card-9");
+
+    ASSERT_TRUE(tap("sdk.cardarrived.start"));
+    ASSERT_EQ(view(), "EnterCardLastFourView");
+    type("9196");
+    EXPECT_TRUE(usable("sdk.activatecard.lastfourdigits.button"));
+    ASSERT_TRUE(tap("back"));
+    QStringList results;
+    const auto observation = NotificationCenter::defaultCenter().observe(
+        NotificationCloseUI,
+        [&](const NotificationUserInfo& info) { results << QString::fromStdString(info.at("result")); });
+    ASSERT_TRUE(tap("xmark"));
+    EXPECT_EQ(results, QStringList("CANCELED"));
+}
+
 TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
     auto controller = SetPINFactory::create("card-7");
     QStringList results;

@@ -17,6 +17,14 @@
         <source></source>
         <translation>Confirm that it’s you, so you need fewer codes by text message.</translation>
     </message>
+    <message id="sdk.biometrics.nomatch">
+        <source></source>
+        <translation>That didn’t match. Please try again.</translation>
+    </message>
+    <message id="sdk.biometrics.retry">
+        <source></source>
+        <translation>We couldn’t read that. Please try again.</translation>
+    </message>
     <!-- SMS -->
     <message id="sdk.sms.explain.header">
         <source></source>
@@ -41,6 +49,10 @@
     <message id="sdk.sms.code.input">
         <source></source>
         <translation>Code from the text message</translation>
+    </message>
+    <message id="sdk.sms.code.expired">
+        <source></source>
+        <translation>That code has expired. Please ask for a new one.</translation>
     </message>
     <message id="sdk.sms.code.incorrect">
         <source></source>
@@ -235,6 +247,119 @@
     <message id="sdk.activatecard.cvv.button">
         <source></source>
         <translation>Continue</translation>
+    </message>
+    <!-- Card viewer -->
+    <message id="sdk.cardtype.physical">
+        <source></source>
+        <translation>Physical card</translation>
+    </message>
+    <message id="sdk.cardtype.virtual">
+        <source></source>
+        <translation>Virtual card</translation>
+    </message>
+    <message id="sdk.cardtype.wearable">
+        <source></source>
+        <translation>Wearable card</translation>
+    </message>
+    <message id="sdk.cardtype.paywallet">
+        <source></source>
+        <translation>Wallet card</translation>
+    </message>
+    <message id="sdk.cardviewer.activateAndSetPin.onCardButton">
+        <source></source>
+        <translation>Activate card</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.onCardFrozenMessage.header">
+        <source></source>
+        <translation>Your card is frozen</translation>
+    </message>
+    <message id="sdk.cardviewer.activateAndSetPin.onCardFrozenMessage.subheader">
+        <source></source>
+        <translation>Unfreeze it to pay or take out cash.</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details">
+        <source></source>
+        <translation>Card details</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.cardholderName">
+        <source></source>
+        <translation>Name on card</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.cardNumber">
+        <source></source>
+        <translation>Card number</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.expirationDate">
+        <source></source>
+        <translation>Expiry date</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.cvv">
+        <source></source>
+        <translation>Security code</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.reveal">
+        <source></source>
+        <translation>Show details</translation>
+    </message>
+    <message id="sdk.taptocopy">
+        <source></source>
+        <translation>Tap to copy</translation>
+    </message>
+    <message id="sdk.copiedToClipboard">
+        <source></source>
+        <translation>Copied</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.freezeMyCard">
+        <source></source>
+        <translation>Freeze my card</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.header">
+        <source></source>
+        <translation>Freeze your card?</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.body">
+        <source></source>
+        <translation>Payments and cash withdrawals will be declined until you unfreeze it.</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.freezeButton">
+        <source></source>
+        <translation>Freeze card</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.cancelButton">
+        <source></source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.unFreezeCardPopup.header">
+        <source></source>
+        <translation>Unfreeze your card?</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.unFreezeCardPopup.body">
+        <source></source>
+        <translation>You’ll be able to pay and take out cash again.</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.unFreezeCardPopup.unFreezeButton">
+        <source></source>
+        <translation>Unfreeze card</translation>
+    </message>
+    <message id="sdk.cardviewer.card.activateAndSetPin.unFreezeCardPopup.cancelButton">
+        <source></source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="errors.base64todata.failed">
+        <source></source>
+        <translation>We can’t show your card’s picture right now.</translation>
+    </message>
+    <message id="errors.datatoimage.failed">
+        <source></source>
+        <translation>We can’t show your card’s picture right now.</translation>
+    </message>
+    <message id="errors.decodedimgstrempty.failed">
+        <source></source>
+        <translation>We can’t show your card’s picture right now.</translation>
+    </message>
+    <message id="errors.decodedDisclosureStructIsNil">
+        <source></source>
+        <translation>We can’t show the terms for your card right now.</translation>
     </message>
     <!-- Errors -->
     <message id="sdk.errorPage.tryagain.header">
