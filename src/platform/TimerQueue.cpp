@@ -61,10 +61,7 @@ std::optional<nanoseconds> TimerQueue::nextDue() const {
 
 void TimerQueue::fireDue(nanoseconds now) {
     const auto state = state_;  // an action may destroy this queue
-    const std::uint64_t end = state->started;
-    while (!state->pending.empty()) {
-        const auto [due, number] = state->pending.begin()->first;
-        if (due > now || number >= end) return;
+    while (!state->pending.empty() && state->pending.begin()->first.first <= now) {
         const auto timer = state->pending.extract(state->pending.begin());
         timer.mapped()();
     }

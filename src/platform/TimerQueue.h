@@ -30,9 +30,8 @@ class TimerQueue {
     /// When the next timer is due; none when nothing is pending.
     std::optional<std::chrono::nanoseconds> nextDue() const;
 
-    /// Fires all that is due by `now`. What those actions start waits for the next call, so that an action
-    /// that starts itself again with no delay does not hold up the loop. An action may clear or destroy the
-    /// queue.
+    /// Fires all that is due by `now`, which the caller reads once: an action that starts itself again with
+    /// no delay is due after it, and does not hold up the loop. An action may clear or destroy the queue.
     void fireDue(std::chrono::nanoseconds now);
 
     /// Drops all pending actions unrun.

@@ -16,7 +16,7 @@ bool greetBack(TestConnection& connection, const TestRequest&) {
 }
 
 CurlUrlSessionOptions trusting(const TestServer& server) {
-    return {.caFile = server.caFile(), .proxy = {}};
+    return {.caFile = server.caFile()};
 }
 
 void expectFailure(const UrlReply& reply, const std::string& text) {
@@ -44,7 +44,7 @@ TEST(CurlSecurity, TrustsTheGivenAuthorityAndNotAnUnknownOne) {
     EXPECT_EQ(post(trustful, server.url("/")).body, "hello");
     CurlUrlSession strict;
     expectFailure(post(strict, server.url("/")), "self-signed certificate");
-    CurlUrlSession broken({.caFile = "/nowhere/ca.pem", .proxy = {}});
+    CurlUrlSession broken({.caFile = "/nowhere/ca.pem"});
     expectFailure(post(broken, server.url("/")), "/nowhere/ca.pem");
     EXPECT_EQ(server.requests().size(), 1u);
 }
@@ -94,7 +94,7 @@ TEST(CurlSecurity, AGivenProxySeesATunnelAndNoToken) {
     TestServer proxy(
         [](TestConnection& connection, const TestRequest&) { return connection.answer(502, ""); },
         {.tls = false});
-    CurlUrlSession session({.caFile = {}, .proxy = proxy.url("")});
+    CurlUrlSession session({.proxy = proxy.url("")});
     const UrlReply reply =
         fetch(session, {"POST", "https://bank.test/", {{"Authorization", "Bearer token"}}, "pin"});
     EXPECT_FALSE(reply.answered()) << "a proxy's refusal is not the service's answer";

@@ -93,7 +93,7 @@ TEST(CurlUrlSession, StartsNothingBeforeTheFirstRequest) {
 
 TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {
     TestServer server(serveContract);
-    CurlUrlSession session({.caFile = server.caFile(), .proxy = {}, .connectionIdle = 400ms});
+    CurlUrlSession session({.caFile = server.caFile(), .connectionIdle = 400ms});
     for (int i = 0; i < 10; ++i) EXPECT_EQ(post(session, server.url("/answer")).status, 202);
     EXPECT_EQ(server.connections(), 1);
     EXPECT_TRUE(waitUntil([&] { return server.closed() == 1; }));
@@ -103,8 +103,7 @@ TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {
 
 TEST(CurlUrlSession, GivesUpInTimeAndSendsNothingAgain) {
     CurlDriver driver;
-    driver.session =
-        std::make_shared<CurlUrlSession>(CurlUrlSessionOptions{.caFile = {}, .proxy = {}, .timeout = 200ms});
+    driver.session = std::make_shared<CurlUrlSession>(CurlUrlSessionOptions{.timeout = 200ms});
     EXPECT_EQ(post(*driver.session, driver.url("/answer")).status, 202);
     const auto begin = std::chrono::steady_clock::now();
     const UrlReply reply = post(*driver.session, driver.url("/stall"));
@@ -153,7 +152,7 @@ void serveOneStream(TestConnection& connection) {
 
 TEST(CurlUrlSession, SpeaksHttp2AndLeavesAConnectionThatFellSilent) {
     TestServer server({}, {.protocol = "h2", .raw = serveOneStream});
-    CurlUrlSession session({.caFile = server.caFile(), .proxy = {}, .timeout = 300ms});
+    CurlUrlSession session({.caFile = server.caFile(), .timeout = 300ms});
     EXPECT_EQ(post(session, server.url("/")).status, 200);
     EXPECT_EQ(post(session, server.url("/")).status, 0);
     EXPECT_EQ(server.connections(), 1);

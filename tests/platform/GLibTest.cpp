@@ -39,19 +39,28 @@ struct GLibTimersDriver {
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(GLib, TimersContract, GLibTimersDriver);
 
-TEST(GLibMainQueue, ALongChainOfWorkLeavesOtherSourcesTheirTurn) {
+TEST(GLibLoop, LongChainsOfWorkAndTimersLeaveOtherSourcesTheirTurn) {
+    constexpr int longest = 100'000;
     GLibQueueDriver driver;
-    int pieces = 0;
+    GLibTimers timers;
+    int pieces = 0, fired = 0;
     bool idle = false;
-    std::function<void()> again = [&] {
-        if (!idle && ++pieces < 100'000) driver.queue->post(again);
+    std::unique_ptr<Timer> timer;
+    std::function<void()> post = [&] {
+        if (!idle && ++pieces < longest) driver.queue->post(post);
     };
-    driver.queue->post(again);
-    g_timeout_add(
-        1, [](gpointer flag) -> gboolean { return !(*static_cast<bool*>(flag) = true); }, &idle);
-    driver.turn();
+    std::function<void()> start = [&] {
+        if (!idle && ++fired < longest) timer = timers.start({}, [&] { start(); });
+    };
+    post();
+    start();
+    const auto end = [](gpointer flag) -> gboolean { return !(*static_cast<bool*>(flag) = true); };
+    g_timeout_add(1, end, &idle);
     driver.runUntil([&] { return idle; });
-    EXPECT_LT(pieces, 100'000);
+    EXPECT_LT(pieces, longest);
+    EXPECT_LT(fired, longest);
+    EXPECT_GT(pieces, 1);
+    EXPECT_GT(fired, 1);
 }
 
 TEST(GLibMainQueue, RunsOnAContextOtherThanTheDefault) {

@@ -11,11 +11,11 @@ namespace korvane {
 
 struct CurlUrlSessionOptions {
     /// PEM file of the authorities to trust in place of the system's; "" trusts the system's.
-    std::string caFile;
+    std::string caFile = {};
     /// URL of an HTTP proxy; "" goes direct. The environment's proxy variables are not looked at: the
     /// component is configured by arguments alone, and whoever sets a variable should not see where a bank's
     /// app calls.
-    std::string proxy;
+    std::string proxy = {};
     /// A request gives up after this, name look-up and connecting included.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
     /// A connection that was idle for longer is not used again. Counted while the device sleeps too: a
