@@ -27,6 +27,7 @@ Item {
         text: line.modelData.text
         font: Theme.body
         color: Theme.colorOnBackground
+        textFormat: Text.PlainText
         wrapMode: Text.WordWrap
         lineHeight: 1.2
 

@@ -22,6 +22,7 @@ Item {
         visible: !label.busy
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
         wrapMode: Text.WordWrap
 
         Accessible.ignored: true

@@ -16,6 +16,7 @@ Item {
         width: Math.min(implicitWidth, parent.width - 32)
         font: Theme.body
         color: Theme.hintText
+        textFormat: Text.PlainText
         wrapMode: Text.WordWrap
 
         Accessible.ignored: true

@@ -77,6 +77,7 @@ FocusScope {
                 text: modal.text
                 font: Theme.body
                 color: Theme.colorOnSurface
+                textFormat: Text.PlainText
                 wrapMode: Text.WordWrap
                 lineHeight: 1.2
 

@@ -33,6 +33,7 @@ Item {
         text: line.text
         font: Theme.caption
         color: Theme.errorText
+        textFormat: Text.PlainText
         wrapMode: Text.WordWrap
         lineHeight: 1.2
 

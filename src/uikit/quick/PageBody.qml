@@ -24,6 +24,7 @@ Column {
             font: Theme.body
             color: Theme.colorOnBackground
             horizontalAlignment: paragraphs.horizontalAlignment
+            textFormat: Text.PlainText
             wrapMode: Text.WordWrap
             lineHeight: 1.2
 

@@ -8,6 +8,7 @@ Text {
 
     font: compact ? Theme.titleCompact : Theme.title
     color: Theme.colorOnBackground
+    textFormat: Text.PlainText
     wrapMode: Text.WordWrap
     lineHeight: 1.1
 

@@ -3,6 +3,7 @@
 #include <korvane/ViewController.h>
 
 #include <QQuickView>
+#include <QThread>
 #include <QUrl>
 
 #include "uikit/quick/JourneyModel.h"
@@ -11,15 +12,36 @@ namespace korvane {
 namespace {
 
 class JourneyWindow : public QQuickView {
+  public:
+    /// At once for the journey; for the window later where the host may have been called out of one of its
+    /// events.
+    void dispose() {
+        if (auto* const journey = findChild<JourneyModel*>()) journey->stop();
+        hide();
+        // Without a loop there is no later: the app is about to end.
+        if (eventsUnderWay_ == 0 && QThread::currentThread()->loopLevel() == 0) {
+            delete this;
+        } else {
+            deleteLater();
+        }
+    }
+
   protected:
     /// Whoever closes the window has given up, and the host is waiting to hear of it.
     bool event(QEvent* event) override {
+        if (event->type() == QEvent::DeferredDelete)
+            return QQuickView::event(event);  // this is gone afterwards
+        ++eventsUnderWay_;
         const bool done = QQuickView::event(event);
         if (event->type() == QEvent::Close && event->isAccepted()) {
             NotificationCenter::defaultCenter().post(NotificationCloseUI, {{"result", "CANCELED"}});
         }
+        --eventsUnderWay_;
         return done;
     }
+
+  private:
+    int eventsUnderWay_ = 0;
 };
 
 class QuickViewController final : public ViewController {
@@ -31,13 +53,7 @@ class QuickViewController final : public ViewController {
         window_->setSource(QUrl(QStringLiteral("qrc:/qt-project.org/imports/Korvane/%1.qml").arg(screen)));
     }
 
-    ~QuickViewController() override {
-        // At once for the journey, but later for the window: the host may have been called out of one of its
-        // events.
-        if (auto* const journey = window_->findChild<JourneyModel*>()) journey->stop();
-        window_->hide();
-        window_->deleteLater();
-    }
+    ~QuickViewController() override { window_->dispose(); }
 
     void show(int width, int height) override {
         window_->resize(width, height);

@@ -39,6 +39,7 @@ Rectangle {
         color: Theme.background
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
         wrapMode: Text.WordWrap
 
         Accessible.ignored: true
