@@ -30,6 +30,9 @@ int main(int argc, char** argv) {
     const auto backEnd = korvane::backEnd(option("service"), option("key"), option("iv-url"), option("ca"));
     if (!backEnd.failure.empty()) return qCritical("No card service: %s", backEnd.failure.c_str()), 2;
     korvane::installPorts(korvane::qtPorts(backEnd.caFile));
+    const struct Leaving {
+        ~Leaving() { korvane::uninstallPorts(); }
+    } leaving;
     if (!korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl), false, {},
                              {}))
         return qCritical("The key is not base64."), 2;

@@ -104,6 +104,9 @@ std::string pasteboardEvent(std::string_view text) {
 std::string closeEvent(std::string_view result) {
     return event("close", "result", result);
 }
+std::string promptEvent(std::string_view member, std::string_view text) {
+    return event("prompt", member, text);
+}
 std::string errorEvent(std::string_view message) {
     return event("error", "message", message);
 }

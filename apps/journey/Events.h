@@ -13,6 +13,9 @@ std::string screenEvent(const ScreenSnapshot& screen);
 std::string toastEvent(std::string_view id);
 std::string pasteboardEvent(std::string_view text);
 std::string closeEvent(std::string_view result);
+/// {"event":"prompt", member: text}: the biometric prompt came ("reason"), tells ("message"), or went
+/// ("shown").
+std::string promptEvent(std::string_view member, std::string_view text);
 std::string errorEvent(std::string_view message);
 
 /// True when the screens differ in more than numbers that count down.

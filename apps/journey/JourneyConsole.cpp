@@ -7,6 +7,7 @@
 #include <chrono>
 #include <utility>
 
+#include "ConsolePrompt.h"
 #include "Events.h"
 
 namespace korvane {
@@ -23,8 +24,10 @@ std::pair<std::string, std::string> splitAtBlank(const std::string& text) {
 }  // namespace
 
 JourneyConsole::JourneyConsole(JourneyKind kind, const std::string& cardId,
-                               std::function<void(const std::string&)> write, std::function<void(int)> finish)
+                               std::function<void(const std::string&)> write,
+                               std::function<bool()> cancelPrompt, std::function<void(int)> finish)
     : write_(std::move(write)),
+      cancelPrompt_(std::move(cancelPrompt)),
       finish_(std::move(finish)),
       journey_(std::make_unique<Journey>(kind, cardId)) {
     observation_ = NotificationCenter::defaultCenter().observe(
@@ -77,6 +80,8 @@ void JourneyConsole::run(const std::string& line) {
         report(journey_->replaceText(argument), "the digit boxes");
     } else if (verb == "erase") {
         report(journey_->deleteBackward(), "the digit boxes");
+    } else if (verb == "tap" && argument == ConsolePrompt::cancelControl) {
+        if (!cancelPrompt_()) error("there is no biometric prompt");
     } else if (verb == "tap") {
         report(journey_->perform(argument), argument);
     } else if (verb == "wait") {

@@ -20,9 +20,10 @@ class JourneyConsole {
     static constexpr int inputEnded = 5;
 
     /// @param write takes one event's line
+    /// @param cancelPrompt declines the biometric prompt; false when there is none
     /// @param finish takes the exit status, once
     JourneyConsole(JourneyKind kind, const std::string& cardId, std::function<void(const std::string&)> write,
-                   std::function<void(int)> finish);
+                   std::function<bool()> cancelPrompt, std::function<void(int)> finish);
 
     void start();
     /// One command. While a `wait` is pending, later commands queue up behind it.
@@ -41,6 +42,7 @@ class JourneyConsole {
     void finish(int status);
 
     std::function<void(const std::string&)> write_;
+    std::function<bool()> cancelPrompt_;
     std::function<void(int)> finish_;
     std::unique_ptr<Journey> journey_;
     std::shared_ptr<NotificationCenter::Observation> observation_;

@@ -14,13 +14,16 @@
 #include <glib.h>
 #include <unistd.h>
 
+#include "ConsolePrompt.h"
 #include "Events.h"
 #include "JourneyArguments.h"
 #include "JourneyConsole.h"
 #include "common/HostIv.h"
 #include "platform/linux/CurlUrlSession.h"
+#include "platform/linux/FprintdContext.h"
 #include "platform/linux/GLibMainQueue.h"
 #include "platform/linux/GLibTimers.h"
+#include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/StdoutConsole.h"
 
 namespace korvane {
@@ -101,13 +104,19 @@ class CommandReader {
 int run(const JourneyArguments& arguments) {
     CurlUrlSessionOptions urlSessionOptions;
     urlSessionOptions.caFile = arguments.caFile;
-    const bool installed = installPorts({.mainQueue = std::make_shared<GLibMainQueue>(),
-                                         .timers = std::make_shared<GLibTimers>(),
-                                         .urlSession = std::make_shared<CurlUrlSession>(urlSessionOptions),
-                                         .console = std::make_shared<StdoutConsole>(stderr),
-                                         .pasteboard = std::make_shared<EventPasteboard>(),
-                                         .languageCode = languageCode()});
-    if (!installed) return badArguments;
+    Ports device{.mainQueue = std::make_shared<GLibMainQueue>(),
+                 .timers = std::make_shared<GLibTimers>(),
+                 .urlSession = std::make_shared<CurlUrlSession>(urlSessionOptions),
+                 .console = std::make_shared<StdoutConsole>(stderr),
+                 .pasteboard = std::make_shared<EventPasteboard>(),
+                 .languageCode = languageCode()};
+    const auto prompt = std::make_shared<ConsolePrompt>(writeLine);
+    // With biometrics off the store is there all the same: `initialize` deletes what an earlier run kept.
+    device.secureItemStore = std::make_shared<SecretServiceStore>();
+    if (arguments.biometrics) {
+        device.biometricContext = std::make_shared<FprintdContext>(device.mainQueue, prompt);
+    }
+    if (!installPorts(std::move(device))) return badArguments;
     if (!initialize(arguments.key, arguments.service, hostIvCallback(arguments.ivUrl), arguments.biometrics,
                     KorvaneColors{}, KorvaneCornerRadii{})) {
         std::fputs("korvane-journey: --key is not base64\n", stderr);
@@ -117,10 +126,12 @@ int run(const JourneyArguments& arguments) {
     const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop{g_main_loop_new(nullptr, FALSE),
                                                                         &g_main_loop_unref};
     int status = 0;
-    JourneyConsole console(arguments.journey, arguments.card, writeLine, [&](int exitStatus) {
-        status = exitStatus;
-        g_main_loop_quit(loop.get());
-    });
+    JourneyConsole console(
+        arguments.journey, arguments.card, writeLine, [&] { return prompt->cancel(); },
+        [&](int exitStatus) {
+            status = exitStatus;
+            g_main_loop_quit(loop.get());
+        });
     console.start();
     const CommandReader reader(console);
     g_main_loop_run(loop.get());
@@ -140,5 +151,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "korvane-journey: %s\n\n%s", wrong->c_str(), korvane::usage);
         return korvane::badArguments;
     }
-    return korvane::run(std::get<korvane::JourneyArguments>(arguments));
+    const int status = korvane::run(std::get<korvane::JourneyArguments>(arguments));
+    korvane::uninstallPorts();
+    return status;
 }

@@ -9,8 +9,9 @@ namespace korvane {
 namespace {
 
 Ports& installed() {
-    static Ports instance;
-    return instance;
+    // Never destroyed by itself: at that time OpenSSL, which the URL session uses, may be gone already.
+    static auto* const instance = new Ports;
+    return *instance;
 }
 
 }  // namespace
@@ -25,6 +26,10 @@ bool installPorts(Ports ports) {
     }
     installed() = std::move(ports);
     return true;
+}
+
+void uninstallPorts() {
+    const Ports last = std::exchange(installed(), Ports{});
 }
 
 const Ports& ports() {
