@@ -94,18 +94,18 @@ class FprintdContext::Worker {
     const std::shared_ptr<GMainContext>& context() const { return thread_.context(); }
 
     bool lastProbe() {
-        std::unique_lock lock(mutex_);
-        // The first probe alone is waited for.
-        if (!probed_.wait_for(lock, probeWait, [this] { return found_.has_value(); })) return false;
-        const bool found = *found_;
-        lock.unlock();
         probe();
-        return found;
+        std::unique_lock lock(mutex_);
+        // Only while there is no answer yet is the probe waited for.
+        return probed_.wait_for(lock, probeWait, [this] { return found_.has_value(); }) && *found_;
     }
 
     void run(std::shared_ptr<Wish> wish, std::int64_t deadline, Reports reports) {
+        ++checks_;
+        g_main_context_wakeup(context().get());  // a probe that is running gives way
         thread_.post([this, wish = std::move(wish), deadline, reports = std::move(reports)] {
             check(*wish, deadline, reports);
+            --checks_;
         });
     }
 
@@ -116,7 +116,8 @@ class FprintdContext::Worker {
 
     const std::string busAddress_;
     std::atomic<bool> stopping_ = false;
-    std::mutex mutex_;  // for the next three
+    std::atomic<int> checks_ = 0;  // running or waiting
+    std::mutex mutex_;             // for the next three
     std::condition_variable probed_;
     std::optional<bool> found_;
     bool probing_ = false;
@@ -130,10 +131,10 @@ void FprintdContext::Worker::probe() {
     }
     thread_.post([this] {
         FprintdReader reader(thread_.context().get(), g_get_monotonic_time() + probeLimit,
-                             [this] { return stopping_.load(); });
+                             [this] { return stopping_ || checks_ > 0; });
         const bool found = reader.open(busAddress_);
         const std::lock_guard lock(mutex_);
-        found_ = found;
+        if (!reader.wasInterrupted()) found_ = found;
         probing_ = false;
         probed_.notify_all();
     });

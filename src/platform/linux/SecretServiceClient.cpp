@@ -47,37 +47,25 @@ SecureItemStatus statusOf(const GLibError& error) {
 }  // namespace
 
 SecretServiceClient::~SecretServiceClient() {
-    // The daemon forgets the session, and a prompt that nobody answered, with the connection.
-    if (connection_) g_dbus_connection_close(connection_.get(), nullptr, nullptr, nullptr);
+    const char* const session = service_ ? secret_service_get_session_dbus_path(service_.get()) : nullptr;
+    if (!session) return;
+    // The daemon would keep it for as long as the connection lives, which the process shares.
+    g_dbus_connection_call(connection_.get(), busName, session, "org.freedesktop.Secret.Session", "Close",
+                           nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
-SecureItemStatus SecretServiceClient::connect(const std::string& busAddress) {
+SecureItemStatus SecretServiceClient::connect() {
     GLibError error;
-    GLibPtr<char> address(busAddress.empty() ? g_dbus_address_get_for_bus_sync(
-                                                   G_BUS_TYPE_SESSION, cancellable_.get(), error.out())
-                                             : g_strdup(busAddress.c_str()));
-    if (address) {
-        // Not the process's shared connection: that one ends the process when the bus goes.
-        connection_.reset(g_dbus_connection_new_for_address_sync(
-            address.get(),
-            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-            nullptr, cancellable_.get(), error.out()));
+    connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable_.get(), error.out()));
+    if (!connection_) {
+        const bool cancelled = g_cancellable_is_cancelled(cancellable_.get());
+        return cancelled ? secureItemTimedOut : secureItemNotAvailable;  // whatever is wrong with the bus
     }
-    if (connection_) {
-        const auto flags = static_cast<GDBusProxyFlags>(G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES |
-                                                        G_DBUS_PROXY_FLAGS_DO_NOT_CONNECT_SIGNALS);
-        service_.reset(static_cast<SecretService*>(
-            g_initable_new(SECRET_TYPE_SERVICE, cancellable_.get(), error.out(), "g-connection",
-                           connection_.get(), "g-name", busName, "g-object-path", servicePath,
-                           "g-interface-name", serviceInterface, "g-flags", flags, nullptr)));
-    }
-    if (service_ && secret_service_ensure_session_sync(service_.get(), cancellable_.get(), error.out())) {
-        return secureItemSuccess;
-    }
-    if (service_) return statusOf(error);
-    const bool cancelled = g_cancellable_is_cancelled(cancellable_.get());
-    return cancelled ? secureItemTimedOut : secureItemNotAvailable;  // whatever is wrong with the bus
+    // Or GLib ends the host's process when the bus goes. libsecret knows no connection but the shared one.
+    g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
+    service_.reset(secret_service_open_sync(SECRET_TYPE_SERVICE, busName, SECRET_SERVICE_OPEN_SESSION,
+                                            cancellable_.get(), error.out()));
+    return service_ ? secureItemSuccess : statusOf(error);
 }
 
 GLibPtr<GVariant> SecretServiceClient::call(const char* path, const char* interface, const char* method,

@@ -27,7 +27,7 @@ class SecretServiceClient {
     SecretServiceClient(const SecretServiceClient&) = delete;
     SecretServiceClient& operator=(const SecretServiceClient&) = delete;
 
-    SecureItemStatus connect(const std::string& busAddress);
+    SecureItemStatus connect();
     SecureItemStatus openCollection();
     SecureItemStatus find(std::string service, std::string account);
 

@@ -48,7 +48,7 @@ class Prompts {
     SecureItemStatus ask(std::unique_ptr<SecretServiceClient> client) {
         if (declined_) return secureItemDismissed;
         if (client_) return secureItemLocked;
-        client_ = std::move(client);  // the prompt would go with its connection
+        client_ = std::move(client);  // the prompt goes with its session
         secret_service_prompt_at_dbus_path(client_->service(), client_->prompt().c_str(), nullptr,
                                            cancellable_.get(), ended, this);
         return secureItemLocked;
@@ -76,7 +76,7 @@ class Prompts {
 
 class SecretServiceStore::Worker {
   public:
-    explicit Worker(SecretServiceStoreOptions options) : options_(std::move(options)) {}
+    explicit Worker(std::chrono::milliseconds timeout) : timeout_(timeout) {}
 
     ~Worker() {
         std::promise<void> done;
@@ -93,7 +93,7 @@ class SecretServiceStore::Worker {
     SecureItem serve(GCancellable* cancellable, std::string service, std::string account, const Work& work);
     void endPrompt();
 
-    const SecretServiceStoreOptions options_;
+    const std::chrono::milliseconds timeout_;
     std::atomic<bool> hanging_ = false;  // the last call ran out of time
     Prompts prompts_;                    // its thread only
     GLibThread thread_{"korvane-secrets"};
@@ -113,7 +113,7 @@ SecureItem SecretServiceStore::Worker::run(std::string_view service, std::string
         call->result = std::move(result);
         call->ended.notify_one();
     });
-    const auto patience = hanging_ ? options_.timeout / 10 : options_.timeout;
+    const auto patience = hanging_ ? timeout_ / 10 : timeout_;
     std::unique_lock lock(call->mutex);
     if (!call->ended.wait_for(lock, patience, [&call] { return call->result.has_value(); })) {
         call->given = true;
@@ -128,7 +128,7 @@ SecureItem SecretServiceStore::Worker::run(std::string_view service, std::string
 SecureItem SecretServiceStore::Worker::serve(GCancellable* cancellable, std::string service,
                                              std::string account, const Work& work) {
     auto client = std::make_unique<SecretServiceClient>(cancellable);
-    SecureItem result{client->connect(options_.busAddress), std::nullopt};
+    SecureItem result{client->connect(), std::nullopt};
     if (result.status == secureItemSuccess) result.status = client->openCollection();
     if (result.status == secureItemSuccess) {
         result.status = client->find(std::move(service), std::move(account));
@@ -149,8 +149,8 @@ void SecretServiceStore::Worker::endPrompt() {
     releaseSource(limit);
 }
 
-SecretServiceStore::SecretServiceStore(SecretServiceStoreOptions options)
-    : worker_(std::make_unique<Worker>(std::move(options))) {}
+SecretServiceStore::SecretServiceStore(std::chrono::milliseconds timeout)
+    : worker_(std::make_unique<Worker>(timeout)) {}
 
 SecretServiceStore::~SecretServiceStore() = default;
 

@@ -9,20 +9,14 @@
 
 namespace korvane {
 
-struct SecretServiceStoreOptions {
-    /// D-Bus address of the bus that the daemon is on; "" stands for the user's session bus.
-    std::string busAddress;
-    /// What one call may cost its caller, whatever the daemon does.
-    std::chrono::milliseconds timeout = std::chrono::seconds(5);
-};
-
 /// Items in the user's keyring, by the Secret Service API (freedesktop.org, draft 0.2) and libsecret. They
 /// stand in the login collection, which the user's log-in opens; in the default collection where a daemon
 /// knows no "login". Values travel enciphered where the daemon can. Attributes are stored in clear, so they
 /// are the service and the account and nothing else.
 ///
-/// Any thread may call; the work is done on one thread of the store's own, with a connection for each call,
-/// so that a daemon or a bus that was started again serves the next call.
+/// Any thread may call; the work is done on one thread of the store's own, with a session for each call, so
+/// that a daemon that was started again serves the next call. The bus is the user's session bus, by GIO's
+/// shared connection, whose "exit on close" is switched off: a lost bus must not end the host.
 ///
 /// Statuses beside found, not found and duplicate:
 /// - `secureItemNotAvailable`: no bus, no daemon, or it went away during the call;
@@ -43,7 +37,8 @@ struct SecretServiceStoreOptions {
 /// old value stays behind.
 class SecretServiceStore final : public SecureItemStore {
   public:
-    explicit SecretServiceStore(SecretServiceStoreOptions options = {});
+    /// `timeout` is what one call may cost its caller, whatever the daemon does.
+    explicit SecretServiceStore(std::chrono::milliseconds timeout = std::chrono::seconds(5));
     /// Takes away a prompt that still stands.
     ~SecretServiceStore() override;
 
