@@ -8,8 +8,8 @@
 
 namespace korvane {
 
-/// What a person sees while a biometric check runs, on devices whose reader has no screen of its own. The reader's
-/// adapter asks for it; the toolkit's side draws it. Main thread only.
+/// What a person sees while a biometric check runs, on devices whose reader has no screen of its own. The
+/// reader's adapter asks for it; the toolkit's side draws it. Main thread only.
 class BiometricPrompt {
   public:
     /// A prompt that is asked for. Releasing it takes the prompt away; none of its callbacks runs afterwards.
@@ -22,8 +22,8 @@ class BiometricPrompt {
     };
 
     struct Callbacks {
-        /// The prompt came into view, or went out of it (covered, minimised). The reader is armed only while a
-        /// person can see why. Never runs from inside `show`.
+        /// The prompt came into view, or went out of it (covered, minimised). The reader is armed only while
+        /// a person can see why. Never runs from inside `show`.
         std::function<void(bool visible)> visibilityChanged;
         /// The person declined. Never runs from inside `show`, and at most once.
         std::function<void()> cancelled;

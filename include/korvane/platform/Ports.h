@@ -35,8 +35,9 @@ struct Ports {
 /// meant for tests between journeys. Returns false, and installs nothing, when a port is missing.
 bool installPorts(Ports ports);
 
-/// Lets go of the ports, at the end of an app's `main` when no journey is left. The adapters then end their threads
-/// while the libraries that they use are still there; without this they run until the process ends. Main thread.
+/// Lets go of the ports, at the end of an app's `main` when no journey is left. The adapters then end their
+/// threads while the libraries that they use are still there; without this they run until the process ends.
+/// Main thread.
 void uninstallPorts();
 
 /// The ports in use. Calling it before `installPorts` ends the process with a message on standard error:
