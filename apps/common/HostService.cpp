@@ -2,34 +2,24 @@
 #include "common/HostService.h"
 
 #include <korvane/platform/Ports.h>
-#include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 #include <chrono>
-#include <list>
 #include <map>
 #include <optional>
 #include <utility>
 
+#include "common/HostCalls.h"
+
 namespace korvane {
 namespace {
 
-std::string textMember(const rapidjson::Value& object, const char* name) {
-    if (!object.IsObject()) return {};
-    const auto member = object.FindMember(name);
-    if (member == object.MemberEnd() || !member->value.IsString()) return {};
-    return {member->value.GetString(), member->value.GetStringLength()};
-}
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
-std::string objectOf(const char* name, const std::string& text) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-    writer.StartObject();
+void writeText(Writer& writer, const char* name, const std::string& text) {
     writer.Key(name);
     writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-    writer.EndObject();
-    return buffer.GetString();
 }
 
 std::string statusInWords(const std::string& code) {
@@ -41,42 +31,19 @@ std::string statusInWords(const std::string& code) {
 
 }  // namespace
 
-/// The requests under way: each keeps its handle until it is answered.
-class HostService::Calls : public std::enable_shared_from_this<Calls> {
-  public:
-    void start(const std::string& method, const std::string& url, const std::string& body,
-               std::function<void(const rapidjson::Document&)> answer) {
-        UrlRequest request{method, url, {{"Content-Type", "application/json"}}, body};
-        const auto task = tasks_.emplace(tasks_.end());
-        *task = ports().urlSession->start(
-            std::move(request), [weak = weak_from_this(), task, answer = std::move(answer),
-                                 queue = ports().mainQueue](const UrlReply& reply) {
-                queue->post([weak, task, answer, reply] {
-                    const auto self = weak.lock();
-                    if (!self) return;
-                    self->tasks_.erase(task);
-                    rapidjson::Document document;
-                    if (reply.status == 200)
-                        document.Parse<rapidjson::kParseIterativeFlag>(reply.body.data(), reply.body.size());
-                    if (document.HasParseError()) document.SetNull();
-                    answer(document);
-                });
-            });
-    }
-
-  private:
-    std::list<std::unique_ptr<UrlTask>> tasks_;
-};
-
 /// Asks again and again: the service has no way to call.
 class HostService::SmsWatch : public std::enable_shared_from_this<SmsWatch> {
   public:
-    SmsWatch(std::shared_ptr<Calls> calls, std::string url, std::string body,
+    SmsWatch(std::shared_ptr<HostCalls> calls, std::string url, const std::string& cardId,
              std::function<void(std::string)> arrived)
-        : calls_(std::move(calls)),
-          url_(std::move(url)),
-          body_(std::move(body)),
-          arrived_(std::move(arrived)) {}
+        : calls_(std::move(calls)), url_(std::move(url)), arrived_(std::move(arrived)) {
+        rapidjson::StringBuffer buffer;
+        Writer writer(buffer);
+        writer.StartObject();
+        writeText(writer, "cardId", cardId);
+        writer.EndObject();
+        body_ = buffer.GetString();
+    }
 
     void look() {
         calls_->start("POST", url_, body_, [weak = weak_from_this()](const rapidjson::Document& sms) {
@@ -93,7 +60,7 @@ class HostService::SmsWatch : public std::enable_shared_from_this<SmsWatch> {
         if (news) arrived_(code);
     }
 
-    std::shared_ptr<Calls> calls_;
+    std::shared_ptr<HostCalls> calls_;
     std::string url_;
     std::string body_;
     std::function<void(std::string)> arrived_;
@@ -101,7 +68,7 @@ class HostService::SmsWatch : public std::enable_shared_from_this<SmsWatch> {
     std::unique_ptr<Timer> pause_;
 };
 
-HostService::HostService(std::string url) : url_(std::move(url)), calls_(std::make_shared<Calls>()) {}
+HostService::HostService(std::string url) : url_(std::move(url)), calls_(std::make_shared<HostCalls>()) {}
 
 HostService::~HostService() = default;
 
@@ -119,7 +86,7 @@ void HostService::cards(const std::function<void(std::vector<HostCard>)>& answer
 
 std::shared_ptr<void> HostService::watchSms(const std::string& cardId,
                                             const std::function<void(std::string)>& arrived) {
-    const auto watch = std::make_shared<SmsWatch>(calls_, url_ + "/sms", objectOf("cardId", cardId), arrived);
+    const auto watch = std::make_shared<SmsWatch>(calls_, url_ + "/sms", cardId, arrived);
     watch->look();
     return watch;
 }
@@ -127,10 +94,9 @@ std::shared_ptr<void> HostService::watchSms(const std::string& cardId,
 void HostService::delayNext(const std::string& endpoint, int milliseconds,
                             const std::function<void()>& done) {
     rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    Writer writer(buffer);
     writer.StartObject();
-    writer.Key("endpoint");
-    writer.String(endpoint.data(), static_cast<rapidjson::SizeType>(endpoint.size()));
+    writeText(writer, "endpoint", endpoint);
     writer.Key("delayMs");
     writer.Int(milliseconds);
     writer.EndObject();

@@ -8,6 +8,8 @@
 
 namespace korvane {
 
+class HostCalls;
+
 struct HostCard {
     std::string id;
     std::string name;
@@ -36,10 +38,9 @@ class HostService {
     void pin(const std::string& cardId, const std::function<void(std::string)>& answer);
 
   private:
-    class Calls;
     class SmsWatch;
     std::string url_;
-    std::shared_ptr<Calls> calls_;
+    std::shared_ptr<HostCalls> calls_;
 };
 
 }  // namespace korvane
