@@ -54,8 +54,13 @@ TYPED_TEST_P(SecureItemStoreContract, AValueIsAnyBytesNoneIncluded) {
     for (int i = 0; i < 256; ++i) bytes.push_back(static_cast<char>(i));
     EXPECT_EQ(store.add("service", "empty", ""), secureItemSuccess);
     EXPECT_EQ(store.add("service", "bytes", bytes), secureItemSuccess);
+    EXPECT_EQ(store.add("service", "large", std::string(64 * 1024, '\xFF')), secureItemSuccess);
     EXPECT_EQ(store.copy("service", "empty").value, "");
     EXPECT_EQ(store.copy("service", "bytes").value, bytes);
+    EXPECT_EQ(store.copy("service", "large").value, std::string(64 * 1024, '\xFF'));
+    EXPECT_EQ(store.update("service", "large", ""), secureItemSuccess);
+    EXPECT_EQ(store.exists("service", "large"), secureItemSuccess);
+    EXPECT_EQ(store.copy("service", "large").value, "");
 }
 
 REGISTER_TYPED_TEST_SUITE_P(SecureItemStoreContract, AnItemIsAddedOnceUpdatedReadAndRemoved,

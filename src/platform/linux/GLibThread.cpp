@@ -35,6 +35,8 @@ void GLibThread::run(const char* name) {
         // A wake-up that comes between the look and the wait is kept by the context.
         if (const auto piece = work_.take()) {
             piece();
+            g_main_context_iteration(context_.get(),
+                                     FALSE);  // answers get their turn, however much is posted
         } else {
             g_main_context_iteration(context_.get(), TRUE);
         }

@@ -41,6 +41,15 @@ std::shared_ptr<const Wiped<std::string>> copyOf(std::string_view value) {
     return std::make_shared<const Wiped<std::string>>(std::string{value});
 }
 
+/// A dismissed prompt has no result; the keyring daemon gives an empty one, of objects unlocked or made, as
+/// well.
+bool granted(GVariant* result) {
+    if (!result) return false;
+    if (g_variant_is_of_type(result, G_VARIANT_TYPE("ao"))) return g_variant_n_children(result) > 0;
+    if (!g_variant_is_of_type(result, G_VARIANT_TYPE("o"))) return true;
+    return !g_str_equal(g_variant_get_string(result, nullptr), "/");
+}
+
 /// The daemon's prompts: one stands at a time, and none after one that was declined.
 class Prompts {
   public:
@@ -63,7 +72,7 @@ class Prompts {
         GLibError error;
         const GLibPtr<GVariant> answer(
             secret_service_prompt_at_dbus_path_finish(SECRET_SERVICE(service), result, error.out()));
-        self.declined_ = !answer && !error;
+        self.declined_ = !error && !granted(answer.get());  // with an error nobody was asked
         self.client_.reset();
     }
 
