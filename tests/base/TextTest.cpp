@@ -29,28 +29,27 @@ TEST(Text, TakesWellFormedUtf8Alone) {
         EXPECT_TRUE(isUtf8(text)) << text;
     }
     EXPECT_TRUE(isUtf8(std::string_view("\0", 1)));
-    for (const char* text : {
-             "\x80",
-             "\xBF",
-             "a\xBF",  // continuation without a lead
-             "\xC0\x80",
-             "\xC1\xBF",
-             "\xE0\x9F\xBF",
-             "\xF0\x8F\xBF\xBF",  // overlong
-             "\xED\xA0\x80",
-             "\xED\xBF\xBF",  // surrogates
-             "\xF4\x90\x80\x80",
-             "\xF5\x80\x80\x80",
-             "\xFF",  // past U+10FFFF
-             "\xC3",
-             "\xE2\x82",
-             "\xF0\x9F\x92",
-             "a\xE2\x82",  // cut off
-             "\xC3z",
-             "\xE2\x82z",
-             "\xF0\x9F\x92z",
-             "\xE2z\x82",  // not continued
-         }) {
+    // Continuations without a lead, overlong, surrogates, past U+10FFFF, cut off, not continued.
+    for (const char* text : {"\x80",
+                             "\xBF",
+                             "a\xBF",
+                             "\xC0\x80",
+                             "\xC1\xBF",
+                             "\xE0\x9F\xBF",
+                             "\xF0\x8F\xBF\xBF",
+                             "\xED\xA0\x80",
+                             "\xED\xBF\xBF",
+                             "\xF4\x90\x80\x80",
+                             "\xF5\x80\x80\x80",
+                             "\xFF",
+                             "\xC3",
+                             "\xE2\x82",
+                             "\xF0\x9F\x92",
+                             "a\xE2\x82",
+                             "\xC3z",
+                             "\xE2\x82z",
+                             "\xF0\x9F\x92z",
+                             "\xE2z\x82"}) {
         EXPECT_FALSE(isUtf8(text)) << ::testing::PrintToString(text);
     }
 }

@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 
 #include "tests/platform/CurlTestSupport.h"
 #include "tests/platform/UrlSessionContract.h"
@@ -44,11 +43,6 @@ struct CurlDriver {
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlSessionContract, CurlDriver);
 
-std::ptrdiff_t threadCount() {
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return std::distance(begin(tasks), end(tasks));
-}
-
 TEST(CurlUrlSession, AReleaseWaitsForAReplyThatIsRunning) {
     CurlDriver driver;
     std::atomic<bool> started = false;
@@ -83,12 +77,6 @@ TEST(CurlUrlSession, AReplyThatDestroysTheSessionIsTheLast) {
     EXPECT_TRUE(waitUntil([&] { return replies > 0; }));
     driver.settle();
     EXPECT_EQ(replies, 1);
-}
-
-TEST(CurlUrlSession, StartsNothingBeforeTheFirstRequest) {
-    const auto before = threadCount();
-    CurlUrlSession session;
-    EXPECT_EQ(threadCount(), before);
 }
 
 TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {

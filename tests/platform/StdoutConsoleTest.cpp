@@ -2,7 +2,6 @@
 #include "platform/linux/StdoutConsole.h"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <map>
@@ -50,23 +49,6 @@ TEST(StdoutConsole, LinesOfManyThreadsDoNotMixHoweverLong) {
     }
     std::fclose(writer);
     std::fclose(reader);
-}
-
-TEST(StdoutConsole, ALineIsOneWriteAndComesAfterWhatTheStreamHeld) {
-    int ends[2];
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);  // keeps the bounds of each write
-    std::FILE* stream = fdopen(ends[0], "w");
-    StdoutConsole console(stream);
-    std::fputs("before ", stream);
-    const std::string text(20'000, 'x');  // longer than the stream's buffer
-    console.line(text);
-
-    std::string got(30'000, '\0');
-    EXPECT_EQ(read(ends[1], got.data(), got.size()), 7);
-    const ssize_t size = read(ends[1], got.data(), got.size());
-    EXPECT_EQ(got.substr(0, static_cast<std::size_t>(size)), text + "\n");
-    close(ends[1]);
-    std::fclose(stream);
 }
 
 }  // namespace

@@ -49,9 +49,6 @@ TestClient::Answer TestClient::send(const std::string& method, const std::string
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &answer.body);
     answer.transport = curl_easy_perform(curl);
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &answer.status);
-    long connected = 0;
-    curl_easy_getinfo(curl, CURLINFO_NUM_CONNECTS, &connected);
-    connections_ += connected;
     curl_slist_free_all(list);
     if (const auto object = readJsonObject(answer.body)) {
         for (const auto& [name, value] : *object) {

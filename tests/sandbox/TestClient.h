@@ -50,9 +50,6 @@ class TestClient {
     Answer pinSet(const std::string& cardId, const std::string& pin, const std::string& token);
     Texts card(const std::string& cardId) { return send("GET", "/host/cards/" + cardId).fields; }
 
-    /// Connections made so far.
-    long connections() const { return connections_; }
-
     std::string ivId;
     std::vector<std::uint8_t> iv;
     std::string bearer;
@@ -66,7 +63,6 @@ class TestClient {
     };
     std::string encipher(const std::string& plain) const;
 
-    long connections_ = 0;
     std::string url_;
     std::string caPem_;
     std::unique_ptr<CURL, Closer> curl_;
