@@ -30,9 +30,4 @@ class ActivateCardAndSetPINFactory {
     static std::unique_ptr<ViewController> create(const std::string& cardId);
 };
 
-class GetCardImageFactory {
-  public:
-    static std::unique_ptr<ViewController> create(const std::string& cardId);
-};
-
 }  // namespace korvane
