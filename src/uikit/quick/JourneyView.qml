@@ -9,8 +9,6 @@ FocusScope {
 
     required property string cardId
     property alias kind: journey.kind
-    /// The screens stand still.
-    readonly property bool settled: !moving.running
 
     /// The journey is over: "SUCCESS", "CANCELED" or "FAILURE".
     signal closed(string result)
