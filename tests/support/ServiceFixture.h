@@ -33,7 +33,10 @@ class ServiceFixture : public testing::Test {
     /// The n-th request: "pinSet offsetId=iv-0 CardId=card-1 …"; values of "encrypted…" keys are deciphered
     /// and the keys cut, so that one that is not enciphered shows.
     std::string sent(std::size_t index) const;
-    void dropIv();
+    void dropIv() {
+        config.ivIdStr.clear();
+        config.ivByteArray.clear();
+    }
     void settle() { device.mainQueue->runAll(); }
     /// The console lines since the last call of this, joined by "|".
     std::string printed();

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "operations/Operations.h"
+#include "tests/support/ServiceFixture.h"
+
+namespace korvane {
+namespace {
+
+using testing::HasSubstr;
+
+/// What the operations make of the fields of a reply.
+class Replies : public ServiceFixture {
+  protected:
+    KorvaneRetStruct run(Operation (*operation)(OperationCompletion), Fields fields,
+                         const std::string& word = "Success") {
+        fields.emplace_back("encryptedResult", word);
+        willAnswer({ok(fields)});
+        KorvaneRetStruct record;
+        operation([&](KorvaneRetStruct done) { record = std::move(done); });
+        settle();
+        return record;
+    }
+    KorvaneRetStruct status(const std::string& code, const std::string& type) {
+        return run(doGetCardStatus, {{"encryptedCardStatus", code}, {"encryptedCardType", type}});
+    }
+    KorvaneRetStruct submit(const std::string& token, const std::string& timeout) {
+        return run(doPciTokenSubmission, {{"encryptedPciToken", token},
+                                          {"encryptedPciTokenExpiration", "soon"},
+                                          {"encryptedBiometricsAuthenticationTimer", timeout}});
+    }
+    std::string stored(const std::string& account) const {
+        return device.secureItemStore->copy("KorvanePCISDKService", account).value.value_or("(none)");
+    }
+    /// The lines of these values in this order.
+    std::string lines(const Fields& values) const {
+        std::string text;
+        for (const auto& [name, value] : values)
+            text += "|theEnc" + name + ": " + encipher(value) + "|dec" + name + ": " + value;
+        return text;
+    }
+};
+
+TEST_F(Replies, CardImageStoresAndPrintsEveryValueInOrderBehindFixedMasks) {
+    const std::string disclosures = R"({"CardDisclosures":[{"Language":"English","CardDisclosure":"x"}]})";
+    const Fields values{{"CardImage", "aW1n"},
+                        {"CardDisclosures", disclosures},
+                        {"Pan", "5555550000079197123"},
+                        {"Cvv", "8642"},
+                        {"ExpiryDate", "12/31"},
+                        {"FirstName", "Inés"},
+                        {"MiddleName", ""},
+                        {"LastName", "Núñez"},
+                        {"CardNetwork", "visa"}};
+    Fields reply;  // in another order
+    for (const auto& [name, value] : values) reply.emplace(reply.begin(), "encrypted" + name, value);
+    const KorvaneRetStruct record = run(doCardImage, reply, "SUCCESS");
+    EXPECT_FALSE(record.error);
+    EXPECT_EQ(record.errorMsg, "");
+    EXPECT_THAT(printed(), HasSubstr("|decResult: SUCCESS" + lines(values) + "|KorvaneRetStruct("));
+    EXPECT_EQ(config.decCardImage + "|" + config.decPan + "|" + config.decMaskedPan + "|" + config.decCvv +
+                  "|" + config.decMaskedCvv + "|" + config.decExpiryDate + "|" + config.decFirstName + "|" +
+                  config.decMiddleName + "|" + config.decLastName + "|" + config.decCardNetwork,
+              "aW1n|5555550000079197123|################|8642|###|12/31|Inés||Núñez|visa");
+    EXPECT_EQ(config.decodedDisclosuresStruct->CardDisclosures->at(0).CardDisclosure, "x");
+
+    // What is missing is empty, and the rest goes on.
+    EXPECT_FALSE(run(doCardImage, {{"encryptedCvv", "864"}, {"encryptedCardNetwork", "amex"}}).error);
+    EXPECT_EQ(config.decPan + config.decCardImage + config.decCvv + config.decCardNetwork, "864amex");
+    EXPECT_FALSE(config.decodedDisclosuresStruct);
+    EXPECT_THAT(printed(),
+                HasSubstr("|disclosure decode failed" + lines({{"Cvv", "864"}, {"CardNetwork", "amex"}})));
+}
+
+TEST_F(Replies, DisclosuresThatDoNotDecodeAreToldWithoutAnError) {
+    for (const std::string text : {"", "{", R"({"CardDisclosures":{}})", R"({"CardDisclosures":[1]})"}) {
+        const KorvaneRetStruct record =
+            run(doCardImage, {{"encryptedCardDisclosures", text}, {"encryptedPan", "55"}});
+        EXPECT_FALSE(record.error) << text;
+        EXPECT_EQ(record.errorMsg, "disclosure decode failed") << text;
+        EXPECT_FALSE(config.decodedDisclosuresStruct) << text;
+        EXPECT_EQ(config.decPan, "55");
+        EXPECT_THAT(printed(), HasSubstr("|disclosure decode failed|"));
+    }
+    EXPECT_EQ(run(doCardImage, {{"encryptedCardDisclosures", "{}"}}).errorMsg, "");
+    EXPECT_TRUE(config.decodedDisclosuresStruct);
+}
+
+TEST_F(Replies, CardStatusStoresTheCodeAsItIsAndARecognisedType) {
+    const std::tuple<std::string, eKorvaneCardType, std::string> cases[] = {
+        {"PHYSICAL", eKorvaneCardType::physical, ".physical"},
+        {"virtual", eKorvaneCardType::virtual_, ".virtual"},
+        {"Wearable", eKorvaneCardType::wearable, ".wearable"},
+        {"paywallet", eKorvaneCardType::paywallet, ".paywallet"}};
+    for (const auto& [text, type, name] : cases) {
+        EXPECT_FALSE(status("a1", text).error);
+        EXPECT_EQ(config.decCardStatus, "a1");
+        EXPECT_EQ(config.currentCardType, type);
+        EXPECT_THAT(printed(), HasSubstr(lines({{"CardStatus", "a1"}, {"CardType", text}}) +
+                                         "|SdkConfig.sharedInstance.currentCardType = " + name + "|Korvane"));
+    }
+    // An unknown type: the line says physical, the type stays.
+    EXPECT_FALSE(status("P2", " physical").error);
+    EXPECT_TRUE(device.console->has("Unknown encoded card type, defaulting to .physical"));
+    // A missing field is a failure that keeps what came before.
+    EXPECT_EQ(run(doGetCardStatus, {{"encryptedCardType", "virtual"}}).errorMsg, "Encrypted card status nil");
+    EXPECT_EQ(config.decCardStatus, "P2");
+    const KorvaneRetStruct record = run(doGetCardStatus, {{"encryptedCardStatus", "BT"}});
+    EXPECT_TRUE(record.error);
+    EXPECT_EQ(record.errorMsg, "Encrypted card type nil");
+    EXPECT_FALSE(record.jsonResponseStr.empty());
+    run(doGetCardStatus, {{"encryptedCardStatus", "A1"}, {"encryptedCardType", "virtual"}}, "No");
+    EXPECT_EQ(config.decCardStatus, "BT");
+    EXPECT_EQ(config.currentCardType, eKorvaneCardType::paywallet);
+}
+
+TEST_F(Replies, TokenRequestStoresTheSmsTokenWhateverTheResultSays) {
+    EXPECT_FALSE(run(doPciTokenRequest, {{"encryptedPciSmsToken", "sms"}}, "Failure: IV is expired").error);
+    EXPECT_EQ(config.decryptedPciSmsToken, "sms");
+    EXPECT_THAT(printed(), HasSubstr(lines({{"PciSmsToken", "sms"}}) + "|"));
+    const KorvaneRetStruct record = run(doPciTokenRequest, {}, "Failure: Invalid offsetId");
+    EXPECT_TRUE(record.error);
+    EXPECT_EQ(record.errorMsg, "");
+    EXPECT_FALSE(record.jsonResponseStr.empty());
+    EXPECT_EQ(ivsSupplied, 0);
+    EXPECT_EQ(config.decryptedPciSmsToken, "sms");
+}
+
+TEST_F(Replies, TokenSubmissionStoresTheTokenInMemory) {
+    const std::pair<std::string, std::string> timeouts[] = {
+        {"30", "60.0"}, {"abc", "60.0"}, {"", "60.0"}, {"-5", "60.0"}, {"3e2", "300.0"}, {"nan", "60.0"}};
+    for (const auto& [text, kept] : timeouts) {
+        submit("t", text);
+        EXPECT_EQ(config.decBiometricsAuthenticationTimer, kept) << text;
+    }
+    printed();
+    EXPECT_FALSE(submit("pci-2", "90.5").error);
+    EXPECT_EQ(config.currentPciToken + config.decPciTokenExpiration, "pci-2soon");
+    EXPECT_EQ(config.decBiometricsAuthenticationTimer, "90.5");
+    EXPECT_TRUE(device.secureItemStore->items().empty());
+    EXPECT_EQ(device.timers->pending(), 0u);
+    EXPECT_THAT(printed(), HasSubstr("|decResult: Success" +
+                                     lines({{"PciToken", "pci-2"},
+                                            {"PciTokenExpiration", "soon"},
+                                            {"BiometricsAuthenticationTimer", "90.5"}}) +
+                                     "|KorvaneRetStruct("));
+    // One that is refused leaves the token alone.
+    const std::string wrong = "Failure: Incorrect SMS verification code";
+    EXPECT_EQ(run(doPciTokenSubmission, {{"encryptedPciToken", "x"}}, wrong).errorMsg, wrong);
+    EXPECT_TRUE(device.console->has("doPciTokenSubmission - got 200 if here..."));
+    const KorvaneRetStruct record = run(doPciTokenSubmission, {});
+    EXPECT_TRUE(record.error);
+    EXPECT_EQ(record.errorMsg, "");
+    EXPECT_EQ(config.currentPciToken, "pci-2");
+}
+
+TEST_F(Replies, WithBiometricsTheTokenIsKeptAndItsTimerRuns) {
+    config.useBiometrics = true;
+    // A save that fails starts no timer, yet the token is there. Without a timeout nothing is saved.
+    device.secureItemStore->failNext({secureItemNotAvailable});
+    EXPECT_FALSE(submit("pci-1", "90").error);
+    EXPECT_EQ(config.currentPciToken, "pci-1");
+    EXPECT_FALSE(run(doPciTokenSubmission, {{"encryptedPciToken", "pci-2"}}).error);
+    EXPECT_EQ(stored("KorvaneSDKPCIToken"), "(none)");
+    EXPECT_EQ(device.timers->pending(), 0u);
+
+    printed();
+    EXPECT_FALSE(submit("pci-3", "90").error);
+    EXPECT_THAT(sent(2), HasSubstr(" UseBiometrics=true "));
+    EXPECT_EQ(stored("KorvaneSDKPCIToken") + " " + stored("KorvaneSDKPCITokenBioTimeout"), "pci-3 90.0");
+    const std::string lines = printed();
+    EXPECT_THAT(lines,
+                HasSubstr("|==================|AuthenticateBiometric.savePciTokenAndTimeoutToKeychain()|"));
+    EXPECT_THAT(lines, HasSubstr("|startPCITokenClearTimer()|KorvaneRetStruct("));
+    device.timers->advance(std::chrono::seconds{91});
+    settle();
+    EXPECT_EQ(config.currentPciToken, "");
+}
+
+}  // namespace
+}  // namespace korvane
