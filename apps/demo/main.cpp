@@ -23,16 +23,13 @@ int main(int argc, char** argv) {
                         {"tour", "Play the journey by itself, with pictures in DIR.", "DIR"}});
     options.process(app);
     const auto option = [&](const char* name) { return options.value(name).toStdString(); };
-
     int width = 0, height = 0;
     if (std::sscanf(option("size").c_str(), "%dx%d", &width, &height) != 2)
         return qCritical("--size takes WxH."), 2;
     const auto backEnd = korvane::backEnd(option("service"), option("key"), option("iv-url"), option("ca"));
     if (!backEnd.failure.empty()) return qCritical("No card service: %s", backEnd.failure.c_str()), 2;
     korvane::installPorts(korvane::qtPorts(backEnd.caFile));
-    const struct Leaving {
-        ~Leaving() { korvane::uninstallPorts(); }
-    } leaving;
+    const std::shared_ptr<void> leaving(nullptr, [](void*) { korvane::uninstallPorts(); });
     if (!korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl), false, {},
                              {}))
         return qCritical("The key is not base64."), 2;
