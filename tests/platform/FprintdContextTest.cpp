@@ -132,6 +132,18 @@ TEST(Fprintd, ADeclinedPromptEndsTheCheckWhateverTheReaderSays) {
     EXPECT_FALSE(driver.prompt->shown());
 }
 
+TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
+    ReaderDriver driver;
+    driver.reader.kill();
+    driver.reader.startOnDemand();
+    FprintdContext context(driver.queue, driver.prompt, {driver.reader.bus.address()});
+    driver.runUntil([&] { return context.canEvaluate(); });
+    const auto check = driver.arm();
+    driver.answer(true);
+    driver.waitForReply();
+    EXPECT_THAT(driver.replies, ElementsAre(true));
+}
+
 TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
     ReaderDriver driver;
     const auto check = driver.arm();

@@ -88,12 +88,12 @@ class SecretServiceStore::Worker {
     explicit Worker(std::chrono::milliseconds timeout) : timeout_(timeout) {}
 
     ~Worker() {
-        std::promise<void> done;
-        thread_.post([this, &done] {
+        const auto done = std::make_shared<std::promise<void>>();
+        thread_.post([this, done] {
             endPrompt();
-            done.set_value();
+            done->set_value();
         });
-        done.get_future().wait();
+        done->get_future().wait();
     }
 
     SecureItem run(std::string_view service, std::string_view account, Work work);

@@ -97,10 +97,13 @@ std::string Process::firstLine() const {
 }
 
 PrivateBus::PrivateBus() {
+    std::filesystem::create_directory(folder_ / "services");
     std::ofstream(folder_ / "bus.conf")
         << "<busconfig><type>system</type><listen>unix:path=" << folder_ / "bus"
         << "</listen>"
-        << "<auth>EXTERNAL</auth><policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+        << "<servicedir>" << folder_ / "services"
+        << "</servicedir><auth>EXTERNAL</auth><policy context='default'><allow send_destination='*' "
+           "eavesdrop='true'/>"
         << "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>";
     process_ = std::make_unique<Process>(
         std::vector<std::string>{"dbus-daemon", "--config-file=" + folder_ / "bus.conf", "--nofork",
@@ -187,13 +190,27 @@ VirtualReader::VirtualReader() {
 }
 
 void VirtualReader::start() {
-    const auto& folder = bus.folder();
-    std::filesystem::create_directories(folder / "state");
-    process_ = std::make_unique<Process>(std::vector<std::string>{"/usr/libexec/fprintd", "-t"},
-                                         std::vector<std::string>{"DBUS_SYSTEM_BUS_ADDRESS=" + bus.address(),
-                                                                  "FP_VIRTUAL_DEVICE=" + folder / "reader",
-                                                                  "STATE_DIRECTORY=" + folder / "state"});
+    std::filesystem::create_directories(bus.folder() / "state");
+    process_ = std::make_unique<Process>(command(), std::vector<std::string>{});
     bus.waitForName(fprint);
+}
+
+void VirtualReader::startOnDemand() {
+    std::ofstream file(bus.folder() / "services/net.reactivated.Fprint.service");
+    file << "[D-BUS Service]\nName=" << fprint << "\nUser=root\nExec=";
+    for (const auto& word : command()) file << word << ' ';
+    file << '\n' << std::flush;
+    g_variant_unref(bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                             "ReloadConfig", nullptr));
+}
+
+std::vector<std::string> VirtualReader::command() const {
+    return {"/usr/bin/env",
+            "DBUS_SYSTEM_BUS_ADDRESS=" + bus.address(),
+            "FP_VIRTUAL_DEVICE=" + bus.folder() / "reader",
+            "STATE_DIRECTORY=" + bus.folder() / "state",
+            "/usr/libexec/fprintd",
+            "-t"};
 }
 
 void VirtualReader::kill() {

@@ -93,6 +93,7 @@ class VirtualReader {
     VirtualReader();
 
     void start();
+    void startOnDemand();  ///< from now on the bus does
     void kill();
     void signal(int number) { process_->signal(number); }
     /// Enrols the finger "right".
@@ -105,6 +106,8 @@ class VirtualReader {
     PrivateBus bus;
 
   private:
+    std::vector<std::string> command() const;
+
     std::unique_ptr<Process> authority_;
     std::unique_ptr<Process> process_;
 };
