@@ -98,9 +98,7 @@ TEST_F(Api, AFailedRenewalIsTheFailureOfTheCall) {
     const std::tuple<UrlReply, std::string, std::string> cases[] = {
         {answer(500, {{"encryptedResult", "Failure: x"}}), "500 error", "Failure: x"},
         {answer(401, {}), "401 error", ""},
-        {{418, "<html>", ""}, "418 error", ""},
         {{0, "", "no route"}, "-1 error", ""},
-        {result("Failure: unknown card"), "Failure: unknown card", ""},
         {ok({{"encryptedResult", "Failure: x"}, {"encryptedAccessToken", ""}}), "Failure: x", ""},
     };
     const auto expectFailure = [this](const std::string& errorMsg, const std::string& errorMsgDec) {

@@ -89,7 +89,6 @@ TEST_F(FieldCipher, KeepsAnyTextAndGarblesUnderAnotherIv) {
         EXPECT_EQ(decryptField(iv, encryptField(iv, text)), text);
     }
     EXPECT_EQ(encryptField(iv, "").size(), 24u);
-    EXPECT_EQ(encryptField(iv, "0123456789abcdef").size(), 44u);
     Bytes other = iv;
     other[0] ^= 1;
     EXPECT_EQ(decryptField(other, encryptField(iv, "0123456789abcdefSuccess")), "1123456789abcdefSuccess");

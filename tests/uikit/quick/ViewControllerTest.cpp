@@ -20,6 +20,13 @@ class ViewControllerTest : public QuickFixture {
         }
         return nullptr;
     }
+
+    QStringList results;
+    std::shared_ptr<NotificationCenter::Observation> observation =
+        NotificationCenter::defaultCenter().observe(NotificationCloseUI,
+                                                    [this](const NotificationUserInfo& info) {
+                                                        results << QString::fromStdString(info.at("result"));
+                                                    });
 };
 
 TEST_F(ViewControllerTest, MakingOneStoresTheCardAndShowingItStartsTheJourney) {
@@ -51,22 +58,14 @@ TEST_F(ViewControllerTest, ActivationStartsWithItsOwnPageAndCanBeGivenUp) {
     type("9196");
     EXPECT_TRUE(usable("sdk.activatecard.lastfourdigits.button"));
     ASSERT_TRUE(tap("back"));
-    QStringList results;
-    const auto observation = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI,
-        [&](const NotificationUserInfo& info) { results << QString::fromStdString(info.at("result")); });
     ASSERT_TRUE(tap("xmark"));
     EXPECT_EQ(results, QStringList("CANCELED"));
 }
 
 TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
     auto controller = SetPINFactory::create("card-7");
-    QStringList results;
-    const auto observation = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI, [&](const NotificationUserInfo& info) {
-            results << QString::fromStdString(info.at("result"));
-            controller.reset();
-        });
+    const auto letGo = NotificationCenter::defaultCenter().observe(
+        NotificationCloseUI, [&](const NotificationUserInfo&) { controller.reset(); });
     service.next("getCardStatus", service.result("Failure: something else"));
     controller->show();
     settle();
@@ -82,10 +81,6 @@ TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
 
 TEST_F(ViewControllerTest, ClosingTheWindowCancels) {
     const auto controller = SetPINFactory::create("card-7");
-    QStringList results;
-    const auto observation = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI,
-        [&](const NotificationUserInfo& info) { results << QString::fromStdString(info.at("result")); });
     controller->show();
     settle();
     ASSERT_TRUE(journeyWindow());
