@@ -17,6 +17,18 @@
         <source></source>
         <translation>Confirm that it’s you, so you need fewer codes by text message.</translation>
     </message>
+    <message id="sdk.biometrics.touch">
+        <source></source>
+        <translation>Touch the fingerprint reader.</translation>
+    </message>
+    <message id="sdk.biometrics.away">
+        <source></source>
+        <translation>Select this window to use the fingerprint reader.</translation>
+    </message>
+    <message id="sdk.biometrics.cancel">
+        <source></source>
+        <translation>Cancel</translation>
+    </message>
     <message id="sdk.biometrics.nomatch">
         <source></source>
         <translation>That didn’t match. Please try again.</translation>
