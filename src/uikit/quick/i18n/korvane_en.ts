@@ -277,6 +277,10 @@
         <source></source>
         <translation>Wallet card</translation>
     </message>
+    <message id="sdk.cardtype.none">
+        <source></source>
+        <translation>Your card</translation>
+    </message>
     <message id="sdk.cardviewer.activateAndSetPin.onCardButton">
         <source></source>
         <translation>Activate card</translation>
@@ -312,6 +316,14 @@
     <message id="sdk.cardviewer.device.details.reveal">
         <source></source>
         <translation>Show details</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.hide">
+        <source></source>
+        <translation>Hide details</translation>
+    </message>
+    <message id="sdk.cardviewer.device.details.missing">
+        <source></source>
+        <translation>Not available</translation>
     </message>
     <message id="sdk.taptocopy">
         <source></source>
@@ -430,6 +442,14 @@
     <message id="sdk.accessibility.busy">
         <source></source>
         <translation>Please wait</translation>
+    </message>
+    <message id="sdk.accessibility.hidden">
+        <source></source>
+        <translation>Hidden</translation>
+    </message>
+    <message id="sdk.accessibility.shown">
+        <source></source>
+        <translation>Shown</translation>
     </message>
     <message id="sdk.accessibility.passcode">
         <source></source>
