@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "platform/linux/CurlUrlSession.h"
-#include "tests/platform/TestServer.h"
 
 namespace korvane::testing {
 
