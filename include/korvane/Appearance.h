@@ -17,8 +17,12 @@ struct Color {
     friend constexpr bool operator==(const Color&, const Color&) = default;
 };
 
-/// The host's palette. Create it with its defaults and override single colours.
+/// The host's palette. Create it with its defaults, or as `dark()`, and override single colours.
 struct KorvaneColors {
+    /// A ready-made palette for dark surroundings; all of its pairs pass `auditContrast`. The component never
+    /// follows the system's dark mode by itself: the host passes this to `initialize` when it goes dark.
+    static KorvaneColors dark();
+
     Color primary = Color::rgb8(0, 104, 56);
     Color colorOnPrimary = Color::rgb8(248, 249, 251);
     Color secondary = Color::rgb8(248, 249, 251);

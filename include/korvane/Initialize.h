@@ -15,7 +15,9 @@ namespace korvane {
 using ImageData = std::vector<std::byte>;
 
 /// Sets the component up. Call it on the main thread after `installPorts` and before showing a journey; a
-/// later call overwrites what it sets.
+/// later call overwrites what it sets; what is on screen then takes the new colours and radii at once.
+///
+/// Debug builds log each pair of colours that `auditContrast` finds ("contrast advice: …").
 ///
 /// @param base64EncodedPreSharedKey  the AES key in base64 (RFC 4648, padded, no line breaks): 16, 24 or 32
 /// bytes

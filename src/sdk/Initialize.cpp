@@ -1,18 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <korvane/Initialize.h>
 
-#include <korvane/platform/Ports.h>
+#include <korvane/CloseNotification.h>
+#include <korvane/Contrast.h>
 
+#include <cstdio>
 #include <utility>
 
 #include "base/Base64.h"
 #include "custody/AuthenticateBiometric.h"
 #include "platform/Log.h"
+#include "sdk/ChangeNotifications.h"
 #include "sdk/SdkConfig.h"
 
 // The one file of this folder that reaches up into custody/: setting up is where the layers meet.
 
 namespace korvane {
+namespace {
+
+/// Tells the host's developers, in debug builds only, which colours are hard to tell apart.
+void adviseOnContrast([[maybe_unused]] const KorvaneColors& colors) {
+#ifndef NDEBUG
+    for (const ContrastFinding& finding : auditContrast(colors)) {
+        char ratios[48];
+        std::snprintf(ratios, sizeof ratios, " is %.2f:1, below %.1f:1", finding.ratio, finding.required);
+        log({"contrast advice: ", finding.foreground, " on ", finding.background, ratios});
+    }
+#endif
+}
+
+}  // namespace
 
 bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback,
                 bool useBiometrics, const KorvaneColors& colors, const KorvaneCornerRadii& cornerRadii,
@@ -36,6 +53,8 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
     config.wearableImage = std::move(wearableImage);
     config.isSdkInited = true;
     log("SDK initialize success");
+    adviseOnContrast(colors);
+    NotificationCenter::defaultCenter().post(NotificationAppearanceChanged, {});
 
     if (useBiometrics) {
         AuthenticateBiometric::reloadAtInitialize();
