@@ -30,8 +30,9 @@ CardPicture decodedPicture(const std::string& base64) {
 
 std::string_view disclosureLanguage() {
     const std::string& set = SdkConfig::sharedInstance().deviceLanguageCode;
-    const std::string_view code = set.empty() ? ports().languageCode : set;
-    return equalIgnoringCase(code.substr(0, 2), "es") ? "Spanish" : "English";
+    const std::string shown = ports().stringTable->language();
+    const std::string& code = !set.empty() ? set : !shown.empty() ? shown : ports().languageCode;
+    return equalIgnoringCase(std::string_view{code}.substr(0, 2), "es") ? "Spanish" : "English";
 }
 
 }  // namespace

@@ -28,7 +28,8 @@ struct Ports {
     std::shared_ptr<StringTable> stringTable = std::make_shared<KeyStringTable>();
     std::shared_ptr<Pasteboard> pasteboard = std::make_shared<NoPasteboard>();
     std::shared_ptr<ImageDecoder> imageDecoder = std::make_shared<ImageSignatures>();
-    std::string languageCode = {};  ///< the user's language (BCP 47: "es-MX"); empty: not known
+    std::string languageCode = {};  ///< the user's language (BCP 47: "es-MX"), for a string table that does
+                                    ///< not tell its own; empty: not known
 };
 
 /// Installs the ports; call it on the main thread, before `initialize`. A later call replaces them, which is

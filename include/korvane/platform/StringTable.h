@@ -14,6 +14,9 @@ class StringTable {
     /// The text for `key`, UTF-8: from the component's own table, else from the host's, else the key itself.
     /// Main thread.
     virtual std::string text(std::string_view key) const = 0;
+
+    /// The language of its texts (BCP 47: "es-MX"); empty: not known. Main thread.
+    virtual std::string language() const { return {}; }
 };
 
 /// A table without texts: every key stands for itself. For consoles and tests.
