@@ -70,6 +70,7 @@ struct DetailRow {
     std::string id;         ///< localization key of its label, and the control that copies the value
     std::string value;      ///< plain text: what to show now, the mask or the value itself
     bool masked = false;    ///< `value` is the mask; the value itself is not in the snapshot
+    bool secret = false;    ///< it stands behind a mask unless the person revealed it
     bool copyable = false;  ///< mark it with the symbol "doc.on.doc"
 };
 

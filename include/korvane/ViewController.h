@@ -30,4 +30,9 @@ class ActivateCardAndSetPINFactory {
     static std::unique_ptr<ViewController> create(const std::string& cardId);
 };
 
+class GetCardImageFactory {
+  public:
+    static std::unique_ptr<ViewController> create(const std::string& cardId);
+};
+
 }  // namespace korvane

@@ -182,8 +182,11 @@ void CardViewer::describeContent(ScreenSnapshot& snapshot) const {
     snapshot.body = {"sdk.taptocopy"};
     for (const Detail& detail : details()) {
         const bool masked = !revealed_ && detail.mask && !detail.value.empty();
-        snapshot.rows.push_back({std::string{detail.id}, masked ? *detail.mask : detail.value, masked,
-                                 /*copyable=*/!detail.value.empty()});
+        snapshot.rows.push_back({.id = std::string{detail.id},
+                                 .value = masked ? *detail.mask : detail.value,
+                                 .masked = masked,
+                                 .secret = detail.mask != nullptr,
+                                 .copyable = !detail.value.empty()});
     }
     snapshot.popup = freeze_->question();
     snapshot.disclosureText = disclosureText_;

@@ -117,6 +117,26 @@ void sms(QPainter& painter, const Theme& theme) {
     for (const double x : {66.0, 79.0, 92.0}) painter.drawEllipse(QPointF(x, 59), 3.6, 3.6);
 }
 
+void fingerprint(QPainter& painter, const Theme& theme) {
+    disc(painter, theme, theme.primary());
+    stroke(painter, theme.primary(), 4.5);
+    // Ridges around one another, each from its left foot over the top to its right one.
+    struct Ridge {
+        double radius, leftFoot, rightFoot;
+    };
+    for (const auto& [radius, leftFoot, rightFoot] :
+         {Ridge{7, 82, 94}, Ridge{16, 92, 98}, Ridge{25, 76, 90}}) {
+        QPainterPath ridge(QPointF(64 - radius, leftFoot));
+        ridge.lineTo(64 - radius, 60);
+        ridge.arcTo(QRectF(64 - radius, 60 - radius, 2 * radius, 2 * radius), 180, -180);
+        ridge.lineTo(64 + radius, rightFoot);
+        painter.drawPath(ridge);
+    }
+    constexpr int sixteenths = 16;  // QPainter counts sixteenths of a degree
+    painter.drawArc(QRectF(30, 26, 68, 68), 28 * sixteenths, 124 * sixteenths);
+    painter.drawLine(QPointF(64, 62), QPointF(64, 98));
+}
+
 void circled(QPainter& painter, const QColor& color) {
     stroke(painter, color, 2);
     painter.drawEllipse(QPointF(12, 12), 9, 9);
@@ -177,6 +197,76 @@ void spinner(QPainter& painter, const QColor& color) {
     painter.drawArc(QRectF(2.5, 2.5, 19, 19), 0, 100 * sixteenths);
 }
 
+void eye(QPainter& painter, const QColor& color) {
+    QPainterPath lids;
+    lids.moveTo(2.5, 12);
+    lids.cubicTo(6.5, 4.2, 17.5, 4.2, 21.5, 12);
+    lids.cubicTo(17.5, 19.8, 6.5, 19.8, 2.5, 12);
+    stroke(painter, color, 1.9);
+    painter.drawPath(lids);
+    painter.drawEllipse(QPointF(12, 12), 2.9, 2.9);
+}
+
+void eyeSlash(QPainter& painter, const QColor& color) {
+    eye(painter, color);
+    painter.drawLine(QPointF(4.2, 19.8), QPointF(19.8, 4.2));
+}
+
+void docOnDoc(QPainter& painter, const QColor& color) {
+    stroke(painter, color, 1.9);
+    painter.drawRoundedRect(QRectF(8.5, 8.5, 11.5, 12), 2.4, 2.4);
+    QPainterPath behind;
+    behind.moveTo(5.2, 15.5);
+    behind.quadTo(4, 15.3, 4, 13.8);
+    behind.lineTo(4, 6);
+    behind.quadTo(4, 3.5, 6.5, 3.5);
+    behind.lineTo(13, 3.5);
+    behind.quadTo(15.2, 3.5, 15.5, 5.2);
+    painter.drawPath(behind);
+}
+
+void snowflake(QPainter& painter, const QColor& color) {
+    stroke(painter, color, 1.8);
+    for (int arm = 0; arm < 6; ++arm) {
+        painter.save();
+        painter.translate(12, 12);
+        painter.rotate(arm * 60);
+        painter.drawLine(QPointF(0, 0), QPointF(0, -9.5));
+        painter.drawPolyline(QPolygonF({{-2.6, -8.6}, {0, -6}, {2.6, -8.6}}));
+        painter.restore();
+    }
+}
+
+void contactlessIcon(QPainter& painter, const QColor& color) {
+    constexpr int sixteenths = 16;  // QPainter counts sixteenths of a degree
+    stroke(painter, color, 2);
+    for (const double radius : {4.0, 8.5, 13.0, 17.5}) {
+        painter.drawArc(QRectF(3 - radius, 12 - radius, 2 * radius, 2 * radius), -31 * sixteenths,
+                        62 * sixteenths);
+    }
+}
+
+/// A globe of our own over the network's name: nobody's mark.
+void mastercardLogo(QPainter& painter, const QColor& color) {
+    stroke(painter, color, 1.1);
+    const QPointF centre(12, 8.2);
+    painter.drawEllipse(centre, 6.6, 6.6);
+    painter.drawEllipse(centre, 2.7, 6.6);
+    painter.drawLine(QPointF(5.4, 8.2), QPointF(18.6, 8.2));
+    QFont font(QStringLiteral("Manrope"));
+    font.setWeight(QFont::Bold);
+    font.setPixelSize(100);
+    QPainterPath name;
+    name.addText(0, 0, font, QStringLiteral("mastercard"));
+    const QRectF extent = name.boundingRect();
+    const double scale = 23.4 / extent.width();
+    painter.translate(0.3, 22.6);
+    painter.scale(scale, scale);
+    painter.translate(-extent.left(), 0);
+    fill(painter, color);
+    painter.drawPath(name);
+}
+
 struct Picture {
     QLatin1StringView name;
     void (*draw)(QPainter&, const Theme&);
@@ -191,6 +281,7 @@ constexpr std::array pictures{
     Picture{QLatin1StringView("success"), success},
     Picture{QLatin1StringView("cards_activate"), cardsActivate},
     Picture{QLatin1StringView("sms"), sms},
+    Picture{QLatin1StringView("fingerprint"), fingerprint},
 };
 constexpr std::array symbols{
     Symbol{QLatin1StringView("info.circle"), infoCircle},
@@ -200,6 +291,12 @@ constexpr std::array symbols{
     Symbol{QLatin1StringView("back"), back},
     Symbol{QLatin1StringView("xmark"), xmark},
     Symbol{QLatin1StringView("spinner"), spinner},
+    Symbol{QLatin1StringView("eye"), eye},
+    Symbol{QLatin1StringView("eye.slash"), eyeSlash},
+    Symbol{QLatin1StringView("doc.on.doc"), docOnDoc},
+    Symbol{QLatin1StringView("snowflake"), snowflake},
+    Symbol{QLatin1StringView("contactless_icon"), contactlessIcon},
+    Symbol{QLatin1StringView("mastercard_logo"), mastercardLogo},
 };
 
 }  // namespace

@@ -14,8 +14,9 @@ namespace korvane {
 /// Draws a picture or a symbol by its asset name, sharp at every size and in the theme's colours. A name that
 /// is no asset's draws nothing. It takes no input and says nothing to accessibility.
 ///
-/// Pictures: "caption_exclamation", "success", "cards_activate", "sms". Symbols, drawn in `color`:
-/// "info.circle", "checkmark.circle", "xmark.octagon", "exclamationmark.circle", "back", "xmark", "spinner".
+/// Pictures: "caption_exclamation", "success", "cards_activate", "sms", "fingerprint". Symbols, drawn in
+/// `color`: "info.circle", "checkmark.circle", "xmark.octagon", "exclamationmark.circle", "back", "xmark",
+/// "spinner", "eye", "eye.slash", "doc.on.doc", "snowflake", "contactless_icon", "mastercard_logo".
 class Artwork : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT

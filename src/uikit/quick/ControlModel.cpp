@@ -44,6 +44,12 @@ void ControlModel::setUsable(bool usable) {
     emit usableChanged();
 }
 
+void ControlModel::setOn(bool on) {
+    if (on_ == on) return;
+    on_ = on;
+    emit onChanged();
+}
+
 void ControlModel::setBusy(bool busy) {
     if (busy_ == busy) return;
     busy_ = busy;

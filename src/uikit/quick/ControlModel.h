@@ -24,6 +24,8 @@ class ControlModel : public QObject {
     /// The one button of the screen that carries the task on.
     Q_PROPERTY(bool primary READ primary CONSTANT)
     Q_PROPERTY(bool usable READ usable NOTIFY usableChanged)
+    /// Of a switch: how it stands. It follows what it stands for, never the tap.
+    Q_PROPERTY(bool on READ on NOTIFY onChanged)
     /// The call that is under way came from this control.
     Q_PROPERTY(bool busy READ busy NOTIFY busyChanged)
     /// Says so to people who do not see the wheel; empty while it is not busy.
@@ -39,6 +41,7 @@ class ControlModel : public QObject {
     QString symbol() const;
     bool primary() const { return primary_; }
     bool usable() const { return usable_; }
+    bool on() const { return on_; }
     bool busy() const { return busy_; }
     QString busyText() const;
     const std::string& id() const { return id_; }
@@ -46,6 +49,7 @@ class ControlModel : public QObject {
 
     void setLabel(const QString& label);
     void setUsable(bool usable);
+    void setOn(bool on);
     void setBusy(bool busy);
 
     /// Uses the control; nothing happens while it is not usable. The screen may be gone afterwards.
@@ -54,6 +58,7 @@ class ControlModel : public QObject {
   signals:
     void labelChanged();
     void usableChanged();
+    void onChanged();
     void busyChanged();
 
   private:
@@ -63,6 +68,7 @@ class ControlModel : public QObject {
     Action action_;
     QString label_;
     bool usable_ = false;
+    bool on_ = false;
     bool busy_ = false;
 };
 

@@ -6,6 +6,7 @@ import Korvane
 Item {
     property alias text: words.text
     property alias symbol: mark.name
+    property alias font: words.font
 
     implicitHeight: words.implicitHeight
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "uikit/quick/JourneyModel.h"
 
+#include "base/Secret.h"
 #include "uikit/quick/Theme.h"
 
 namespace korvane {
@@ -12,6 +13,8 @@ JourneyKind toCore(JourneyModel::Kind kind) {
             return JourneyKind::setPIN;
         case JourneyModel::Kind::ActivateCardAndSetPIN:
             return JourneyKind::activateCardAndSetPIN;
+        case JourneyModel::Kind::GetCardImage:
+            return JourneyKind::getCardImage;
     }
     return JourneyKind::setPIN;
 }
@@ -42,7 +45,28 @@ void JourneyModel::setVisible(bool visible) {
     if (visible_ == visible) return;
     visible_ = visible;
     emit visibleChanged();
+    if (!visible_) hideSensitive();
     appear();
+}
+
+void JourneyModel::setWindow(QWindow* window) {
+    if (window_ == window) return;
+    if (window_) disconnect(window_, nullptr, this, nullptr);
+    window_ = window;
+    if (window_) {
+        connect(window_, &QWindow::activeChanged, this, [this] {
+            if (!window_->isActive()) hideSensitive();
+        });
+        connect(window_, &QWindow::visibilityChanged, this, [this](QWindow::Visibility visibility) {
+            if (visibility == QWindow::Hidden || visibility == QWindow::Minimized) hideSensitive();
+        });
+    }
+    hideSensitive();
+    emit windowChanged();
+}
+
+void JourneyModel::hideSensitive() {
+    if (journey_) journey_->hideSensitive();
 }
 
 void JourneyModel::componentComplete() {
@@ -70,18 +94,23 @@ void JourneyModel::appear() {
 }
 
 void JourneyModel::stop() {
-    even_.attach(nullptr);
-    odd_.attach(nullptr);
+    for (ScreenModel* const screen : {&even_, &odd_}) {
+        screen->attach(nullptr);
+        screen->forgetSecrets();
+    }
     closing_.reset();
     journey_.reset();
     instance_ = 0;
 }
 
 void JourneyModel::show() {
-    const ScreenSnapshot snapshot = journey_->screen();
+    ScreenSnapshot snapshot = journey_->screen();
+    const auto wipeSecrets = [&snapshot] {
+        for (DetailRow& row : snapshot.rows) wipe(row.value);
+    };
     if (snapshot.instance == instance_) {
         current_->update(snapshot);
-        return;
+        return wipeSecrets();
     }
 
     if (Theme* const theme = Theme::of(this)) theme->refresh();
@@ -96,6 +125,7 @@ void JourneyModel::show() {
     if (!first) current_ = current_ == &even_ ? &odd_ : &even_;
     current_->attach(journey_.get());
     current_->load(snapshot);
+    wipeSecrets();
     emit moved();
 }
 

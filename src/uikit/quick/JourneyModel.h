@@ -6,8 +6,10 @@
 
 #include <QtQml/qqmlregistration.h>
 #include <QObject>
+#include <QPointer>
 #include <QQmlParserStatus>
 #include <QString>
+#include <QWindow>
 #include <memory>
 
 #include "uikit/quick/ScreenModel.h"
@@ -28,6 +30,9 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     Q_PROPERTY(QString cardId READ cardId WRITE setCardId NOTIFY cardIdChanged)
     /// A person can see the journey.
     Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
+    /// The window that the journey is drawn in: revealed card data is masked when it is hidden or minimised
+    /// or loses the focus.
+    Q_PROPERTY(QWindow* window READ window WRITE setWindow NOTIFY windowChanged)
 
     // Two models take turns, so that the screen that leaves stays as it was while it moves away.
     Q_PROPERTY(korvane::ScreenModel* even READ even CONSTANT)
@@ -36,7 +41,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     Q_PROPERTY(Move move READ move NOTIFY moved)
 
   public:
-    enum class Kind { SetPIN, ActivateCardAndSetPIN };
+    enum class Kind { SetPIN, ActivateCardAndSetPIN, GetCardImage };
     Q_ENUM(Kind)
     /// How the present screen came: as the first one, pushed over the one before, uncovered by its going, or
     /// in its place.
@@ -52,6 +57,8 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void setCardId(const QString& cardId);
     bool visible() const { return visible_; }
     void setVisible(bool visible);
+    QWindow* window() const { return window_; }
+    void setWindow(QWindow* window);
     ScreenModel* even() { return &even_; }
     ScreenModel* odd() { return &odd_; }
     ScreenModel* current() { return current_; }
@@ -67,6 +74,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void kindChanged();
     void cardIdChanged();
     void visibleChanged();
+    void windowChanged();
     void moved();
     /// The journey has come on screen: it wants the keys.
     void appeared();
@@ -77,10 +85,12 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void start();
     void appear();
     void show();
+    void hideSensitive();
 
     Kind kind_ = Kind::SetPIN;
     QString cardId_;
     bool visible_ = false;
+    QPointer<QWindow> window_;
     bool complete_ = false;
     ScreenModel even_;
     ScreenModel odd_;

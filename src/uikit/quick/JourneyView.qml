@@ -32,6 +32,7 @@ FocusScope {
 
         cardId: root.cardId
         visible: root.visible && root.Window.visibility !== Window.Hidden
+        window: root.Window.window
         onAppeared: root.forceActiveFocus()
         onMoved: {
             moving.restart();
@@ -71,7 +72,7 @@ FocusScope {
         /// How far the present move has come, from 0 to 1.
         property real progress: 1
         readonly property real radius: root.wide ? 16 : 0
-        readonly property bool covered: journey.current.sheetOpen
+        readonly property bool covered: journey.current.sheetOpen || journey.current.popupOpen
 
         anchors.horizontalCenter: parent.horizontalCenter
         y: root.wide ? Math.round((root.height - height) / 2) : 0
@@ -127,10 +128,21 @@ FocusScope {
 
         KorvaneSlideUpModal {
             anchors.fill: parent
-            focus: panel.covered
-            open: panel.covered
+            focus: journey.current.sheetOpen
+            open: journey.current.sheetOpen
             text: journey.current.sheetText
             control: journey.current.sheetButton
+            radius: panel.radius
+        }
+
+        KorvanePopup {
+            anchors.fill: parent
+            focus: journey.current.popupOpen
+            open: journey.current.popupOpen
+            header: journey.current.popupHeader
+            body: journey.current.popupBody
+            confirm: journey.current.popupConfirm
+            cancel: journey.current.popupCancel
             radius: panel.radius
         }
     }

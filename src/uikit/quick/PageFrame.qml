@@ -98,8 +98,8 @@ FocusScope {
         anchors.horizontalCenter: parent.horizontalCenter
         width: frame.columnWidth
         columns: frame.low ? Math.max(1, buttons.count) : 1
-        topPadding: 8
-        bottomPadding: frame.low ? 8 : 24
+        topPadding: buttons.count === 0 ? 0 : 8
+        bottomPadding: buttons.count === 0 ? 0 : frame.low ? 8 : 24
         spacing: 8
 
         Repeater {

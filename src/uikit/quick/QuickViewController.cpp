@@ -76,4 +76,8 @@ std::unique_ptr<ViewController> ActivateCardAndSetPINFactory::create(const std::
     return std::make_unique<QuickViewController>(QStringLiteral("ActivateCardAndSetPIN"), cardId);
 }
 
+std::unique_ptr<ViewController> GetCardImageFactory::create(const std::string& cardId) {
+    return std::make_unique<QuickViewController>(QStringLiteral("GetCardImage"), cardId);
+}
+
 }  // namespace korvane

@@ -7,9 +7,13 @@
 #include <utility>
 
 #include "base/Secret.h"
+#include "sdk/ChangeNotifications.h"
 
 namespace korvane {
 namespace {
+
+constexpr std::string_view revealControl = "sdk.cardviewer.device.details.reveal";
+constexpr std::string_view freezeControl = "sdk.cardviewer.card.activateAndSetPin.freezeMyCard";
 
 QString text(std::string_view key) {
     return key.empty() ? QString() : QString::fromStdString(ports().stringTable->text(key));
@@ -26,6 +30,7 @@ int stateNumber(const ScreenSnapshot& snapshot, std::string_view name) {
 QString label(const Control& control, const ScreenSnapshot& snapshot) {
     if (control.kind == ControlKind::back) return text("sdk.accessibility.back");
     if (control.kind == ControlKind::close) return text("sdk.accessibility.close");
+    if (control.id == revealControl && control.on) return text("sdk.cardviewer.device.details.hide");
     if (control.id == "sdk.sms.code.resend") {
         const int seconds = stateNumber(snapshot, "resendSeconds");
         if (seconds > 0) return text("sdk.sms.code.resendIn").arg(seconds);
@@ -35,6 +40,7 @@ QString label(const Control& control, const ScreenSnapshot& snapshot) {
 
 ScreenModel::Layout layout(const ScreenSnapshot& snapshot) {
     if (snapshot.passcode) return ScreenModel::Layout::Entry;
+    if (snapshot.card) return ScreenModel::Layout::Viewer;
     const bool button = std::ranges::any_of(
         snapshot.controls, [](const Control& control) { return control.kind == ControlKind::button; });
     return button ? ScreenModel::Layout::Message : ScreenModel::Layout::Waiting;
@@ -48,7 +54,10 @@ bool sameControls(const QList<ControlModel*>& models, const std::vector<Control>
 
 }  // namespace
 
-ScreenModel::ScreenModel(QObject* parent) : QObject(parent) {}
+ScreenModel::ScreenModel(QObject* parent)
+    : QObject(parent),
+      language_(NotificationCenter::defaultCenter().observe(NotificationLanguageChanged,
+                                                            [this](const auto&) { retranslate(); })) {}
 
 ScreenModel::~ScreenModel() {
     if (boxes_) wipe(boxes_->visibleDigits);
@@ -73,17 +82,35 @@ void ScreenModel::update(const ScreenSnapshot& snapshot) {
     if (layout_ != before) emit loaded();
 }
 
+void ScreenModel::retranslate() {
+    if (!journey_) return;
+    const ScreenSnapshot snapshot = journey_->screen();
+    bulletKeys_.clear();
+    describeBoxes();
+    for (ControlModel* const model : std::as_const(controls_)) {
+        // Those under a sheet too, which the snapshot leaves out.
+        model->setLabel(label({model->id(), model->kind(), model->usable(), model->on()}, snapshot));
+        emit model->busyChanged();
+    }
+    take(snapshot);
+    for (DetailModel* const detail : std::as_const(details_)) emit detail->changed();
+    emit card_.changed();
+}
+
 void ScreenModel::take(const ScreenSnapshot& snapshot) {
     const Layout layout = korvane::layout(snapshot);
     QList<QString> body;
     for (const std::string& key : snapshot.body) body.append(text(key));
 
-    // The screen under a sheet stays as it was drawn: only the sheet's button is there to be used.
+    // The screen under a sheet or a question stays as it was drawn: only their buttons are there to be used.
     if (snapshot.sheet) {
         updateSheet(snapshot);
+    } else if (snapshot.popup) {
+        updatePopup(snapshot);
     } else {
         updateControls(snapshot);
     }
+    updateCard(snapshot);
     const int filled = boxes_ ? boxes_->filled : 0;
     updateBoxes(snapshot);
     updateBullets(snapshot);
@@ -96,6 +123,7 @@ void ScreenModel::take(const ScreenSnapshot& snapshot) {
     set(body_, std::move(body), &ScreenModel::bodyChanged);
     set(toast_, text(snapshot.toast), &ScreenModel::toastChanged);
     set(spinner_, snapshot.spinner, &ScreenModel::spinnerChanged);
+    set(popupOpen_, snapshot.popup.has_value(), &ScreenModel::popupOpenChanged);
     set(sheetOpen_, snapshot.sheet.has_value(), &ScreenModel::sheetOpenChanged);
 
     const bool emptied = boxes_ && boxes_->filled == 0 && filled > 0;
@@ -106,16 +134,49 @@ void ScreenModel::take(const ScreenSnapshot& snapshot) {
 
 void ScreenModel::updateSheet(const ScreenSnapshot& snapshot) {
     set(sheetText_, text(snapshot.sheet->text), &ScreenModel::sheetTextChanged);
-    for (const Control& control : snapshot.controls) {
-        if (control.id != snapshot.sheet->button) continue;
-        if (!sheetButton_ || sheetButton_->id() != control.id) {
-            if (sheetButton_) sheetButton_->deleteLater();
-            sheetButton_ = makeControl(control, true);
-            emit sheetButtonChanged();
-        }
-        sheetButton_->setUsable(control.enabled);
-        sheetButton_->setLabel(label(control, snapshot));
+    ControlModel* const before = sheetButton_;
+    replace(sheetButton_, snapshot.sheet->button, true, snapshot);
+    if (sheetButton_ != before) emit sheetButtonChanged();
+}
+
+void ScreenModel::updatePopup(const ScreenSnapshot& snapshot) {
+    popupHeader_ = text(snapshot.popup->header);
+    popupBody_ = text(snapshot.popup->body);
+    replace(popupConfirm_, snapshot.popup->confirm, true, snapshot);
+    replace(popupCancel_, snapshot.popup->cancel, false, snapshot);
+    emit popupChanged();
+}
+
+void ScreenModel::replace(ControlModel*& model, const std::string& id, bool primary,
+                          const ScreenSnapshot& snapshot) {
+    const auto control = std::ranges::find(snapshot.controls, id, &Control::id);
+    if (control == snapshot.controls.end()) return;
+    if (!model || model->id() != id) {
+        if (model) model->deleteLater();
+        model = makeControl(*control, primary);
     }
+    model->setUsable(control->enabled);
+    model->setLabel(label(*control, snapshot));
+}
+
+void ScreenModel::updateCard(const ScreenSnapshot& snapshot) {
+    card_.update(snapshot.card.value_or(CardFace{}), find(snapshot.card ? snapshot.card->button : ""));
+    set(disclosure_, QString::fromStdString(snapshot.disclosureText), &ScreenModel::disclosureChanged);
+    const bool same = std::ranges::equal(
+        details_, snapshot.rows,
+        [](const DetailModel* model, const DetailRow& row) { return model->id() == row.id; });
+    if (!same) {
+        const QList<DetailModel*> old = std::exchange(details_, {});
+        for (const DetailRow& row : snapshot.rows) details_.append(new DetailModel(row, find(row.id), this));
+        emit detailsChanged();
+        for (DetailModel* const detail : old) detail->deleteLater();
+    }
+    for (std::size_t i = 0; i < snapshot.rows.size(); ++i)
+        details_[static_cast<qsizetype>(i)]->update(snapshot.rows[i], find(snapshot.rows[i].id));
+}
+
+void ScreenModel::forgetSecrets() {
+    for (DetailModel* const detail : details_) detail->forgetSecret();
 }
 
 void ScreenModel::updateControls(const ScreenSnapshot& snapshot) {
@@ -126,7 +187,8 @@ void ScreenModel::updateControls(const ScreenSnapshot& snapshot) {
             const bool button = control.kind == ControlKind::button;
             ControlModel* const model = makeControl(control, button && buttons_.isEmpty());
             controls_.append(model);
-            if (button) buttons_.append(model);
+            // The viewer's stands on the card.
+            if (button && !snapshot.card) buttons_.append(model);
         }
         emit controlsChanged();
         for (ControlModel* const model : old) model->deleteLater();
@@ -137,7 +199,10 @@ void ScreenModel::updateControls(const ScreenSnapshot& snapshot) {
         ControlModel* const model = controls_[static_cast<qsizetype>(i)];
         model->setUsable(control.enabled);
         model->setLabel(label(control, snapshot));
-        const bool source = lastUsed_.empty() ? model->primary() : model->id() == lastUsed_;
+        model->setOn(control.on);
+        const bool source = snapshot.card       ? model->id() == freezeControl
+                            : lastUsed_.empty() ? model->primary()
+                                                : model->id() == lastUsed_;
         model->setBusy(snapshot.spinner && source);
     }
     if (!snapshot.spinner) lastUsed_.clear();
@@ -171,6 +236,10 @@ void ScreenModel::updateBoxes(const ScreenSnapshot& snapshot) {
     if (same) return;
     if (boxes_) wipe(boxes_->visibleDigits);
     boxes_ = next;
+    describeBoxes();
+}
+
+void ScreenModel::describeBoxes() {
     passcodeDescription_ =
         boxes_
             ? text("sdk.accessibility.passcode").arg(text(boxes_->id)).arg(boxes_->filled).arg(boxes_->size)
@@ -182,6 +251,19 @@ ControlModel* ScreenModel::first(ControlKind kind) const {
     const auto found =
         std::ranges::find_if(controls_, [kind](const ControlModel* c) { return c->kind() == kind; });
     return found == controls_.end() ? nullptr : *found;
+}
+
+ControlModel* ScreenModel::find(std::string_view id) const {
+    const auto found = std::ranges::find(controls_, id, &ControlModel::id);
+    return found == controls_.end() ? nullptr : *found;
+}
+
+ControlModel* ScreenModel::revealSwitch() const {
+    return find(revealControl);
+}
+
+ControlModel* ScreenModel::freezeSwitch() const {
+    return find(freezeControl);
 }
 
 void ScreenModel::perform(const std::string& controlId) {
@@ -203,7 +285,7 @@ void ScreenModel::submit() {
 }
 
 bool ScreenModel::escape() {
-    ControlModel* const control = sheetOpen_ ? sheetButton_ : back();
+    ControlModel* const control = popupOpen_ ? popupCancel_ : sheetOpen_ ? sheetButton_ : back();
     if (!control || !control->usable()) return false;
     control->activate();
     return true;

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/CloseNotification.h>
 #include <korvane/Journey.h>
 
 #include <QtQml/qqmlregistration.h>
 #include <QList>
 #include <QObject>
 #include <QQmlListProperty>
+#include <memory>
 #include <string_view>
 
+#include "uikit/quick/CardModel.h"
 #include "uikit/quick/ControlModel.h"
 
 namespace korvane {
@@ -16,7 +19,8 @@ namespace korvane {
 /// One screen of a journey as typed properties with texts in the user's language. Main thread.
 ///
 /// A property signals only when its own value changed, so nothing flickers and the focus stays. No property
-/// holds a digit: the boxes are drawn by `PasscodeItem`, which asks in C++.
+/// holds a digit: the boxes are drawn by `PasscodeItem` and the card's numbers by `CardValue`, which ask in
+/// C++.
 class ScreenModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -45,14 +49,29 @@ class ScreenModel : public QObject {
     /// What the boxes are and how far they are filled, for people who do not see them.
     Q_PROPERTY(QString passcodeDescription READ passcodeDescription NOTIFY passcodeChanged)
 
+    /// Of the card viewer.
+    Q_PROPERTY(korvane::CardModel* card READ card CONSTANT)
+    Q_PROPERTY(QQmlListProperty<korvane::DetailModel> details READ details NOTIFY detailsChanged)
+    Q_PROPERTY(korvane::ControlModel* revealSwitch READ revealSwitch NOTIFY controlsChanged)
+    Q_PROPERTY(korvane::ControlModel* freezeSwitch READ freezeSwitch NOTIFY controlsChanged)
+    Q_PROPERTY(QString disclosure READ disclosure NOTIFY disclosureChanged)
+
+    /// A question over the screen; its words and buttons stay while it fades away.
+    Q_PROPERTY(bool popupOpen READ popupOpen NOTIFY popupOpenChanged)
+    Q_PROPERTY(QString popupHeader READ popupHeader NOTIFY popupChanged)
+    Q_PROPERTY(QString popupBody READ popupBody NOTIFY popupChanged)
+    Q_PROPERTY(korvane::ControlModel* popupConfirm READ popupConfirm NOTIFY popupChanged)
+    Q_PROPERTY(korvane::ControlModel* popupCancel READ popupCancel NOTIFY popupChanged)
+
     /// The sheet's text and button stay while it slides away.
     Q_PROPERTY(bool sheetOpen READ sheetOpen NOTIFY sheetOpenChanged)
     Q_PROPERTY(QString sheetText READ sheetText NOTIFY sheetTextChanged)
     Q_PROPERTY(korvane::ControlModel* sheetButton READ sheetButton NOTIFY sheetButtonChanged)
 
   public:
-    /// How the parts are arranged: a turning wheel alone, boxes to type in, or a picture with words.
-    enum class Layout { Waiting, Entry, Message };
+    /// How the parts are arranged: a turning wheel alone, boxes to type in, a picture with words, or the
+    /// card.
+    enum class Layout { Waiting, Entry, Message, Viewer };
     Q_ENUM(Layout)
 
     explicit ScreenModel(QObject* parent = nullptr);
@@ -74,6 +93,16 @@ class ScreenModel : public QObject {
     ControlModel* passcode() const { return first(ControlKind::passcode); }
     QQmlListProperty<ControlModel> buttons() { return {this, &buttons_}; }
     QString passcodeDescription() const { return passcodeDescription_; }
+    CardModel* card() { return &card_; }
+    QQmlListProperty<DetailModel> details() { return {this, &details_}; }
+    ControlModel* revealSwitch() const;
+    ControlModel* freezeSwitch() const;
+    QString disclosure() const { return disclosure_; }
+    bool popupOpen() const { return popupOpen_; }
+    QString popupHeader() const { return popupHeader_; }
+    QString popupBody() const { return popupBody_; }
+    ControlModel* popupConfirm() const { return popupConfirm_; }
+    ControlModel* popupCancel() const { return popupCancel_; }
     bool sheetOpen() const { return sheetOpen_; }
     QString sheetText() const { return sheetText_; }
     ControlModel* sheetButton() const { return sheetButton_; }
@@ -85,6 +114,9 @@ class ScreenModel : public QObject {
     /// Where use goes to; none for a screen that is no longer shown, so that a late tap on it does nothing.
     void attach(Journey* journey) { journey_ = journey; }
 
+    /// Puts no more than masks over card data, for a journey that has ended.
+    void forgetSecrets();
+
     /// The boxes, for the item that draws them.
     const std::optional<PasscodeBoxes>& boxes() const { return boxes_; }
     void insertText(std::string_view text);
@@ -92,7 +124,7 @@ class ScreenModel : public QObject {
     /// Uses the primary button when it is usable, as the Enter key does.
     void submit();
 
-    /// Answers Escape: closes the sheet, else goes back. False when there is neither.
+    /// Answers Escape: cancels the question or closes the sheet, else goes back. False when there is none.
     Q_INVOKABLE bool escape();
 
   signals:
@@ -108,6 +140,10 @@ class ScreenModel : public QObject {
     void spinnerChanged();
     void controlsChanged();
     void passcodeChanged();
+    void detailsChanged();
+    void disclosureChanged();
+    void popupOpenChanged();
+    void popupChanged();
     void sheetOpenChanged();
     void sheetTextChanged();
     void sheetButtonChanged();
@@ -119,12 +155,18 @@ class ScreenModel : public QObject {
   private:
     template <class Value>
     void set(Value& field, Value value, void (ScreenModel::*changed)());
+    void retranslate();
     void take(const ScreenSnapshot& snapshot);
     void updateSheet(const ScreenSnapshot& snapshot);
+    void updatePopup(const ScreenSnapshot& snapshot);
+    void updateCard(const ScreenSnapshot& snapshot);
     void updateControls(const ScreenSnapshot& snapshot);
     void updateBullets(const ScreenSnapshot& snapshot);
     void updateBoxes(const ScreenSnapshot& snapshot);
+    void describeBoxes();
     ControlModel* first(ControlKind kind) const;
+    ControlModel* find(std::string_view id) const;
+    void replace(ControlModel*& model, const std::string& id, bool primary, const ScreenSnapshot& snapshot);
     ControlModel* makeControl(const Control& control, bool primary);
     void perform(const std::string& controlId);
 
@@ -145,9 +187,18 @@ class ScreenModel : public QObject {
     std::string lastUsed_;  ///< the control that a call under way came from
     std::optional<PasscodeBoxes> boxes_;
     QString passcodeDescription_;
+    CardModel card_{this};
+    QList<DetailModel*> details_;
+    QString disclosure_;
+    bool popupOpen_ = false;
+    QString popupHeader_;
+    QString popupBody_;
+    ControlModel* popupConfirm_ = nullptr;
+    ControlModel* popupCancel_ = nullptr;
     bool sheetOpen_ = false;
     QString sheetText_;
     ControlModel* sheetButton_ = nullptr;
+    std::shared_ptr<NotificationCenter::Observation> language_;
 };
 
 }  // namespace korvane

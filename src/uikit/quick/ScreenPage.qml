@@ -14,7 +14,7 @@ FocusScope {
     property real radius: 0
 
     /// Of `ScreenModel.layout`, in its order.
-    readonly property list<string> arrangements: ["WaitingPage.qml", "EntryPage.qml", "MessagePage.qml"]
+    readonly property list<string> arrangements: ["WaitingPage.qml", "EntryPage.qml", "MessagePage.qml", "CardViewerPage.qml"]
     readonly property real footerHeight: (loader.item as PageFrame)?.footerHeight ?? 0
     readonly property bool above: current ? move !== JourneyModel.Pop : move === JourneyModel.Pop
     readonly property bool slides: move === JourneyModel.Push || move === JourneyModel.Pop

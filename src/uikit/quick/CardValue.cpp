@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "uikit/quick/CardValue.h"
+
+#include <QAccessible>
+#include <QAccessibleObject>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QQuickWindow>
+#include <cmath>
+#include <mutex>
+#include <string_view>
+
+namespace korvane {
+namespace {
+
+bool isNumber(std::string_view value) {
+    return value.find_first_not_of("0123456789#") == std::string_view::npos;
+}
+
+/// A card number as it is embossed: groups of four.
+QString grouped(std::string_view value) {
+    if (value.size() < 8 || !isNumber(value)) return QString::fromUtf8(value.data(), qsizetype(value.size()));
+    QString groups;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (i > 0 && i % 4 == 0) groups += u' ';
+        groups += QLatin1Char(value[i]);
+    }
+    return groups;
+}
+
+/// What accessibility learns of the item.
+class CardValueInterface final : public QAccessibleObject {
+  public:
+    explicit CardValueInterface(CardValue* item) : QAccessibleObject(item) {}
+
+    QAccessibleInterface* parent() const override {
+        for (const QQuickItem* above = item().parentItem(); above; above = above->parentItem()) {
+            if (auto* const found = QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(above)))
+                return found;
+        }
+        return QAccessible::queryAccessibleInterface(item().window());
+    }
+    QAccessibleInterface* child(int) const override { return nullptr; }
+    int childCount() const override { return 0; }
+    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+    QWindow* window() const override { return item().window(); }
+
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Name ? item().spokenDigits() : QString();
+    }
+    QRect rect() const override {
+        if (!item().window()) return {};
+        const QRect area = item().mapRectToScene(item().boundingRect()).toAlignedRect();
+        return {item().window()->mapToGlobal(area.topLeft()), area.size()};
+    }
+    QAccessible::Role role() const override { return QAccessible::StaticText; }
+    QAccessible::State state() const override {
+        QAccessible::State state;
+        state.readOnly = true;
+        state.focusable = item().activeFocusOnTab();
+        state.focused = item().hasActiveFocus();
+        state.invisible = !item().isVisible() || item().spokenDigits().isEmpty();
+        return state;
+    }
+
+  private:
+    const CardValue& item() const { return *static_cast<const CardValue*>(object()); }
+};
+
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
+    auto* const item =
+        className == QLatin1StringView("korvane::CardValue") ? qobject_cast<CardValue*>(object) : nullptr;
+    return item ? new CardValueInterface(item) : nullptr;
+}
+
+}  // namespace
+
+CardValue::CardValue(QQuickItem* parent) : QQuickPaintedItem(parent) {
+    static std::once_flag installed;
+    std::call_once(installed, [] { QAccessible::installFactory(makeInterface); });
+    setAntialiasing(true);
+}
+
+void CardValue::setDetail(DetailModel* detail) {
+    if (detail_ == detail) return;
+    if (detail_) disconnect(detail_, nullptr, this, nullptr);
+    detail_ = detail;
+    if (detail_) connect(detail_, &DetailModel::changed, this, &CardValue::redraw);
+    emit detailChanged();
+    redraw();
+}
+
+void CardValue::setMirrored(bool mirrored) {
+    if (mirrored_ == mirrored) return;
+    mirrored_ = mirrored;
+    emit mirroredChanged();
+    update();
+}
+
+QString CardValue::spokenDigits() const {
+    if (!detail_ || !detail_->revealed()) return {};
+    QString digits;
+    for (const char digit : detail_->value()) {
+        if (!digits.isEmpty()) digits += u' ';
+        digits += QLatin1Char(digit);
+    }
+    return digits;
+}
+
+void CardValue::componentComplete() {
+    QQuickPaintedItem::componentComplete();
+    theme_ = Theme::of(this);
+    if (theme_) connect(theme_, &Theme::changed, this, &CardValue::redraw);
+    redraw();
+}
+
+void CardValue::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickPaintedItem::geometryChange(now, before);
+    if (now.width() != before.width()) redraw();
+}
+
+QString CardValue::words() const {
+    if (!detail_) return {};
+    // What is missing is said in words.
+    return detail_->value().empty() && !detail_->copyable() ? detail_->spokenValue()
+                                                            : grouped(detail_->value());
+}
+
+int CardValue::flags() const {
+    return Qt::TextWordWrap | Qt::AlignVCenter | (mirrored_ ? Qt::AlignRight : Qt::AlignLeft) |
+           Qt::AlignAbsolute;
+}
+
+void CardValue::redraw() {
+    const bool reachable = detail_ && detail_->revealed();
+    setActiveFocusOnTab(reachable);
+    if (!reachable && hasActiveFocus()) nextItemInFocusChain(false)->forceActiveFocus(Qt::BacktabFocusReason);
+    if (theme_ && width() > 0) {
+        QString text = words();
+        const QFontMetricsF metrics(theme_->body());
+        setImplicitHeight(
+            std::ceil(metrics.boundingRect(QRectF(0, 0, width(), 10000), flags(), text).height()));
+        text.fill(u'\0');
+    }
+    update();
+}
+
+void CardValue::paint(QPainter* painter) {
+    if (!theme_ || !detail_) return;
+    const bool inClear = !detail_->masked() && detail_->copyable();
+    QString text = words();
+    painter->setFont(theme_->body());
+    painter->setPen(inClear ? theme_->colorOnBackground() : theme_->hintText());
+    // Digits stand from left to right in every language.
+    painter->setLayoutDirection(isNumber(detail_->value()) ? Qt::LeftToRight : Qt::LayoutDirectionAuto);
+    painter->drawText(QRectF(0, 0, width(), height()), flags(), text);
+    text.fill(u'\0');
+}
+
+}  // namespace korvane
