@@ -9,7 +9,7 @@
 #include <memory>
 #include <optional>
 
-#include "tests/flows/ScriptedService.h"
+#include "tests/support/ScriptedService.h"
 #include "uikit/quick/ScreenModel.h"
 #include "uikit/quick/Theme.h"
 
