@@ -9,25 +9,10 @@
 #include "platform/qt/QtImageDecoder.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtPasteboard.h"
-#include "platform/qt/QtStringTable.h"
 #include "platform/qt/QtTimers.h"
+#include "uikit/quick/ComponentTexts.h"
 
 namespace korvane {
-namespace {
-
-std::shared_ptr<StringTable> componentTexts() {
-    auto table = std::make_shared<QtStringTable>();
-    QStringList languages = QLocale().uiLanguages();
-    languages.append(QStringLiteral("en"));
-    for (const QString& language : languages) {
-        const QString code = language.section(u'-', 0, 0);
-        if (table->load(QStringLiteral(":/korvane/i18n/korvane_%1.qm").arg(code))) break;
-    }
-    return table;
-}
-
-}  // namespace
-
 Ports qtPorts(const std::string& caFile) {
     CurlUrlSessionOptions session;
     session.caFile = caFile;
