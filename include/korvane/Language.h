@@ -27,7 +27,8 @@ std::vector<std::string> languages();
 /// @return false, and nothing changes, when it is neither
 bool setLanguage(const std::string& language);
 
-/// The language in use, as it was given to `setLanguage` ("fr-CH"); empty with a string table of the host's.
+/// The language in use, as it was given to `setLanguage` ("fr-CH"); empty when the string table does not
+/// tell.
 std::string language();
 
 /// The language in use is written from right to left, and the screens are mirrored.

@@ -28,12 +28,16 @@ bool installPorts(Ports ports) {
     return true;
 }
 
+bool portsInstalled() {
+    return installed().mainQueue != nullptr;
+}
+
 void uninstallPorts() {
     const Ports last = std::exchange(installed(), Ports{});
 }
 
 const Ports& ports() {
-    if (!installed().mainQueue) {
+    if (!portsInstalled()) {
         std::fputs("korvane: call installPorts before anything else of the component\n", stderr);
         std::abort();
     }

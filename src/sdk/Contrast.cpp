@@ -47,11 +47,11 @@ constexpr Pair pairs[] = {
     {hintText, background, text},
     {inputText, surface, text},
     {inputLabel, background, text},
+    {primary, background, text},
     // A border separates what is on its two sides.
     {inputBorder, surface, shape},
     {inputBorder, background, shape},
-    // The focus ring, and the border of the box that takes the next digit.
-    {primary, background, shape},
+    // The focus ring on a sheet, and the border of the box that takes the next digit.
     {primary, surface, shape},
     {error, surface, shape},
     {success, background, shape},

@@ -36,6 +36,9 @@ struct Ports {
 /// meant for tests between journeys. Returns false, and installs nothing, when a port is missing.
 bool installPorts(Ports ports);
 
+/// Ports are in use. Main thread.
+bool portsInstalled();
+
 /// Lets go of the ports, at the end of an app's `main` when no journey is left. The adapters then end their
 /// threads while the libraries that they use are still there; without this they run until the process ends.
 /// Main thread.

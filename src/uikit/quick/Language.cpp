@@ -67,8 +67,7 @@ bool setLanguage(const std::string& language) {
 }
 
 std::string language() {
-    const auto table = ours();
-    return table ? table->language() : std::string{};
+    return ports().stringTable->language();
 }
 
 bool isRightToLeft() {

@@ -1,30 +1,40 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "uikit/quick/Theme.h"
 
+#include <korvane/Contrast.h>
+#include <korvane/Language.h>
+#include <korvane/platform/Ports.h>
+
 #include <QFontDatabase>
 #include <QQmlEngine>
 #include <algorithm>
-#include <cmath>
 
+#include "sdk/ChangeNotifications.h"
 #include "sdk/SdkConfig.h"
 
 namespace korvane {
 namespace {
 
-/// The named face where the device has it, else the family that stands in for it.
-QString installedFamily(const QStringList& wanted) {
-    const QStringList families = QFontDatabase::families();
-    for (const QString& family : wanted) {
-        if (families.contains(family)) return family;
+/// The named face, or the family that it belongs to, or what stands in for it: first a geometric sans-serif
+/// with real Medium and Bold cuts, then the device's own sans-serif. Behind it a family of the same weight
+/// for Arabic, which none of them draws.
+QStringList families(const QString& face) {
+    const QStringList installed = QFontDatabase::families();
+    QStringList chosen;
+    for (const QString& family : {face, QStringLiteral("Avenir Next"), QStringLiteral("Manrope"),
+                                  QStringLiteral("Nunito Sans"), QStringLiteral("sans-serif")}) {
+        chosen = {family};
+        if (installed.contains(family)) break;
     }
-    return wanted.last();
+    for (const QString& family :
+         {QStringLiteral("Noto Sans Arabic UI"), QStringLiteral("Noto Sans Arabic")}) {
+        if (installed.contains(family)) chosen.append(family);
+    }
+    return chosen;
 }
 
-double luminance(const QColor& color) {
-    const auto linear = [](double part) {
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+Color fromQt(const QColor& color) {
+    return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
 }
 
 }  // namespace
@@ -36,14 +46,21 @@ QColor mixed(const QColor& one, const QColor& other, double part) {
 }
 
 double contrast(const QColor& one, const QColor& other) {
-    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
-    return (light + 0.05) / (dark + 0.05);
+    return contrastRatio(fromQt(one), fromQt(other));
 }
 
 Theme::Theme(QObject* parent)
     : QObject(parent),
-      bold_(installedFamily({"AvenirNext-Bold", "Avenir Next", "Manrope"})),
-      medium_(installedFamily({"AvenirNext-Medium", "Avenir Next", "Manrope"})) {}
+      bold_(families(QStringLiteral("AvenirNext-Bold"))),
+      medium_(families(QStringLiteral("AvenirNext-Medium"))),
+      appearance_(NotificationCenter::defaultCenter().observe(NotificationAppearanceChanged,
+                                                              [this](const auto&) { refresh(); })),
+      language_(NotificationCenter::defaultCenter().observe(NotificationLanguageChanged,
+                                                            [this](const auto&) { turn(); })) {
+    if (!portsInstalled()) return;
+    refresh();
+    turn();
+}
 
 Theme* Theme::of(const QObject* object) {
     QQmlEngine* const engine = qmlEngine(object);
@@ -56,6 +73,12 @@ void Theme::refresh() {
     colors_ = config.colors;
     radii_ = config.cornerRadii;
     emit changed();
+}
+
+void Theme::turn() {
+    if (mirrored_ == isRightToLeft()) return;
+    mirrored_ = !mirrored_;
+    emit mirroredChanged();
 }
 
 QColor Theme::errorText() const {
@@ -101,8 +124,9 @@ QColor Theme::toQt(const Color& color) {
     return QColor::fromRgbF(part(color.red), part(color.green), part(color.blue), part(color.opacity));
 }
 
-QFont Theme::font(const QString& family, QFont::Weight weight, int pixelSize) {
-    QFont font(family);
+QFont Theme::font(const QStringList& families, QFont::Weight weight, int pixelSize) {
+    QFont font(families);
+    font.setStyleHint(QFont::SansSerif);
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
     return font;

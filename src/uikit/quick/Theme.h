@@ -2,19 +2,22 @@
 #pragma once
 
 #include <korvane/Appearance.h>
+#include <korvane/CloseNotification.h>
 
 #include <QtQml/qqmlregistration.h>
 #include <QColor>
 #include <QFont>
 #include <QObject>
+#include <QStringList>
+#include <memory>
 
 namespace korvane {
 
 /// The look of everything that the module draws: the host's colours and corner radii, the tones that follow
 /// from them, the type scale and the pace of motion. One per QML engine; main thread.
 ///
-/// It starts with the default palette and takes over what `initialize` stored whenever a screen is shown, so
-/// a later call restyles the screens drawn after it.
+/// It takes over what `initialize` stores as soon as it is stored: a later call repaints what is on screen.
+/// Before the first one it has the default palette.
 class Theme : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -61,6 +64,9 @@ class Theme : public QObject {
     Q_PROPERTY(QFont button READ button CONSTANT)
     Q_PROPERTY(QFont caption READ caption CONSTANT)
 
+    /// The language in use runs from right to left.
+    Q_PROPERTY(bool mirrored READ mirrored NOTIFY mirroredChanged)
+
     /// No slides, fades or turning: for people whom motion disturbs, and for pictures. The host sets it.
     Q_PROPERTY(bool reducedMotion READ reducedMotion WRITE setReducedMotion NOTIFY reducedMotionChanged)
     /// Length of a move in ms; 0 with reduced motion.
@@ -74,6 +80,8 @@ class Theme : public QObject {
 
     /// Takes over the palette and radii that `initialize` stored. Needs installed ports.
     void refresh();
+
+    bool mirrored() const { return mirrored_; }
 
     QColor primary() const { return toQt(colors_.primary); }
     QColor colorOnPrimary() const { return toQt(colors_.colorOnPrimary); }
@@ -117,17 +125,22 @@ class Theme : public QObject {
 
   signals:
     void changed();
+    void mirroredChanged();
     void reducedMotionChanged();
 
   private:
     static QColor toQt(const Color& color);
-    static QFont font(const QString& family, QFont::Weight weight, int pixelSize);
+    void turn();
+    static QFont font(const QStringList& families, QFont::Weight weight, int pixelSize);
 
     KorvaneColors colors_;
     KorvaneCornerRadii radii_;
-    QString bold_;
-    QString medium_;
+    QStringList bold_;
+    QStringList medium_;
+    bool mirrored_ = false;
     bool reducedMotion_ = false;
+    std::shared_ptr<NotificationCenter::Observation> appearance_;
+    std::shared_ptr<NotificationCenter::Observation> language_;
 };
 
 /// `one` with a part of `other` in it: 0 is `one`, 1 is `other`. Opaque.
