@@ -6,20 +6,58 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
-#include <thread>
 
 namespace korvane::testing {
 
+/// What befalls a check that is under way.
+enum class Happening { match, noMatch, retryThenMatch, cancel, lostReader };
+
 /// What every biometric check keeps to. A driver has `std::shared_ptr<BiometricContext> context`, which can
-/// evaluate, `answer(match)`, which has the user touch the reader, `runUntil(condition)` and `settle()`,
-/// which gives a stray reply its chance.
+/// evaluate, `has(happening)`, which befalls the oldest check, `forgetFingers()`, `runUntil(condition)` and
+/// `settle()`, which gives a stray reply its chance.
 template <class Driver>
 class BiometricContextContract : public ::testing::Test {
   protected:
+    /// What a check answers.
+    bool answer(const std::function<void()>& meanwhile) {
+        std::atomic<int> replies = 0;
+        std::atomic<bool> matched = false;
+        const auto check = driver.context->evaluate("reason", [&](bool success) {
+            matched = success;
+            ++replies;
+        });
+        EXPECT_EQ(replies, 0) << "never from inside";
+        meanwhile();
+        driver.runUntil([&] { return replies > 0; });
+        driver.settle();
+        EXPECT_EQ(replies, 1);
+        return matched;
+    }
+    void expectUnavailable() {
+        driver.runUntil([this] { return !driver.context->canEvaluate(); });
+        EXPECT_FALSE(answer([] {}));
+    }
+
     Driver driver;
 };
 TYPED_TEST_SUITE_P(BiometricContextContract);
+
+TYPED_TEST_P(BiometricContextContract, RepliesTrueOnAMatchAlone) {
+    ASSERT_TRUE(this->driver.context->canEvaluate());
+    for (const auto& [happening, matched] : {std::pair{Happening::match, true},
+                                             {Happening::noMatch, false},
+                                             {Happening::retryThenMatch, true},
+                                             {Happening::cancel, false},
+                                             {Happening::lostReader, false}}) {
+        EXPECT_EQ(this->answer([&, one = happening] { this->driver.has(one); }), matched);
+    }
+    this->expectUnavailable();
+}
+
+TYPED_TEST_P(BiometricContextContract, WithoutAFingerThereIsNoCheck) {
+    this->driver.forgetFingers();
+    this->expectUnavailable();
+}
 
 TYPED_TEST_P(BiometricContextContract, AReleasedCheckNeverReplies) {
     std::atomic<int> replies = 0;
@@ -29,7 +67,7 @@ TYPED_TEST_P(BiometricContextContract, AReleasedCheckNeverReplies) {
             ++*p;
             ++replies;
         });
-        if (round % 2) this->driver.answer(true);
+        if (round % 2) this->driver.has(Happening::match);
         check.reset();
         target.reset();
     }
@@ -38,39 +76,20 @@ TYPED_TEST_P(BiometricContextContract, AReleasedCheckNeverReplies) {
     EXPECT_EQ(replies, before);
 }
 
-TYPED_TEST_P(BiometricContextContract, RepliesTrueOnAMatchAlone) {
-    ASSERT_TRUE(this->driver.context->canEvaluate());
-    for (const bool match : {true, false}) {
-        std::atomic<int> replies = 0;
-        std::atomic<bool> got = !match;
-        auto check = this->driver.context->evaluate("reason", [&](bool success) {
-            got = success;
-            ++replies;
-        });
-        EXPECT_EQ(replies, 0);  // never from inside
-        this->driver.answer(match);
-        this->driver.runUntil([&] { return replies > 0; });
-        EXPECT_EQ(got, match);
-        this->driver.settle();
-        EXPECT_EQ(replies, 1);
-    }
-}
-
 TYPED_TEST_P(BiometricContextContract, ACheckMayBeReleasedInItsOwnReply) {
-    auto held = std::make_shared<int>();
+    const auto held = std::make_shared<int>();
     std::unique_ptr<BiometricEvaluation> check;
     std::atomic<bool> replied = false;
     check = this->driver.context->evaluate("reason", [&, held](bool) {
         check.reset();
         replied = true;
     });
-    this->driver.answer(true);
+    this->driver.has(Happening::match);
     this->driver.runUntil([&] { return replied.load() && held.use_count() == 1; });
-    EXPECT_EQ(check, nullptr);
     EXPECT_EQ(held.use_count(), 1) << "a reply stays in memory after it ran";
 }
 
-REGISTER_TYPED_TEST_SUITE_P(BiometricContextContract, AReleasedCheckNeverReplies, RepliesTrueOnAMatchAlone,
-                            ACheckMayBeReleasedInItsOwnReply);
+REGISTER_TYPED_TEST_SUITE_P(BiometricContextContract, RepliesTrueOnAMatchAlone, WithoutAFingerThereIsNoCheck,
+                            AReleasedCheckNeverReplies, ACheckMayBeReleasedInItsOwnReply);
 
 }  // namespace korvane::testing

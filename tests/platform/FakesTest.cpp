@@ -52,7 +52,11 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Fake, SecureItemStoreContract, FakeStoreDriver);
 
 struct FakeBiometricDriver : FakeQueueDriver {
     std::shared_ptr<FakeBiometricContext> context = std::make_shared<FakeBiometricContext>(queue);
-    void answer(bool match) { context->answer(match); }
+    void has(Happening happening) {
+        if (happening == Happening::lostReader) context->setAvailable(false);
+        context->answer(happening == Happening::match || happening == Happening::retryThenMatch);
+    }
+    void forgetFingers() { context->setAvailable(false); }
     void settle() { turn(); }
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, BiometricContextContract, FakeBiometricDriver);

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/SecretServiceStore.h"
 
-#include <gio/gio.h>
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include <map>
+#include <chrono>
 
 #include "tests/platform/SecureItemStoreContract.h"
 #include "tests/platform/support/Daemons.h"
@@ -14,8 +13,8 @@ namespace korvane::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using ::testing::AnyOf;
 using ::testing::Each;
+using ::testing::HasSubstr;
 using ::testing::Lt;
 
 struct KeyringDriver {
@@ -35,35 +34,27 @@ class SecretService : public ::testing::Test {
 
     /// The items of the login collection that have these attributes.
     std::vector<std::string> items() {
-        GVariantBuilder attributes;
-        g_variant_builder_init(&attributes, G_VARIANT_TYPE("a{ss}"));
-        g_variant_builder_add(&attributes, "{ss}", "service", "service");
-        g_variant_builder_add(&attributes, "{ss}", "account", "account");
-        GVariant* reply = keyring.bus.call(name, keyring.loginPath, "org.freedesktop.Secret.Collection",
-                                           "SearchItems", g_variant_new("(a{ss})", &attributes));
-        std::vector<std::string> paths;
-        GVariantIter* each = nullptr;
-        g_variant_get(reply, "(ao)", &each);
-        for (const char* path = nullptr; g_variant_iter_next(each, "&o", &path);) paths.emplace_back(path);
-        g_variant_iter_free(each);
-        g_variant_unref(reply);
-        return paths;
+        const auto reply =
+            keyring.bus.call(name, keyring.loginPath, "org.freedesktop.Secret.Collection", "SearchItems",
+                             g_variant_new_parsed("({'service': 'service', 'account': 'account'},)"));
+        const GLibPtr<GVariant> paths(g_variant_get_child_value(reply.get(), 0));
+        const std::unique_ptr<const char*, decltype(&g_free)> texts(g_variant_get_objv(paths.get(), nullptr),
+                                                                    g_free);
+        return {texts.get(), texts.get() + g_variant_n_children(paths.get())};
     }
 
     /// An item of the same attributes, as another program may make it.
     void addAnother(const char* value) {
-        const char* const service = "/org/freedesktop/secrets";
-        GVariant* opened = keyring.bus.call(name, service, "org.freedesktop.Secret.Service", "OpenSession",
-                                            g_variant_new("(sv)", "plain", g_variant_new_string("")));
+        const auto opened =
+            keyring.bus.call(name, "/org/freedesktop/secrets", "org.freedesktop.Secret.Service",
+                             "OpenSession", g_variant_new("(sv)", "plain", g_variant_new_string("")));
         const char* session = nullptr;
-        g_variant_get_child(opened, 1, "&o", &session);
-        GVariant* item = g_variant_new_parsed(
-            "({'org.freedesktop.Secret.Item.Attributes': <{'service': 'service', 'account': 'account'}>},"
-            " (%o, @ay [], %^ay, 'text/plain'), false)",
-            session, value);
-        g_variant_unref(keyring.bus.call(name, keyring.loginPath, "org.freedesktop.Secret.Collection",
-                                         "CreateItem", item));
-        g_variant_unref(opened);
+        g_variant_get_child(opened.get(), 1, "&o", &session);
+        keyring.bus.call(name, keyring.loginPath, "org.freedesktop.Secret.Collection", "CreateItem",
+                         g_variant_new_parsed("({'org.freedesktop.Secret.Item.Attributes':"
+                                              " <{'service': 'service', 'account': 'account'}>},"
+                                              " (%o, @ay [], %^ay, 'text/plain'), false)",
+                                              session, value));
     }
 
     static constexpr const char* name = "org.freedesktop.secrets";
@@ -74,15 +65,12 @@ class SecretService : public ::testing::Test {
 TEST_F(SecretService, KeepsValuesBeyondTheDaemonAndNothingInClearButTheirNames) {
     keyring.start();
     EXPECT_EQ(store.add("service", "account", "secret"), secureItemSuccess);
-    GVariant* reply = keyring.bus.call(name, items().at(0), "org.freedesktop.DBus.Properties", "GetAll",
-                                       g_variant_new("(s)", "org.freedesktop.Secret.Item"));
-    char* printed = g_variant_print(reply, FALSE);
-    const std::string shown = printed;
-    g_free(printed);
-    g_variant_unref(reply);
-    EXPECT_THAT(shown, ::testing::HasSubstr("'account': 'account'"));
-    EXPECT_THAT(shown, ::testing::HasSubstr("'Label': <'service'>"));
-    EXPECT_THAT(shown, ::testing::Not(::testing::HasSubstr("secret'")));
+    const auto item = keyring.bus.call(name, items().at(0).c_str(), "org.freedesktop.DBus.Properties",
+                                       "GetAll", g_variant_new("(s)", "org.freedesktop.Secret.Item"));
+    const std::string shown = GLibPtr<char>(g_variant_print(item.get(), FALSE)).get();
+    EXPECT_THAT(shown, HasSubstr("'account': 'account'"));
+    EXPECT_THAT(shown, HasSubstr("'Label': <'service'>"));
+    EXPECT_THAT(shown, ::testing::Not(HasSubstr("secret'")));
 
     keyring.kill();
     EXPECT_THAT(all(), Each(secureItemNotAvailable));

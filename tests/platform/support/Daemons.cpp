@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/platform/support/Daemons.h"
 
-#include <gio/gio.h>
+#include <gio/gunixsocketaddress.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <fcntl.h>
 #include <chrono>
-#include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <thread>
 
@@ -23,147 +17,98 @@ constexpr const char* fprint = "net.reactivated.Fprint";
 constexpr const char* secrets = "org.freedesktop.secrets";
 constexpr const char* polkit = "org.freedesktop.PolicyKit1";
 
-[[noreturn]] void fail(const std::string& what) {
-    throw std::runtime_error(what);
-}
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> all;
-    for (auto& text : texts) all.push_back(text.data());
-    all.push_back(nullptr);
-    return all;
-}
-
 void retry(const std::string& what, const std::function<bool()>& attempt) {
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!attempt()) {
-        if (std::chrono::steady_clock::now() > until) fail(what);
+        if (std::chrono::steady_clock::now() > until) throw std::runtime_error(what);
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 }
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "korvane-XXXXXX";
-    if (!mkdtemp(name.data())) fail("no temporary folder");
-    path_ = name;
+Process::Process(const std::vector<std::string>& arguments,
+                 const std::map<std::string, std::string>& environment, const std::string& input) {
+    const bool shown = g_getenv("KORVANE_TEST_DAEMON_LOG");
+    const GLibPtr<GSubprocessLauncher> launcher(
+        g_subprocess_launcher_new(shown ? G_SUBPROCESS_FLAGS_NONE
+                                        : static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_SILENCE |
+                                                                        G_SUBPROCESS_FLAGS_STDERR_SILENCE)));
+    g_subprocess_launcher_set_stdin_file_path(launcher.get(), input.c_str());
+    for (const auto& [name, value] : environment)
+        g_subprocess_launcher_setenv(launcher.get(), name.c_str(), value.c_str(), TRUE);
+    const auto dieWithTheTest = [](gpointer) { prctl(PR_SET_PDEATHSIG, SIGKILL); };
+    g_subprocess_launcher_set_child_setup(launcher.get(), dieWithTheTest, nullptr, nullptr);
+    std::vector<const char*> words;
+    for (const auto& argument : arguments) words.push_back(argument.c_str());
+    words.push_back(nullptr);
+    process_.reset(g_subprocess_launcher_spawnv(launcher.get(), words.data(), nullptr));
+    if (!process_) throw std::runtime_error("cannot start " + arguments[0]);
 }
 
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-Process::Process(std::vector<std::string> arguments, std::vector<std::string> environment,
-                 const std::string& input) {
-    for (char** variable = environ; *variable; ++variable) environment.emplace_back(*variable);
-    const auto argv = pointers(arguments), envp = pointers(environment);
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) fail("no pipe");
-    const int in = open(input.empty() ? "/dev/null" : input.c_str(), O_RDONLY | O_CLOEXEC);
-    const int quiet = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    pid_ = fork();
-    if (pid_ == 0) {
-        setpgid(0, 0);
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        dup2(in, 0);
-        dup2(ends[1], 1);
-        if (!getenv("KORVANE_TEST_DAEMON_LOG")) dup2(quiet, 2);
-        execvpe(argv[0], argv.data(), envp.data());
-        _exit(127);
-    }
-    setpgid(pid_, pid_);
-    for (const int end : {in, quiet, ends[1]}) close(end);
-    output_ = ends[0];
-}
-
-void Process::signal(int number) {
-    ::kill(-pid_, number);
-}
-
-void Process::kill() {
-    if (pid_ < 0) return;
-    signal(SIGKILL);
-    waitpid(pid_, nullptr, 0);
-    close(output_);
-    pid_ = -1;
-}
-
-std::string Process::firstLine() const {
-    std::string line;
-    for (char byte = 0; read(output_, &byte, 1) == 1 && byte != '\n';) line.push_back(byte);
-    return line;
+Process::~Process() {
+    g_subprocess_force_exit(process_.get());
+    g_subprocess_wait(process_.get(), nullptr, nullptr);
 }
 
 PrivateBus::PrivateBus() {
     std::filesystem::create_directory(folder_ / "services");
-    std::ofstream(folder_ / "bus.conf")
-        << "<busconfig><type>system</type><listen>unix:path=" << folder_ / "bus"
-        << "</listen>"
-        << "<servicedir>" << folder_ / "services"
-        << "</servicedir><auth>EXTERNAL</auth><policy context='default'><allow send_destination='*' "
-           "eavesdrop='true'/>"
-        << "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>";
+    const std::string configuration =
+        folder_.file("bus.conf", "<busconfig><type>session</type><listen>" + address() +
+                                     "</listen><servicedir>" + folder_ / "services" +
+                                     "</servicedir><auth>EXTERNAL</auth><policy context='default'>"
+                                     "<allow send_destination='*' eavesdrop='true'/><allow eavesdrop='true'/>"
+                                     "<allow own='*'/></policy></busconfig>");
     process_ = std::make_unique<Process>(
-        std::vector<std::string>{"dbus-daemon", "--config-file=" + folder_ / "bus.conf", "--nofork",
-                                 "--nopidfile", "--print-address=1"},
-        std::vector<std::string>{});
-    address_ = process_->firstLine();
-    connection_ = g_dbus_connection_new_for_address_sync(
-        address_.c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
-    if (!connection_) fail("no bus at '" + address_ + "'");
-}
-
-PrivateBus::~PrivateBus() {
-    g_dbus_connection_close_sync(connection_, nullptr, nullptr);
-    g_object_unref(connection_);
-}
-
-void PrivateBus::waitForName(const std::string& name, bool owned) {
-    retry(name + " does not come", [&] {
-        GVariant* reply = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                               "NameHasOwner", g_variant_new("(s)", name.c_str()));
-        gboolean now = FALSE;
-        g_variant_get(reply, "(b)", &now);
-        g_variant_unref(reply);
-        return (now != FALSE) == owned;
+        std::vector<std::string>{"dbus-daemon", "--nofork", "--config-file=" + configuration});
+    g_setenv("DBUS_SESSION_BUS_ADDRESS", address().c_str(), TRUE);
+    constexpr auto asClient = static_cast<GDBusConnectionFlags>(
+        G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    retry("no bus", [&] {
+        connection_.reset(
+            g_dbus_connection_new_for_address_sync(address().c_str(), asClient, nullptr, nullptr, nullptr));
+        return connection_ != nullptr;
     });
 }
 
-GVariant* PrivateBus::call(const std::string& name, const std::string& path, const std::string& interface,
-                           const std::string& method, GVariant* arguments) {
-    GError* error = nullptr;
-    GVariant* reply = g_dbus_connection_call_sync(connection_, name.c_str(), path.c_str(), interface.c_str(),
-                                                  method.c_str(), arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
-                                                  10'000, nullptr, &error);
-    if (!reply) {
-        const std::string message = error->message;
-        g_error_free(error);
-        fail(method + ": " + message);
-    }
+bool PrivateBus::hasOwner(const char* name) {
+    const auto reply = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                            "NameHasOwner", g_variant_new("(s)", name));
+    gboolean owned = FALSE;
+    g_variant_get(reply.get(), "(b)", &owned);
+    return owned;
+}
+
+void PrivateBus::waitForName(const char* name, bool owned) {
+    retry(name + std::string(owned ? " does not come" : " does not go"),
+          [&] { return hasOwner(name) == owned; });
+}
+
+GLibPtr<GVariant> PrivateBus::call(const char* name, const char* path, const char* interface,
+                                   const char* method, GVariant* arguments) {
+    GLibError error;
+    GLibPtr<GVariant> reply(g_dbus_connection_call_sync(connection(), name, path, interface, method,
+                                                        arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, 10'000,
+                                                        nullptr, error.out()));
+    if (!reply) throw std::runtime_error(method + std::string(": ") + error.get()->message);
     return reply;
 }
 
 Keyring::Keyring(bool started) {
-    setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
     if (started) start();
 }
 
 void Keyring::start(bool withLogin) {
     const auto& folder = bus.folder();
-    std::ofstream(folder / "password") << "password";
     std::vector<std::string> arguments = {"gnome-keyring-daemon", "--foreground", "--components=secrets",
                                           "--control-directory=" + folder / "control"};
     if (withLogin) arguments.emplace_back("--unlock");
-    process_ = std::make_unique<Process>(
-        arguments,
-        std::vector<std::string>{"HOME=" + folder / "home", "XDG_RUNTIME_DIR=" + folder / "run",
-                                 "XDG_DATA_HOME=" + folder / "data"},
-        folder / "password");
+    process_ =
+        std::make_unique<Process>(arguments,
+                                  std::map<std::string, std::string>{{"HOME", folder / "home"},
+                                                                     {"XDG_RUNTIME_DIR", folder / "run"},
+                                                                     {"XDG_DATA_HOME", folder / "data"}},
+                                  folder.file("password", "password"));
     bus.waitForName(secrets);
 }
 
@@ -173,35 +118,32 @@ void Keyring::kill() {
 }
 
 void Keyring::lock() {
-    const char* const paths[] = {loginPath.c_str()};
-    g_variant_unref(bus.call(secrets, "/org/freedesktop/secrets", "org.freedesktop.Secret.Service", "Lock",
-                             g_variant_new("(@ao)", g_variant_new_objv(paths, 1))));
+    bus.call(secrets, "/org/freedesktop/secrets", "org.freedesktop.Secret.Service", "Lock",
+             g_variant_new("(@ao)", g_variant_new_objv(&loginPath, 1)));
 }
 
 VirtualReader::VirtualReader() {
-    const std::vector<std::string> environment = {"DBUS_SYSTEM_BUS_ADDRESS=" + bus.address()};
     authority_ = std::make_unique<Process>(
         std::vector<std::string>{"/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "polkitd"},
-        environment);
+        std::map<std::string, std::string>{{"DBUS_SYSTEM_BUS_ADDRESS", bus.address()}});
     bus.waitForName(polkit);
-    g_variant_unref(bus.call(polkit, "/org/freedesktop/PolicyKit1/Authority", "org.freedesktop.DBus.Mock",
-                             "AllowUnknown", g_variant_new("(b)", TRUE)));
+    bus.call(polkit, "/org/freedesktop/PolicyKit1/Authority", "org.freedesktop.DBus.Mock", "AllowUnknown",
+             g_variant_new("(b)", TRUE));
     start();
 }
 
 void VirtualReader::start() {
     std::filesystem::create_directories(bus.folder() / "state");
-    process_ = std::make_unique<Process>(command(), std::vector<std::string>{});
+    process_ = std::make_unique<Process>(command());
     bus.waitForName(fprint);
 }
 
 void VirtualReader::startOnDemand() {
-    std::ofstream file(bus.folder() / "services/net.reactivated.Fprint.service");
-    file << "[D-BUS Service]\nName=" << fprint << "\nUser=root\nExec=";
-    for (const auto& word : command()) file << word << ' ';
-    file << '\n' << std::flush;
-    g_variant_unref(bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                             "ReloadConfig", nullptr));
+    std::string service = std::string("[D-BUS Service]\nName=") + fprint + "\nExec=";
+    for (const auto& word : command()) service += word + ' ';
+    bus.folder().file("services/fprint.service", service + '\n');
+    bus.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig",
+             nullptr);
 }
 
 std::vector<std::string> VirtualReader::command() const {
@@ -218,8 +160,8 @@ void VirtualReader::kill() {
     bus.waitForName(fprint, false);
 }
 
-GVariant* VirtualReader::device(const std::string& method, GVariant* arguments) {
-    return bus.call(fprint, path, interface, method, arguments);
+GLibPtr<GVariant> VirtualReader::device(const char* method, const char* argument) {
+    return bus.call(fprint, path, interface, method, argument ? g_variant_new("(s)", argument) : nullptr);
 }
 
 void VirtualReader::enrol() {
@@ -229,40 +171,50 @@ void VirtualReader::enrol() {
     const unsigned status =
         g_dbus_connection_signal_subscribe(bus.connection(), fprint, interface, "EnrollStatus", nullptr,
                                            nullptr, G_DBUS_SIGNAL_FLAGS_NONE, count, &stages, nullptr);
-    g_variant_unref(device("Claim", g_variant_new("(s)", "")));
-    g_variant_unref(device("EnrollStart", g_variant_new("(s)", "right-index-finger")));
+    device("Claim", "");
+    device("EnrollStart", "right-index-finger");
     for (int stage = 1; stage <= 5; ++stage) {
         send("SCAN right");
         while (stages < stage) g_main_context_iteration(nullptr, TRUE);
     }
     g_dbus_connection_signal_unsubscribe(bus.connection(), status);
-    g_variant_unref(device("EnrollStop", nullptr));
-    g_variant_unref(device("Release", nullptr));
+    device("EnrollStop");
+    device("Release");
+}
+
+void VirtualReader::forgetFingers() {
+    device("Claim", "");
+    device("DeleteEnrolledFingers2");
+    device("Release");
 }
 
 void VirtualReader::send(const std::string& line) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    (bus.folder() / "reader").copy(address.sun_path, sizeof address.sun_path - 1);
+    const GLibPtr<GSocketClient> client(g_socket_client_new());
+    const GLibPtr<GSocketAddress> reader(g_unix_socket_address_new((bus.folder() / "reader").c_str()));
     retry("the reader is not open", [&] {
-        const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        const bool connected =
-            connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-        if (connected) (void)!write(socket, line.data(), line.size());
-        close(socket);
-        return connected;
+        const GLibPtr<GSocketConnection> connection(
+            g_socket_client_connect(client.get(), G_SOCKET_CONNECTABLE(reader.get()), nullptr, nullptr));
+        if (!connection) return false;
+        GOutputStream* out = g_io_stream_get_output_stream(G_IO_STREAM(connection.get()));
+        return g_output_stream_write_all(out, line.data(), line.size(), nullptr, nullptr, nullptr) != FALSE;
     });
 }
 
+bool VirtualReader::allows(const char* method, const char* argument) {
+    try {
+        device(method, argument);
+        return true;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
 bool VirtualReader::armed() {
-    GVariant* reply = bus.call(fprint, path, "org.freedesktop.DBus.Properties", "Get",
-                               g_variant_new("(ss)", interface, "finger-needed"));
-    GVariant* value = nullptr;
-    g_variant_get(reply, "(v)", &value);
-    const bool needed = g_variant_get_boolean(value);
-    g_variant_unref(value);
-    g_variant_unref(reply);
-    return needed;
+    if (!bus.hasOwner(fprint)) return false;
+    const auto reply = bus.call(fprint, path, "org.freedesktop.DBus.Properties", "Get",
+                                g_variant_new("(ss)", interface, "finger-needed"));
+    const GLibPtr<GVariant> boxed(g_variant_get_child_value(reply.get(), 0));
+    return g_variant_get_boolean(GLibPtr<GVariant>(g_variant_get_variant(boxed.get())).get());
 }
 
 }  // namespace korvane::testing

@@ -1,73 +1,54 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sys/types.h>
-
-#include <filesystem>
-#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
-typedef struct _GDBusConnection GDBusConnection;
-typedef struct _GVariant GVariant;
+#include "platform/linux/GLibPtr.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace korvane::testing {
 
-/// A folder that goes with everything in it.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    std::string operator/(const std::string& name) const { return path_ / name; }
-
-  private:
-    std::filesystem::path path_;
-};
-
-/// A program in a process group of its own; the group is killed when this goes, or the test dies.
+/// A program that is quiet; killed when this goes, or the test dies.
 class Process {
   public:
-    /// `environment` has "NAME=value" on top of the test's own; the file `input` is its standard input.
-    Process(std::vector<std::string> arguments, std::vector<std::string> environment,
-            const std::string& input = "");
-    ~Process() { kill(); }
-    Process(const Process&) = delete;
+    /// `environment` comes on top of the test's own; the file `input` is its standard input.
+    explicit Process(const std::vector<std::string>& arguments,
+                     const std::map<std::string, std::string>& environment = {},
+                     const std::string& input = "/dev/null");
+    ~Process();
 
-    void signal(int number);
-    /// Kills the group and waits for its end.
-    void kill();
-    std::string firstLine() const;  ///< of its standard output; waits for it
+    void signal(int number) { g_subprocess_send_signal(process_.get(), number); }
 
   private:
-    pid_t pid_ = -1;
-    int output_ = -1;
+    GLibPtr<GSubprocess> process_;
 };
 
-/// A bus of the test's own, on which everybody may do everything.
+/// A bus of the test's own, on which everybody may do everything, and which is this process's session bus.
 class PrivateBus {
   public:
     PrivateBus();
-    ~PrivateBus();
 
-    const std::string& address() const { return address_; }
-    void waitForName(const std::string& name, bool owned = true);
-    /// A call that must not fail. The reply is a tuple; the caller unreferences it.
-    GVariant* call(const std::string& name, const std::string& path, const std::string& interface,
-                   const std::string& method, GVariant* arguments);
-    GDBusConnection* connection() { return connection_; }
+    std::string address() const { return "unix:path=" + folder_ / "bus"; }
+    GDBusConnection* connection() { return connection_.get(); }
     const TemporaryFolder& folder() const { return folder_; }
+
+    bool hasOwner(const char* name);
+    void waitForName(const char* name, bool owned = true);
+    /// A call that must not fail; the reply is a tuple.
+    GLibPtr<GVariant> call(const char* name, const char* path, const char* interface, const char* method,
+                           GVariant* arguments);
     void kill() { process_.reset(); }
 
   private:
     TemporaryFolder folder_;
     std::unique_ptr<Process> process_;
-    std::string address_;
-    GDBusConnection* connection_ = nullptr;
+    GLibPtr<GDBusConnection> connection_;
 };
 
-/// The keyring daemon, its login collection open, on a private bus that is this process's session bus.
+/// The keyring daemon, its login collection open, on a private bus.
 class Keyring {
   public:
     explicit Keyring(bool started = true);
@@ -78,7 +59,7 @@ class Keyring {
     void lock();
 
     PrivateBus bus;
-    std::string loginPath = "/org/freedesktop/secrets/collection/login";
+    const char* const loginPath = "/org/freedesktop/secrets/collection/login";
 
   private:
     std::unique_ptr<Process> process_;
@@ -98,10 +79,13 @@ class VirtualReader {
     void signal(int number) { process_->signal(number); }
     /// Enrols the finger "right".
     void enrol();
+    void forgetFingers();
     /// One line to the virtual reader, such as "SCAN right"; waits until the reader is open.
     void send(const std::string& line);
     bool armed();  ///< waits for a finger
-    GVariant* device(const std::string& method, GVariant* arguments);
+    /// A call of the reader's that must not fail, and one that may.
+    GLibPtr<GVariant> device(const char* method, const char* argument = nullptr);
+    bool allows(const char* method, const char* argument = nullptr);
 
     PrivateBus bus;
 
