@@ -9,7 +9,8 @@ namespace korvane {
 
 /// The ports of a Qt app on Linux, for `installPorts`: Qt's event loop, timers and clipboard, HTTPS over
 /// libcurl, the component's texts in the user's language (English where there is none), its log on standard
-/// output. Secure items and biometrics are those of a device that has none.
+/// output, secure items in the Secret Service's keyring, fingers by fprintd with a sheet that says so over
+/// the app's window. Nothing here waits for a daemon; on a device without them it is as with biometrics off.
 ///
 /// Needs Korvane::Quick. Call it on the main thread, with a QGuiApplication.
 ///

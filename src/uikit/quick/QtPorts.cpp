@@ -5,21 +5,29 @@
 #include <memory>
 
 #include "platform/linux/CurlUrlSession.h"
+#include "platform/linux/FprintdContext.h"
+#include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/StdoutConsole.h"
 #include "platform/qt/QtImageDecoder.h"
 #include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtTimers.h"
 #include "uikit/quick/ComponentTexts.h"
+#include "uikit/quick/QuickBiometricPrompt.h"
 
 namespace korvane {
+
 Ports qtPorts(const std::string& caFile) {
     CurlUrlSessionOptions session;
     session.caFile = caFile;
-    return {.mainQueue = std::make_shared<QtMainQueue>(),
+    const auto mainQueue = std::make_shared<QtMainQueue>();
+    return {.mainQueue = mainQueue,
             .timers = std::make_shared<QtTimers>(),
             .urlSession = std::make_shared<CurlUrlSession>(session),
             .console = std::make_shared<StdoutConsole>(),
+            .secureItemStore = std::make_shared<SecretServiceStore>(),
+            .biometricContext =
+                std::make_shared<FprintdContext>(mainQueue, std::make_shared<QuickBiometricPrompt>()),
             .stringTable = componentTexts(),
             .pasteboard = std::make_shared<QtPasteboard>(),
             .imageDecoder = std::make_shared<QtImageDecoder>(),

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: Apache-2.0
+import QtQuick
+import Korvane
+
+/// The sheet over a window while a biometric check runs: why, what to do, and a way out. It keeps the keys and the
+/// pointer to itself as long as it is open.
+FocusScope {
+    id: root
+
+    required property BiometricSheetModel sheet
+
+    readonly property bool wide: width >= 640 && height >= 480
+    /// A phone on its side: every row counts.
+    readonly property bool low: height < 440
+    /// Part of the sheet that has come up.
+    property real shown: sheet.open ? 1 : 0
+
+    anchors.fill: parent
+    z: 2000000 // over the host's popups, which Qt puts at 1000001
+    enabled: sheet.open
+    visible: sheet.open || shown > 0
+
+    Keys.onEscapePressed: root.sheet.cancel.activate()
+    Keys.onBackPressed: root.sheet.cancel.activate()
+    Keys.onPressed: event => event.accepted = true
+
+    Accessible.role: Accessible.Dialog
+    Accessible.name: sheet.reason
+    Accessible.description: sheet.message
+
+    Behavior on shown {
+        NumberAnimation {
+            duration: Theme.moveDuration
+            easing.type: Easing.OutCubic
+        }
+    }
+
+    Connections {
+        function onTold() {
+            announcement.visible = false;
+            announcement.visible = true;
+            if (!Theme.reducedMotion)
+                shaking.restart();
+        }
+
+        target: root.sheet
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.scrim
+        opacity: root.shown
+
+        MouseArea {
+            anchors.fill: parent
+            hoverEnabled: true
+            onWheel: wheel => wheel.accepted = true
+        }
+    }
+
+    Rectangle {
+        objectName: "biometricSheet"
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: Math.round(root.wide ? (parent.height - height) / 2 + 24 * (1 - root.shown) : parent.height - (height + 8) * root.shown)
+        width: root.wide ? 400 : parent.width - 16
+        height: column.height
+        opacity: root.wide ? root.shown : 1
+        radius: 12
+        color: Theme.surface
+
+        Column {
+            id: column
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(parent.width - 32, 416)
+            topPadding: root.low ? 16 : 32
+            bottomPadding: root.low ? 8 : 16
+            spacing: root.low ? 8 : 16
+
+            Artwork {
+                anchors.horizontalCenter: parent.horizontalCenter
+                anchors.horizontalCenterOffset: 0
+                width: root.low ? 48 : 96
+                height: width
+                name: "fingerprint"
+
+                SequentialAnimation on anchors.horizontalCenterOffset {
+                    id: shaking
+
+                    running: false
+                    loops: 2
+
+                    NumberAnimation {
+                        to: 8
+                        duration: 50
+                    }
+
+                    NumberAnimation {
+                        to: -8
+                        duration: 100
+                    }
+
+                    NumberAnimation {
+                        to: 0
+                        duration: 50
+                    }
+                }
+            }
+
+            Text {
+                width: parent.width
+                text: root.sheet.reason
+                font: Theme.button
+                color: Theme.colorOnSurface
+                horizontalAlignment: Text.AlignHCenter
+                textFormat: Text.PlainText
+                wrapMode: Text.WordWrap
+                lineHeight: 1.2
+
+                Accessible.ignored: true
+            }
+
+            Item {
+                width: parent.width
+                // Room for two lines, so that nothing moves under a finger when the message changes.
+                height: Math.max(root.low ? 0 : 44, words.implicitHeight)
+
+                Text {
+                    id: words
+
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    anchors.horizontalCenterOffset: mark.visible ? 14 : 0
+                    width: Math.min(implicitWidth, parent.width - 28)
+                    text: root.sheet.message
+                    font: Theme.body
+                    color: Theme.colorOnSurface
+                    horizontalAlignment: Text.AlignHCenter
+                    textFormat: Text.PlainText
+                    wrapMode: Text.WordWrap
+                    lineHeight: 1.2
+
+                    Accessible.ignored: true
+                }
+
+                Artwork {
+                    id: mark
+
+                    anchors.right: words.left
+                    anchors.rightMargin: 8
+                    width: 20
+                    height: 20
+                    visible: root.sheet.trouble
+                    name: "exclamationmark.circle"
+                    color: Theme.errorText
+                }
+
+                // An alert is spoken when it comes up, so it comes up anew with each message.
+                Item {
+                    id: announcement
+
+                    anchors.fill: parent
+                    visible: false
+
+                    Accessible.role: Accessible.AlertMessage
+                    Accessible.name: root.sheet.message
+                }
+            }
+
+            KorvaneButton {
+                width: parent.width
+                control: root.sheet.cancel
+                focus: true
+
+                // There is nowhere else to go.
+                Keys.onTabPressed: event => event.accepted = true
+                Keys.onBacktabPressed: event => event.accepted = true
+            }
+        }
+    }
+}
