@@ -107,6 +107,18 @@ std::string closeEvent(std::string_view result) {
 std::string promptEvent(std::string_view member, std::string_view text) {
     return event("prompt", member, text);
 }
+std::string custodyEvent(bool tokenInMemory, bool timerPciExpired) {
+    rapidjson::StringBuffer buffer;
+    Writer writer(buffer);
+    writer.StartObject();
+    write(writer, "event", "custody");
+    write(writer, "tokenInMemory");
+    writer.Bool(tokenInMemory);
+    write(writer, "timerPciExpired");
+    writer.Bool(timerPciExpired);
+    writer.EndObject();
+    return buffer.GetString();
+}
 std::string errorEvent(std::string_view message) {
     return event("error", "message", message);
 }

@@ -16,6 +16,8 @@ std::string closeEvent(std::string_view result);
 /// {"event":"prompt", member: text}: the biometric prompt came ("reason"), tells ("message"), or went
 /// ("shown").
 std::string promptEvent(std::string_view member, std::string_view text);
+/// {"event":"custody", …}: whether the PCI token is in memory, and whether its time was up.
+std::string custodyEvent(bool tokenInMemory, bool timerPciExpired);
 std::string errorEvent(std::string_view message);
 
 /// True when the screens differ in more than numbers that count down.

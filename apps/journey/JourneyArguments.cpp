@@ -20,7 +20,7 @@ const char* const usage =
     "  --ca FILE         trust the authorities of this PEM file in place of the system's\n"
     "  --biometrics on   keep the PCI token in the device's secure store (default: off)\n"
     "\n"
-    "commands: type DIGITS | erase | tap CONTROL-ID | wait VIEW [SECONDS] | state | quit\n"
+    "commands: type DIGITS | erase | tap CONTROL-ID | wait VIEW [SECONDS] | state | custody | quit\n"
     "\n"
     "exit status: 0 SUCCESS, 3 CANCELED, 4 FAILURE, 2 bad arguments, 5 input ended before the journey did\n";
 

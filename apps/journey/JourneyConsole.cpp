@@ -9,6 +9,7 @@
 
 #include "ConsolePrompt.h"
 #include "Events.h"
+#include "sdk/SdkConfig.h"
 
 namespace korvane {
 namespace {
@@ -88,6 +89,9 @@ void JourneyConsole::run(const std::string& line) {
         startWait(argument);
     } else if (verb == "state") {
         write_(screenEvent(journey_->screen()));
+    } else if (verb == "custody") {
+        const SdkConfig& config = SdkConfig::sharedInstance();
+        write_(custodyEvent(!config.currentPciToken.empty(), config.timerPciExpired));
     } else if (verb == "quit") {
         finish(inputEnded);
     } else {

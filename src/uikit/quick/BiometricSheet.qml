@@ -128,6 +128,7 @@ FocusScope {
                 Text {
                     id: words
 
+                    objectName: "biometricMessage"
                     anchors.horizontalCenter: parent.horizontalCenter
                     anchors.horizontalCenterOffset: mark.visible ? 14 : 0
                     width: Math.min(implicitWidth, parent.width - 28)
@@ -145,8 +146,7 @@ FocusScope {
                 Artwork {
                     id: mark
 
-                    anchors.right: words.left
-                    anchors.rightMargin: 8
+                    x: words.x + (words.width - words.contentWidth) / 2 - 28
                     width: 20
                     height: 20
                     visible: root.sheet.trouble
