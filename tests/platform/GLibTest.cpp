@@ -59,8 +59,6 @@ TEST(GLibLoop, LongChainsOfWorkAndTimersLeaveOtherSourcesTheirTurn) {
     driver.runUntil([&] { return idle; });
     EXPECT_LT(pieces, longest);
     EXPECT_LT(fired, longest);
-    EXPECT_GT(pieces, 1);
-    EXPECT_GT(fired, 1);
 }
 
 TEST(GLibMainQueue, RunsOnAContextOtherThanTheDefault) {
