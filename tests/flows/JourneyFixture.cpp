@@ -7,16 +7,9 @@ namespace korvane {
 
 std::string JourneyFixture::shown(Journey::Outcome outcome) {
     settle();
-    switch (outcome) {
-        case Journey::Outcome::noSuchControl:
-            return "no such control";
-        case Journey::Outcome::notEnabled:
-            return "not enabled";
-        case Journey::Outcome::notDigits:
-            return "not digits";
-        case Journey::Outcome::done:
-            break;
-    }
+    // In the order of the outcomes.
+    const char* const refusals[] = {"done", "no such control", "not enabled", "not digits"};
+    if (outcome != Journey::Outcome::done) return refusals[static_cast<int>(outcome)];
     return journey ? screen().view : "";
 }
 
@@ -64,14 +57,16 @@ bool JourneyFixture::enabled(const std::string& controlId) const {
                        [&](const Control& each) { return each.id == controlId && each.enabled; });
 }
 
-std::string JourneyFixture::state(const std::string& name) const {
+std::string JourneyFixture::state() const {
+    std::string text;
     for (const StateField& field : screen().state) {
-        if (field.name != name) continue;
-        if (const auto* const flag = std::get_if<bool>(&field.value)) return *flag ? "true" : "false";
-        if (const auto* const value = std::get_if<int>(&field.value)) return std::to_string(*value);
-        return std::get<std::string>(field.value);
+        text += field.name + "=";
+        if (const auto* const flag = std::get_if<bool>(&field.value)) text += *flag ? "true" : "false";
+        if (const auto* const value = std::get_if<int>(&field.value)) text += std::to_string(*value);
+        if (const auto* const words = std::get_if<std::string>(&field.value)) text += *words;
+        text += " ";
     }
-    return "none";
+    return text;
 }
 
 std::string JourneyFixture::row(const std::string& id) const {
@@ -79,14 +74,6 @@ std::string JourneyFixture::row(const std::string& id) const {
         if (each.id == id) return each.value;
     }
     return "none";
-}
-
-bool JourneyFixture::leaks(const std::string& secret) const {
-    const auto fields = screen().state;
-    return std::any_of(fields.begin(), fields.end(), [&](const StateField& field) {
-        const auto* const text = std::get_if<std::string>(&field.value);
-        return text && text->find(secret) != std::string::npos;
-    });
 }
 
 }  // namespace korvane

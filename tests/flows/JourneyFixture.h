@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <korvane/CloseNotification.h>
 #include <korvane/Journey.h>
@@ -13,6 +14,9 @@
 #include "tests/support/ScriptedService.h"
 
 namespace korvane {
+
+using testing::HasSubstr;
+using testing::Not;
 
 using Views = std::vector<std::string>;
 
@@ -38,12 +42,10 @@ class JourneyFixture : public testing::Test, protected ScriptedService {
     Views stack() const { return screen().stack; }
     int filled() const { return screen().passcode->filled; }
     bool enabled(const std::string& controlId) const;
-    /// The text of a state field: "true", "3", "…"; "none" when there is no such field.
-    std::string state(const std::string& name) const;
+    /// "isCardFrozen=false resendSeconds=30 …", every field that is told.
+    std::string state() const;
     /// What is shown in the row; "none" when there is no such row.
     std::string row(const std::string& id) const;
-    /// Whether some state field holds the text, which is none that may be told.
-    bool leaks(const std::string& secret) const;
     bool printedLine(const std::string& line) const { return device.console->has(line); }
 
     std::unique_ptr<Journey> journey;

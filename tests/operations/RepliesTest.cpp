@@ -62,23 +62,15 @@ TEST_F(Replies, CardImageStoresAndPrintsEveryValueInOrderBehindFixedMasks) {
               "aW1n|5555550000079197123|################|8642|###|12/31|Inés||Núñez|visa");
     EXPECT_EQ(config.decodedDisclosuresStruct->CardDisclosures->at(0).CardDisclosure, "x");
 
-    // What is missing is empty, and the rest goes on.
-    EXPECT_FALSE(run(doCardImage, {{"encryptedCvv", "864"}, {"encryptedCardNetwork", "amex"}}).error);
-    EXPECT_EQ(config.decPan + config.decCardImage + config.decCvv + config.decCardNetwork, "864amex");
-    EXPECT_FALSE(config.decodedDisclosuresStruct);
-    EXPECT_THAT(printed(),
-                HasSubstr("|disclosure decode failed" + lines({{"Cvv", "864"}, {"CardNetwork", "amex"}})));
-}
-
-TEST_F(Replies, DisclosuresThatDoNotDecodeAreToldWithoutAnError) {
+    // What is missing is empty, and the rest goes on, without an error.
     for (const std::string text : {"", "{", R"({"CardDisclosures":{}})", R"({"CardDisclosures":[1]})"}) {
-        const KorvaneRetStruct record =
-            run(doCardImage, {{"encryptedCardDisclosures", text}, {"encryptedPan", "55"}});
-        EXPECT_FALSE(record.error) << text;
-        EXPECT_EQ(record.errorMsg, "disclosure decode failed") << text;
-        EXPECT_FALSE(config.decodedDisclosuresStruct) << text;
-        EXPECT_EQ(config.decPan, "55");
-        EXPECT_THAT(printed(), HasSubstr("|disclosure decode failed|"));
+        const KorvaneRetStruct told = run(
+            doCardImage, {{"encryptedCardDisclosures", text}, {"encryptedCvv", "864"}, {"encryptedPan", ""}});
+        EXPECT_FALSE(told.error);
+        EXPECT_EQ(told.errorMsg, "disclosure decode failed") << text;
+        EXPECT_FALSE(config.decodedDisclosuresStruct);
+        EXPECT_EQ(config.decPan + config.decCardImage + config.decCvv + config.decCardNetwork, "864");
+        EXPECT_THAT(printed(), HasSubstr("|disclosure decode failed" + lines({{"Pan", ""}, {"Cvv", "864"}})));
     }
     EXPECT_EQ(run(doCardImage, {{"encryptedCardDisclosures", "{}"}}).errorMsg, "");
     EXPECT_TRUE(config.decodedDisclosuresStruct);
@@ -106,8 +98,6 @@ TEST_F(Replies, CardStatusStoresTheCodeAsItIsAndARecognisedType) {
     const KorvaneRetStruct record = run(doGetCardStatus, {{"encryptedCardStatus", "BT"}});
     EXPECT_TRUE(record.error);
     EXPECT_EQ(record.errorMsg, "Encrypted card type nil");
-    EXPECT_FALSE(record.jsonResponseStr.empty());
-    run(doGetCardStatus, {{"encryptedCardStatus", "A1"}, {"encryptedCardType", "virtual"}}, "No");
     EXPECT_EQ(config.decCardStatus, "BT");
     EXPECT_EQ(config.currentCardType, eKorvaneCardType::paywallet);
 }
