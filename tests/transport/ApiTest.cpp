@@ -35,11 +35,11 @@ TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
     api.pinSet("iv-0", encipher("C"), encipher("P"), encipher("T"), keep<RestPinSet>());
     settle();
     const auto& requests = device.urlSession->requests();
+    const std::string key = base64Encode(config.preSharedKeyByteArray);
     EXPECT_EQ(response, encipher("Success"));
     EXPECT_EQ(sent(0), "pinSet offsetId=iv-0 CardId=C PIN=P PciToken=T UUID= brandId=");
-    EXPECT_EQ(sent(1),
-              "token offsetId=iv-0 CardId=card-1 Username=" + base64Encode(config.preSharedKeyByteArray) +
-                  " Password=" + ivText + " UUID= brandId=");
+    EXPECT_EQ(sent(1), "token offsetId=iv-0 CardId=card-1 Username=" + key + " Password=" + ivText +
+                           " UUID= brandId=");
     EXPECT_EQ(requests[2].url, "https://cards.example/v1/api/sdk/pinSet");
     EXPECT_EQ(requests[2].body, requests[0].body);
     EXPECT_EQ(requests[0].headers[0].second, "Bearer bearer-0");
@@ -47,35 +47,30 @@ TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
     EXPECT_EQ(requests[2].headers[0].second, "Bearer bearer-1");
 
     const std::string values = requests[1].body.substr(0, requests[1].body.find(",\"UUID\"")) + "}";
-    const std::string name = encipher(base64Encode(config.preSharedKeyByteArray));
-    const std::string answered = "inside doRequest<T: ...>|Status code and JSON response at base:\n|";
-    EXPECT_EQ(
-        printed(),
-        answered +
-            "401|{}|Got 401... calling reAuthClosure...|"
-            "pinSet - now inside the reAuthClosure... calling refreshBearerToken...|"
-            "inside refreshBearerToken( ... )|have iv (now?)... use it:|refreshBearerToken(...) on track...|"
-            "cardId: card-1|encrypted cardId: " +
-            encipher("card-1") + "|encryptedUsername = " + name + "|encryptedPassword = " + encipher(ivText) +
-            "|getBearerToken request dictionary: " + values + "|" + answered + "200|" +
-            token("bearer-1").body + "|theEncAccToken: " + encipher("bearer-1") +
-            "|decAccessToken: bearer-1|Setting SdkConfig.sharedInstance.currentBearerToken to bearer-1|"
-            "Success! Got new bearer token... now re-calling pinSet...|" +
-            answered + "200|" + result("Success").body);
+    const std::string lines = printed();
+    EXPECT_THAT(lines, HasSubstr("|Got 401... calling reAuthClosure...|"
+                                 "pinSet - now inside the reAuthClosure... calling refreshBearerToken...|"
+                                 "inside refreshBearerToken( ... )|have iv (now?)... use it:|"
+                                 "refreshBearerToken(...) on track...|cardId: card-1|encrypted cardId: " +
+                                 encipher("card-1") + "|encryptedUsername = " + encipher(key) +
+                                 "|encryptedPassword = " + encipher(ivText) +
+                                 "|getBearerToken request dictionary: " + values + "|inside doRequest"));
+    EXPECT_THAT(
+        lines,
+        HasSubstr("|theEncAccToken: " + encipher("bearer-1") +
+                  "|decAccessToken: bearer-1|Setting SdkConfig.sharedInstance.currentBearerToken to bearer-1|"
+                  "Success! Got new bearer token... now re-calling pinSet...|inside doRequest"));
 }
 
 TEST_F(Api, MethodsPrintTheirOwnLines) {
     willAnswer({answer(401, {}), answer(500, {})});
     API{}.pciTokenRequest("iv-0", "C", keep<RestPciTokenRequest>());
     settle();
-    const std::string lines = printed();
-    EXPECT_THAT(
-        lines,
-        HasSubstr(R"(pciTokenRequest request dictionary: {"offsetId":"iv-0","encryptedCardId":"C"}|)"));
-    EXPECT_THAT(
-        lines,
-        HasSubstr("|pciTokenRequest -  now inside the reAuthClosure... calling refreshBearerToken...|"));
-    EXPECT_THAT(lines, EndsWith("|pciTokenRequest - refreshBearerToken failed"));
+    const std::string own = "pciTokenRequest -  now inside the reAuthClosure...";
+    EXPECT_THAT(printed(), AllOf(HasSubstr("pciTokenRequest request dictionary: "
+                                           R"({"offsetId":"iv-0","encryptedCardId":"C"}|)"),
+                                 HasSubstr("|" + own + " calling refreshBearerToken...|"),
+                                 EndsWith("|pciTokenRequest - refreshBearerToken failed")));
     API{}.getCardStatus("iv-0", "C", "T", keep<RestGetCardStatus>());
     EXPECT_EQ(printed(),
               "Inside getCardStatus api level...|Current bearer token: bearer-0|"
@@ -95,54 +90,49 @@ TEST_F(Api, RepeatsWithoutLimitForAsLongAsTheServiceAnswers401) {
 }
 
 TEST_F(Api, AFailedRenewalIsTheFailureOfTheCall) {
-    const std::tuple<UrlReply, std::string, std::string> cases[] = {
-        {answer(500, {{"encryptedResult", "Failure: x"}}), "500 error", "Failure: x"},
-        {answer(401, {}), "401 error", ""},
-        {{0, "", "no route"}, "-1 error", ""},
-        {ok({{"encryptedResult", "Failure: x"}, {"encryptedAccessToken", ""}}), "Failure: x", ""},
+    const std::pair<UrlReply, std::string> cases[] = {
+        {refusal(500, "Failure: x"), "500 error|Failure: x"},
+        {answer(401, {}), "401 error|"},
+        {{0, "", "no route"}, "-1 error|"},
+        {ok({{"encryptedResult", "Failure: x"}, {"encryptedAccessToken", ""}}), "Failure: x|"},
+        {{}, "ivId is nil|"},  // not even asked: the host has no IV
     };
-    const auto expectFailure = [this](const std::string& errorMsg, const std::string& errorMsgDec) {
+    for (const auto& [reply, texts] : cases) {
+        willAnswer({answer(401, {}), reply});
+        hostSuppliesIvs = false;
         pinSet();
+        if (texts == "ivId is nil|") dropIv();
         settle();
         const auto& record = std::get<KorvaneRetStruct>(failure.value());
         EXPECT_TRUE(record.error);
-        EXPECT_EQ(record.errorMsg + "|" + record.errorMsgDec, errorMsg + "|" + errorMsgDec);
+        EXPECT_EQ(record.errorMsg + "|" + record.errorMsgDec, texts);
         EXPECT_THAT(printed(), EndsWith("|pinSet - refreshBearerToken failed"));
-    };
-    for (const auto& [reply, errorMsg, errorMsgDec] : cases) {
-        willAnswer({answer(401, {}), reply});
-        expectFailure(errorMsg, errorMsgDec);
     }
     EXPECT_EQ(config.currentBearerToken, "bearer-0");
-    config.ivCallback = [](const IvReply& reply) { reply(std::nullopt, std::nullopt); };
-    willAnswer({answer(401, {})});
-    dropIv();
-    expectFailure("ivId is nil", "");
 }
 
 TEST_F(Api, ARefusedIvIsReplacedAndTheRenewalRunsAgain) {
-    const std::string expired = "re-calling self.refreshBearerToken() -- refreshBearerToken()";
-    const std::string word = encipher("failure: iv is expired");
+    const std::string expired = "iv expired: Got new iv -- re-calling self.refreshBearerToken()";
+    const std::string invalid = "iv invalid: Got new iv -- self.refreshBearerToken()";
     const std::pair<UrlReply, std::string> cases[] = {
-        {answer(400, {{"encryptedResult", "failure: iv is expired"}}),
-         "|api.refreshBearerToken err != nil|err response HAS Data !|theEncErrResult: " + word +
-             "|failure: iv is expired|iv expired: Got new iv -- " + expired},
-        {answer(401, {{"encryptedResult", "Failure: Invalid offsetId"}}),
-         "|Failure: Invalid offsetId|iv invalid: Got new iv -- self.refreshBearerToken() -- "
-         "refreshBearerToken()"},
-        {result("Failure: IV is expired"), "|Failure: IV is expired|iv expired: Got new iv -- " + expired},
+        {refusal(400, "failure: iv is expired"),
+         "|err response HAS Data !|theEncErrResult: " + encipher("failure: iv is expired") +
+             "|failure: iv is expired|" + expired},
+        {refusal(401, "failure: INVALID offsetid"), "|failure: INVALID offsetid|" + invalid},
+        {result("Failure: IV is expired"), "|Failure: IV is expired|" + expired},
     };
     dropIv();
-    for (int i = 0; i < 3; ++i) {
-        willAnswer({cases[i].first, token("bearer-2")});
+    for (const auto& [reply, lines] : cases) {
+        willAnswer({reply, token("bearer-2")});
         config.currentBearerToken.clear();
         refreshBearerToken(
             [](const std::optional<KorvaneRetStruct>& renewalFailure) { EXPECT_FALSE(renewalFailure); });
         settle();
         EXPECT_EQ(config.currentBearerToken, "bearer-2");
-        EXPECT_THAT(printed(), HasSubstr(cases[i].second + "|inside refreshBearerToken( ... )|"));
-        EXPECT_EQ(ivsSupplied, i + 2);  // one to start with
+        EXPECT_THAT(printed(),
+                    HasSubstr(lines + " -- refreshBearerToken()|inside refreshBearerToken( ... )|"));
     }
+    EXPECT_EQ(ivsSupplied, 4) << "one each, and one to start with";
 }
 
 }  // namespace

@@ -27,22 +27,18 @@ class IvAcquisition : public ServiceFixture {
 };
 
 TEST_F(IvAcquisition, StoresAGoodAnswerOfAnyLengthOnTheMainQueue) {
-    ask();
-    host("iv-7", ivText);
-    EXPECT_TRUE(outcomes.empty());
-    EXPECT_FALSE(ivAtHand());
-    settle();
-    EXPECT_EQ(config.ivIdStr, "iv-7");
-    EXPECT_EQ(config.ivByteArray, iv);
-    EXPECT_TRUE(config.gotInitialIV && ivAtHand());
-    for (const auto& [text, size] : {std::pair{"AAECAwQFBgcICQoL", 12u}, {"", 0u}}) {
+    for (const std::string& text : {ivText, std::string{"AAECAwQFBgcICQoL"}, std::string{}}) {
         ask();
-        host("iv-8", text);
+        host("iv-7", text);
+        EXPECT_TRUE(outcomes.empty() && !ivAtHand());
         settle();
-        EXPECT_EQ(config.ivByteArray.size(), size);
-        EXPECT_EQ(ivAtHand(), size > 0);
+        EXPECT_EQ(config.ivIdStr, "iv-7");
+        EXPECT_EQ(config.ivByteArray.size(), text.size() / 4 * 3 - (text == ivText ? 2 : 0));
+        EXPECT_EQ(std::exchange(outcomes, {}), std::vector<std::string>{"iv-7"});
+        EXPECT_EQ(ivAtHand(), !text.empty());
+        EXPECT_TRUE(config.gotInitialIV);
+        dropIv();
     }
-    EXPECT_EQ(outcomes, (std::vector<std::string>{"iv-7", "iv-8", "iv-8"}));
 }
 
 TEST_F(IvAcquisition, ABadAnswerLeavesTheStoredPairAlone) {
@@ -60,10 +56,10 @@ TEST_F(IvAcquisition, ABadAnswerLeavesTheStoredPairAlone) {
         EXPECT_EQ(printed(), "doIvCallbackAndDecoding - " + errorMsg);
     }
     config.ivCallback = nullptr;
+    outcomes.clear();
     ask();
     settle();
-    EXPECT_EQ(outcomes.size(), 4u);
-    EXPECT_EQ(outcomes.back(), "ivId is nil");
+    EXPECT_EQ(outcomes, std::vector<std::string>{"ivId is nil"});
     EXPECT_EQ(config.ivIdStr, "old");
     EXPECT_TRUE(config.ivByteArray.empty() && !config.gotInitialIV);
     EXPECT_EQ(ivFailure(std::nullopt).errorMsg, "resStructIv is nil");
