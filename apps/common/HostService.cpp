@@ -91,22 +91,15 @@ std::shared_ptr<void> HostService::watchSms(const std::string& cardId,
     return watch;
 }
 
-void HostService::delayNext(const std::string& endpoint, int milliseconds,
-                            const std::function<void()>& done) {
-    rapidjson::StringBuffer buffer;
-    Writer writer(buffer);
-    writer.StartObject();
-    writeText(writer, "endpoint", endpoint);
-    writer.Key("delayMs");
-    writer.Int(milliseconds);
-    writer.EndObject();
-    calls_->start("POST", url_ + "/faults", buffer.GetString(),
-                  [done](const rapidjson::Document&) { done(); });
+void HostService::fault(const std::string& rule, const std::function<void()>& done) {
+    calls_->start("POST", url_ + "/faults", rule, [done](const rapidjson::Document&) { done(); });
 }
 
-void HostService::pin(const std::string& cardId, const std::function<void(std::string)>& answer) {
-    calls_->start("GET", url_ + "/cards/" + cardId, {},
-                  [answer](const rapidjson::Document& card) { answer(textMember(card, "pin")); });
+void HostService::card(const std::string& cardId, const std::function<void(HostCardRecord)>& answer) {
+    calls_->start("GET", url_ + "/cards/" + cardId, {}, [answer](const rapidjson::Document& card) {
+        answer({textMember(card, "pan"), textMember(card, "cvv"), textMember(card, "pin"),
+                textMember(card, "status")});
+    });
 }
 
 }  // namespace korvane

@@ -17,6 +17,14 @@ struct HostCard {
     std::string status;  ///< in words: "Active", "Frozen", "Not activated"; else the service's own code
 };
 
+/// What is printed on a card, its PIN, and its status code.
+struct HostCardRecord {
+    std::string number;
+    std::string cvv;
+    std::string pin;
+    std::string status;
+};
+
 /// What a bank's app would ask its own server, asked here of the development card service's host side. It
 /// goes through the installed `UrlSession`. Main thread only; callbacks run there, never from inside a call,
 /// and never after the object is gone. A server that does not answer, or answers something else, gives an
@@ -32,10 +40,10 @@ class HostService {
     /// until the returned handle is released.
     [[nodiscard]] std::shared_ptr<void> watchSms(const std::string& cardId,
                                                  const std::function<void(std::string)>& arrived);
-    /// Makes the service's next answer at that endpoint ("pinSet") wait, to see what a slow one does.
-    void delayNext(const std::string& endpoint, int milliseconds, const std::function<void()>& done);
-    /// The PIN that is stored for the card: a development service shows it, a real one never would.
-    void pin(const std::string& cardId, const std::function<void(std::string)>& answer);
+    /// Has the service do something wrong, or slowly, once: `rule` is the JSON that its fault endpoint takes.
+    void fault(const std::string& rule, const std::function<void()>& done);
+    /// What is stored for the card: a development service shows it, a real one never would.
+    void card(const std::string& cardId, const std::function<void(HostCardRecord)>& answer);
 
   private:
     class SmsWatch;

@@ -8,38 +8,37 @@
 
 #include "common/HostService.h"
 
-/// The bank's app around the journey: its cards, the card whose journey is open, the text message that came.
+/// The bank's app around the journey: its cards, the journey that is open, the text message that came.
 class DemoHost : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("main() makes it.")
     Q_PROPERTY(QAbstractItemModel* cards READ cards CONSTANT)
-    Q_PROPERTY(QString openCard MEMBER openCard_ NOTIFY changed)
+    /// "SetPIN", "ActivateCardAndSetPIN", "GetCardImage"; empty: none is open.
+    Q_PROPERTY(QString journey MEMBER journey_ NOTIFY changed)
+    Q_PROPERTY(QString card MEMBER card_ NOTIFY changed)
     Q_PROPERTY(QString result MEMBER result_ NOTIFY changed)
     Q_PROPERTY(QString sms MEMBER sms_ NOTIFY changed)
 
   public:
     explicit DemoHost(korvane::HostService& service) : service_(service) {
-        cards_.setItemRoleNames({{Qt::DisplayRole, "name"}, {Qt::UserRole + 1, "cardId"}});
-        service_.cards([this](const std::vector<korvane::HostCard>& cards) {
-            for (const auto& card : cards) {
-                auto* const row = new QStandardItem(QString::fromStdString(card.name + "\n" + card.status));
-                row->setData(QString::fromStdString(card.id));
-                cards_.appendRow(row);
-            }
-        });
+        cards_.setItemRoleNames(
+            {{Qt::DisplayRole, "name"}, {Qt::UserRole + 1, "cardId"}, {Qt::UserRole + 2, "status"}});
+        reload();
     }
     QAbstractItemModel* cards() { return &cards_; }
 
-    Q_INVOKABLE void open(const QString& cardId) {
-        phone_ = service_.watchSms(cardId.toStdString(), [this](const std::string& code) {
-            show(openCard_, {}, QString::fromStdString(code));
+    Q_INVOKABLE void open(const QString& journey, const QString& card) {
+        phone_ = service_.watchSms(card.toStdString(), [this](const std::string& code) {
+            show(journey_, {}, QString::fromStdString(code));
         });
-        show(cardId, {}, {});
+        card_ = card;
+        show(journey, {}, {});
     }
     Q_INVOKABLE void close(const QString& result) {
         phone_.reset();
         show({}, result, {});
+        reload();
     }
     /// Puts the code from the message where the focus is, as a phone's keyboard offers to.
     Q_INVOKABLE void fillCode() {
@@ -47,20 +46,31 @@ class DemoHost : public QObject {
         filling.setCommitString(sms_);
         if (QObject* const field = QGuiApplication::focusObject())
             QCoreApplication::sendEvent(field, &filling);
-        show(openCard_, {}, {});
+        show(journey_, {}, {});
     }
 
   signals:
     void changed();
 
   private:
-    void show(const QString& openCard, const QString& result, const QString& sms) {
-        openCard_ = openCard, result_ = result, sms_ = sms;
+    void show(const QString& journey, const QString& result, const QString& sms) {
+        journey_ = journey, result_ = result, sms_ = sms;
         emit changed();
+    }
+    void reload() {
+        service_.cards([this](const std::vector<korvane::HostCard>& cards) {
+            cards_.setRowCount(static_cast<int>(cards.size()));
+            for (int row = 0; const auto& card : cards) {
+                auto* const item = new QStandardItem(QString::fromStdString(card.name));
+                item->setData(QString::fromStdString(card.id), Qt::UserRole + 1);
+                item->setData(QString::fromStdString(card.status), Qt::UserRole + 2);
+                cards_.setItem(row++, item);
+            }
+        });
     }
 
     korvane::HostService& service_;
     std::shared_ptr<void> phone_;
     QStandardItemModel cards_;
-    QString openCard_, result_, sms_;
+    QString journey_, card_, result_, sms_;
 };

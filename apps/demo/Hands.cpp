@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QThread>
+#include <algorithm>
 
 namespace {
 
@@ -16,6 +17,26 @@ QQuickItem* findBelow(QQuickItem* item, const QString& objectName) {
         if (QQuickItem* const found = findBelow(child, objectName)) return found;
     }
     return nullptr;
+}
+
+QQuickItem* scrollable(QQuickItem* item) {
+    if (!item->isVisible() || item->opacity() == 0) return nullptr;
+    if (item->inherits("QQuickFlickable") && item->property("contentHeight").toReal() > item->height())
+        return item;
+    for (QQuickItem* const child : item->childItems()) {
+        if (QQuickItem* const found = scrollable(child)) return found;
+    }
+    return nullptr;
+}
+
+void bringIntoView(const QQuickItem& item) {
+    for (QQuickItem* above = item.parentItem(); above; above = above->parentItem()) {
+        if (!above->inherits("QQuickFlickable")) continue;
+        const QRectF area = item.mapRectToItem(above, item.boundingRect());
+        const double past = area.bottom() - above->height();
+        const double by = area.top() < 0 ? area.top() : std::max(0.0, past);
+        above->setProperty("contentY", above->property("contentY").toReal() + by);
+    }
 }
 
 void send(QQuickWindow& window, QEvent&& event) {
@@ -48,6 +69,7 @@ bool Hands::waitFor(const QString& objectName) const {
 bool Hands::tap(const QString& objectName) const {
     if (!waitFor(objectName)) return false;
     look();  // a control that still slides would be missed
+    if (const QQuickItem* const found = find(objectName)) bringIntoView(*found);
     const QQuickItem* const item = find(objectName);
     if (!item || !item->isEnabled()) return false;
     const QPointF at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
@@ -64,6 +86,15 @@ void Hands::type(const QString& text) const {
         send(window_, QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, letter));
         send(window_, QKeyEvent(QEvent::KeyRelease, key, Qt::NoModifier, letter));
     }
+}
+
+bool Hands::scroll(bool toEnd) const {
+    QQuickItem* const item = scrollable(window_.contentItem());
+    if (!item) return false;
+    const double begin = item->property("originY").toReal() - item->property("topMargin").toReal();
+    const double end = item->property("contentHeight").toReal() - item->height();
+    item->setProperty("contentY", toEnd ? end : begin);
+    return true;
 }
 
 QImage Hands::look() const {

@@ -18,9 +18,11 @@ class Hands {
     bool waitUntil(const std::function<bool()>& seen, int milliseconds = 10000) const;
     /// Waits until the item is there and can be used.
     bool waitFor(const QString& objectName) const;
-    /// False when there is no such control to tap, or another item lies over it.
+    /// Scrolls to the control first. False when there is no such control to tap.
     bool tap(const QString& objectName) const;
     void type(const QString& text) const;
+    /// Scrolls what can be scrolled to its end, or back to its beginning. False when all of it is in sight.
+    bool scroll(bool toEnd) const;
     /// A picture of the window, taken when nothing moves any more, or after a second.
     QImage look() const;
 

@@ -26,7 +26,7 @@ ApplicationWindow {
         RoundButton {
             objectName: "host.close"
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-            visible: journeys.count > 0
+            visible: window.host.journey !== ""
             text: "Close"
             onClicked: window.host.close("CLOSED BY THE HOST")
         }
@@ -34,40 +34,60 @@ ApplicationWindow {
 
     ListView {
         anchors { fill: parent; leftMargin: window.margin; rightMargin: window.margin }
-        visible: journeys.count === 0
+        visible: window.host.journey === ""
         topMargin: 16
+        bottomMargin: 16
         spacing: 8
+        cacheBuffer: 4000
         model: window.host.cards
         delegate: Rectangle {
             id: row
             required property string cardId
             required property string name
+            required property string status
             width: ListView.view.width
-            height: 80
+            height: column.height
             radius: 16
             border.color: Theme.outline
-            Label {
-                anchors { left: parent.left; leftMargin: 16; verticalCenter: parent.verticalCenter }
-                text: row.name
-            }
-            RoundButton {
-                objectName: "setPin:" + row.cardId
-                anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
-                padding: 16
-                text: "Set PIN"
-                onClicked: window.host.open(row.cardId)
+            Column {
+                id: column
+                anchors { left: parent.left; right: parent.right; margins: 16 }
+                topPadding: 12
+                bottomPadding: 8
+                Label { text: row.name; font: Theme.button; width: parent.width; elide: Text.ElideRight }
+                Label { text: row.status; font: Theme.caption; color: Theme.hintText }
+                Row {
+                    topPadding: 8
+                    spacing: 8
+                    Repeater {
+                        model: [["setPin:", "Set PIN", "SetPIN"], ["activate:", "Activate", "ActivateCardAndSetPIN"],
+                            ["view:", "View card", "GetCardImage"]]
+                        RoundButton {
+                            required property var modelData
+                            objectName: modelData[0] + row.cardId
+                            width: (column.width - 16) / 3
+                            height: 48
+                            font: Theme.caption
+                            text: modelData[1]
+                            onClicked: window.host.open(modelData[2], row.cardId)
+                        }
+                    }
+                }
             }
         }
     }
 
     Repeater {
-        id: journeys
-        model: window.host.openCard === "" ? 0 : 1
-        SetPIN {
-            anchors.fill: parent
-            cardId: window.host.openCard
-            onClosed: result => window.host.close(result)
-        }
+        model: window.host.journey === "SetPIN" ? 1 : 0
+        SetPIN { anchors.fill: parent; cardId: window.host.card; onClosed: result => window.host.close(result) }
+    }
+    Repeater {
+        model: window.host.journey === "ActivateCardAndSetPIN" ? 1 : 0
+        ActivateCardAndSetPIN { anchors.fill: parent; cardId: window.host.card; onClosed: result => window.host.close(result) }
+    }
+    Repeater {
+        model: window.host.journey === "GetCardImage" ? 1 : 0
+        GetCardImage { anchors.fill: parent; cardId: window.host.card; onClosed: result => window.host.close(result) }
     }
 
     RoundButton {

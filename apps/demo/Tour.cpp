@@ -10,10 +10,13 @@
 
 namespace {
 
-const QString card = QStringLiteral("card-physical-active");
-const QString weakPin = QStringLiteral("1234");
+const QString activeCard = QStringLiteral("card-physical-active");
+const QString newCard = QStringLiteral("card-physical-new");
 const QString chosenPin = QStringLiteral("7391");
-const QString otherPin = QStringLiteral("7319");
+const QString details = QStringLiteral("sdk.cardviewer.device.details.");
+const QString freezing = QStringLiteral("sdk.cardviewer.card.activateAndSetPin.");
+const QString freezeSwitch = freezing + "freezeMyCard";
+const QString onCardButton = QStringLiteral("sdk.cardviewer.activateAndSetPin.onCardButton");
 
 /// Why the tour cannot go on.
 struct Stopped {
@@ -22,31 +25,69 @@ struct Stopped {
 
 class Tour {
   public:
-    Tour(QQuickWindow& window, korvane::HostService& service, const QString& directory)
-        : hands_(window), service_(service), directory_(directory) {}
+    Tour(QQuickWindow& window, korvane::HostService& service, const QString& directory,
+         const QList<QSize>& sizes)
+        : window_(window), hands_(window), service_(service), directory_(directory), sizes_(sizes) {}
 
     void play() {
-        require(QDir().mkpath(directory_.path()), "cannot make the folder " + directory_.path());
-        openJourney();
-        verifyBySms();
-        choosePin();
-        confirmPin();
-        checkService();
-        say(QString("%1 pictures are in %2").arg(pictures_).arg(directory_.absolutePath()));
+        await("setPin:" + activeCard);
+        picture("Host");
+        setPin();
+        activate();
+        viewCard();
+        say(QString("%1 screens are in %2").arg(pictures_).arg(directory_.absolutePath()));
         say("For a window, run this with a display (DISPLAY or WAYLAND_DISPLAY set) and without --tour.");
     }
 
   private:
-    void openJourney() {
-        await("setPin:" + card);
-        picture("Host");
-        delay("getCardStatus");
-        tap("setPin:" + card);
+    void setPin() {
+        slow("getCardStatus");
+        tap("setPin:" + activeCard);
         see("SetPIN");
+        verifyBySms();
+        see("EnterCardPINView");
+        tap("sdk.setpin.fourdigits");
+        await("sdk.setpin.fourdigits.info.button");
+        picture("EnterCardPINView-info");
+        tap("sdk.setpin.fourdigits.info.button");
+        say("Typing a weak PIN.");
+        typeDigits("1234", "sdk.setpin.button");
+        picture("EnterCardPINView-filled");
+        tap("sdk.setpin.button");
+        see("YouCanDoBetterView");
+        tap("sdk.youcandobetter.button");
+        await("EnterCardPINView");
+        typeDigits(chosenPin, "sdk.setpin.button");
+        tap("sdk.setpin.button");
+        see("ConfirmCardPINView");
+        say("Typing another PIN than before.");
+        typeDigits("7319", "sdk.confirmpin.button");
+        tap("sdk.confirmpin.button");
+        waitForMessage("sdk.confirmpin.input");
+        picture("ConfirmCardPINView-mismatch");
+        typeDigits(chosenPin, "sdk.confirmpin.button");
+        slow("pinSet");
+        tap("sdk.confirmpin.button");
+        picture("ConfirmCardPINView-submitting");
+        see("SuccessPinSetView");
+        tap("sdk.success.setpin.button");
+        await("setPin:" + activeCard);
+        picture("Host-closed");
+        require(record(activeCard).pin == chosenPin.toStdString(), "the service holds another PIN");
+        say("The service holds the PIN that was typed.");
+
+        fault(R"({"endpoint":"getCardStatus","status":500})");
+        tap("setPin:" + activeCard);
+        see("UhOhTryAgainView");
+        tap("sdk.errorPage.tryagain.button");
     }
 
     void verifyBySms() {
         see("SMSExplainView");
+        fault(R"({"endpoint":"pciTokenRequest","result":"Failure: try it later","count":2})");
+        tap("sdk.sms.explain.button");
+        see("UhOhTryAgainWithErrorMsgView");
+        tap("sdk.registration.errorPage.button");
         tap("sdk.sms.explain.button");
         await("EnterSMSCodeView");
         await("host.sms");
@@ -60,51 +101,122 @@ class Tour {
         tap("host.sms");
     }
 
-    void choosePin() {
-        see("EnterCardPINView");
-        tap("sdk.setpin.fourdigits");
-        await("sdk.setpin.fourdigits.info.button");
-        picture("EnterCardPINView-info");
-        tap("sdk.setpin.fourdigits.info.button");
-        say("Typing a weak PIN.");
-        typePin(weakPin, "sdk.setpin.button");
-        picture("EnterCardPINView-filled");
+    void activate() {
+        say("A PIN is asked for a card that is not active yet: it is activated first.");
+        open("setPin:", newCard, "CardIsNotYetActivatedView");
+        picture("CardIsNotYetActivatedView");
+        tap("sdk.cardnotactivated.button.one");
+        see("ActivateCardAndSetPIN_NoNav");
+        tap("sdk.cardarrived.start");
+        const auto proof = record(newCard);
+        see("EnterCardLastFourView");
+        typeDigits(QString::fromStdString(proof.number).right(4), "sdk.activatecard.lastfourdigits.button");
+        tap("sdk.activatecard.lastfourdigits.button");
+        await("EnterCardCVVView");
+        typeDigits(QString::fromStdString(proof.cvv), "sdk.activatecard.cvv.button");
+        picture("EnterCardCVVView");
+        tap("sdk.activatecard.cvv.button");
+        await("EnterCardPINView");
+        enterPinTwice();
+        see("SuccessCardActivatedAndPinSetView");
+        tap("sdk.success.cardActivatedAndSetPin.button");
+        await("setPin:" + newCard);
+        const auto activated = record(newCard);
+        require(activated.status == "A1" && activated.pin == chosenPin.toStdString(),
+                "the service holds no active card with the PIN that was typed");
+        say("The service holds an active card with the PIN that was typed.");
+
+        open("activate:", newCard, "CardAlreadyActivatedView");
+        picture("CardAlreadyActivatedView");
+        tap("sdk.cardactivated.button.two");
+        await("EnterCardPINView");
+        tap("host.close");
+    }
+
+    void viewCard() {
+        open("view:", activeCard, "CardImage_NoNav");
+        tap("xmark");
+        slow("cardImage");
+        tap("view:" + activeCard);
+        see("GetCardImage");
+        see("CardImage_NoNav");
+        tap(details + "reveal");
+        picture("CardImage_NoNav-revealed");
+        tap(details + "cardNumber");
+        picture("CardImage_NoNav-copied");
+        tap(freezeSwitch);
+        await(freezing + "freezeCardPopup.freezeButton");
+        picture("CardImage_NoNav-freezePopup");
+        slow("cardStatus");
+        tap(freezing + "freezeCardPopup.freezeButton");
+        picture("CardImage_NoNav-freezing");
+        await(freezeSwitch);
+        picture("CardImage_NoNav-frozen");
+        require(record(activeCard).status == "BT", "the card is not frozen");
+        tap(freezeSwitch);
+        await(freezing + "unFreezeCardPopup.unFreezeButton");
+        picture("CardImage_NoNav-unFreezePopup");
+        fault(R"({"endpoint":"cardStatus","status":500})");
+        tap(freezing + "unFreezeCardPopup.unFreezeButton");
+        await(freezeSwitch);
+        picture("CardImage_NoNav-unFreezeFailed");
+        tap("xmark");
+
+        for (const char* const type : {"virtual", "wearable", "paywallet"}) {
+            open("view:", QString("card-%1-active").arg(type), "CardImage_NoNav");
+            picture(QString("CardImage_NoNav-") + type);
+            tap("xmark");
+        }
+        open("view:", "card-unknown-status", "CardImage_NoNav");
+        picture("CardImage_NoNav-unknownStatus");
+        tap("xmark");
+        fault(R"({"endpoint":"cardImage","result":"Success"})");  // and nothing but this word
+        open("view:", "card-unknown-type", "CardImage_NoNav");
+        picture("CardImage_NoNav-nothingCame");
+        tap("xmark");
+
+        say("A card that is not active yet is activated from the viewer.");
+        open("view:", "card-virtual-new", "CardImage_NoNav");
+        picture("CardImage_NoNav-notActivated");
+        tap(onCardButton);
+        await("EnterCardPINView");
+        enterPinTwice();
+        await("SuccessCardActivatedAndPinSetView");
+        tap("sdk.success.cardActivatedAndSetPin.button");
+        require(record("card-virtual-new").status == "A1", "the card is not active");
+    }
+
+    /// Opens a journey, with a code by SMS where the last one is too old.
+    void open(const QString& button, const QString& card, const QString& view) {
+        tap(button + card);
+        require(hands_.waitUntil([&] { return hands_.find(view) || hands_.find("SMSExplainView"); }),
+                view + " did not come");
+        if (hands_.find(view)) return;
+        tap("sdk.sms.explain.button");
+        tap("host.sms");
+        await(view);
+    }
+
+    void enterPinTwice() {
+        typeDigits(chosenPin, "sdk.setpin.button");
         tap("sdk.setpin.button");
-        see("YouCanDoBetterView");
-        tap("sdk.youcandobetter.button");
-        see("EnterCardPINView", false);
-        typePin(chosenPin, "sdk.setpin.button");
-        tap("sdk.setpin.button");
-    }
-
-    void confirmPin() {
-        see("ConfirmCardPINView");
-        say("Typing another PIN than before.");
-        typePin(otherPin, "sdk.confirmpin.button");
+        await("ConfirmCardPINView");
+        typeDigits(chosenPin, "sdk.confirmpin.button");
         tap("sdk.confirmpin.button");
-        waitForMessage("sdk.confirmpin.input");
-        picture("ConfirmCardPINView-mismatch");
-        typePin(chosenPin, "sdk.confirmpin.button");
-        delay("pinSet");
-        tap("sdk.confirmpin.button");
-        picture("ConfirmCardPINView-submitting");
-        see("SuccessPinSetView");
-        tap("sdk.success.setpin.button");
-        await("setPin:" + card);
-        picture("Host-closed");
     }
 
-    void checkService() {
-        std::optional<std::string> stored;
-        service_.pin(card.toStdString(), [&stored](const std::string& pin) { stored = pin; });
-        require(hands_.waitUntil([&] { return stored.has_value(); }), "the service does not tell the PIN");
-        require(stored == chosenPin.toStdString(), "the service holds another PIN than the one typed");
-        say("The service holds the PIN that was typed.");
+    korvane::HostCardRecord record(const QString& card) {
+        std::optional<korvane::HostCardRecord> stored;
+        service_.card(card.toStdString(),
+                      [&stored](const korvane::HostCardRecord& answer) { stored = answer; });
+        require(hands_.waitUntil([&] { return stored.has_value(); }),
+                "the service does not tell of the card");
+        return *stored;
     }
 
-    void see(const QString& view, bool withPicture = true) {
-        require(hands_.waitFor(view), view + " did not come");
-        if (withPicture) picture(view);
+    void see(const QString& view) {
+        await(view);
+        picture(view);
     }
 
     void tap(const QString& control) {
@@ -114,9 +226,9 @@ class Tour {
 
     void await(const QString& control) { require(hands_.waitFor(control), control + " did not come"); }
 
-    void typePin(const QString& pin, const QString& button) {
+    void typeDigits(const QString& digits, const QString& button) {
         hands_.look();
-        hands_.type(pin);
+        hands_.type(digits);
         await(button);
     }
 
@@ -125,16 +237,36 @@ class Tour {
         require(hands_.waitUntil([&] { return hands_.find("message") != nullptr; }), "no message came");
     }
 
-    /// So that a picture shows the wheel, which a service in the same process hardly gives the time to see.
-    void delay(const std::string& endpoint) {
+    void fault(const std::string& rule) {
         bool done = false;
-        service_.delayNext(endpoint, 2000, [&done] { done = true; });
-        require(hands_.waitUntil([&] { return done; }), "the service takes no delay");
+        service_.fault(rule, [&done] { done = true; });
+        require(hands_.waitUntil([&] { return done; }), "the service takes no fault");
+    }
+
+    /// So that the pictures show the wheel, which a service in the same process hardly gives the time to see.
+    void slow(const std::string& endpoint) {
+        fault(R"({"endpoint":")" + endpoint + R"(","delayMs":)" + std::to_string(2000 * sizes_.size()) + "}");
     }
 
     void picture(const QString& name) {
-        const QString file = QString("%1-%2.png").arg(++pictures_, 2, 10, QChar('0')).arg(name);
-        require(hands_.look().save(directory_.filePath(file)), "cannot write " + file);
+        ++pictures_;
+        for (const QSize size : sizes_) {
+            window_.resize(size);
+            hands_.scroll(false);
+            save(name, size, "");
+            if (!hands_.scroll(true)) continue;
+            save(name, size, "-end");
+            hands_.scroll(false);
+        }
+    }
+
+    void save(const QString& name, QSize size, const char* part) {
+        const QString folder =
+            sizes_.size() == 1 ? "." : QString("%1x%2").arg(size.width()).arg(size.height());
+        const QString file =
+            QString("%1/%2-%3%4.png").arg(folder).arg(pictures_, 2, 10, QChar('0')).arg(name).arg(part);
+        require(directory_.mkpath(folder) && hands_.look().save(directory_.filePath(file)),
+                "cannot write " + file);
         say("Picture " + file);
     }
 
@@ -146,17 +278,20 @@ class Tour {
         std::fflush(stdout);
     }
 
+    QQuickWindow& window_;
     Hands hands_;
     korvane::HostService& service_;
     QDir directory_;
+    QList<QSize> sizes_;
     int pictures_ = 0;
 };
 
 }  // namespace
 
-int playTour(QQuickWindow& window, korvane::HostService& service, const QString& directory) {
+int playTour(QQuickWindow& window, korvane::HostService& service, const QString& directory,
+             const QList<QSize>& sizes) {
     try {
-        Tour(window, service, directory).play();
+        Tour(window, service, directory, sizes).play();
         return 0;
     } catch (const Stopped& stopped) {
         std::fprintf(stderr, "The tour stopped: %s\n", qPrintable(stopped.reason));

@@ -8,6 +8,7 @@
 
 #include "DemoHost.h"
 #include "Tour.h"
+#include "WatchPicture.h"
 #include "common/BackEnd.h"
 #include "common/HostIv.h"
 
@@ -15,12 +16,14 @@ int main(int argc, char** argv) {
     QGuiApplication app(argc, argv);
     QCommandLineParser options;
     options.addHelpOption();
-    options.addOptions({{"service", "Card service to use instead of the built-in one.", "URL"},
-                        {"key", "Its pre-shared key.", "BASE64"},
-                        {"iv-url", "Where the host gets IVs (default: /host/iv under the service).", "URL"},
-                        {"ca", "PEM file of the certificate authorities to trust.", "FILE"},
-                        {"size", "Size of the window.", "WxH", "390x844"},
-                        {"tour", "Play the journey by itself, with pictures in DIR.", "DIR"}});
+    options.addOptions(
+        {{"service", "Card service to use instead of the built-in one.", "URL"},
+         {"key", "Its pre-shared key.", "BASE64"},
+         {"iv-url", "Where the host gets IVs (default: /host/iv under the service).", "URL"},
+         {"ca", "PEM file of the certificate authorities to trust.", "FILE"},
+         {"size", "Size of the window.", "WxH", "390x844"},
+         {"tour", "Play all journeys by themselves, with pictures in DIR: of three sizes, or of one.",
+          "DIR"}});
     options.process(app);
     const auto option = [&](const char* name) { return options.value(name).toStdString(); };
     int width = 0, height = 0;
@@ -31,7 +34,7 @@ int main(int argc, char** argv) {
     korvane::installPorts(korvane::qtPorts(backEnd.caFile));
     const std::shared_ptr<void> leaving(nullptr, [](void*) { korvane::uninstallPorts(); });
     if (!korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl), false, {},
-                             {}))
+                             {}, "My watch", watchPicture()))
         return qCritical("The key is not base64."), 2;
 
     korvane::HostService service(backEnd.hostUrl());
@@ -42,5 +45,8 @@ int main(int argc, char** argv) {
     auto* const window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     window->resize(width, height);
     window->show();
-    return options.isSet("tour") ? playTour(*window, service, options.value("tour")) : app.exec();
+    if (!options.isSet("tour")) return app.exec();
+    const QList<QSize> sizes = options.isSet("size") ? QList<QSize>{{width, height}}
+                                                     : QList<QSize>{{320, 568}, {390, 844}, {1280, 800}};
+    return playTour(*window, service, options.value("tour"), sizes);
 }
