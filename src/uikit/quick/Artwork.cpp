@@ -274,6 +274,7 @@ struct Picture {
 struct Symbol {
     QLatin1StringView name;
     void (*draw)(QPainter&, const QColor&);
+    bool directed = false;  ///< drawn the other way round where lines run from right to left
 };
 
 constexpr std::array pictures{
@@ -288,7 +289,7 @@ constexpr std::array symbols{
     Symbol{QLatin1StringView("checkmark.circle"), checkmarkCircle},
     Symbol{QLatin1StringView("xmark.octagon"), xmarkOctagon},
     Symbol{QLatin1StringView("exclamationmark.circle"), exclamationCircle},
-    Symbol{QLatin1StringView("back"), back},
+    Symbol{QLatin1StringView("back"), back, true},
     Symbol{QLatin1StringView("xmark"), xmark},
     Symbol{QLatin1StringView("spinner"), spinner},
     Symbol{QLatin1StringView("eye"), eye},
@@ -329,7 +330,10 @@ void Artwork::setAngle(double angle) {
 void Artwork::componentComplete() {
     QQuickPaintedItem::componentComplete();
     theme_ = Theme::of(this);
-    if (theme_) connect(theme_, &Theme::changed, this, &Artwork::redraw);
+    if (theme_) {
+        connect(theme_, &Theme::changed, this, &Artwork::redraw);
+        connect(theme_, &Theme::mirroredChanged, this, &Artwork::redraw);
+    }
 }
 
 void Artwork::paint(QPainter* painter) {
@@ -343,6 +347,7 @@ void Artwork::paint(QPainter* painter) {
         painter->scale(side / symbolSide, side / symbolSide);
         painter->translate(symbolSide / 2, symbolSide / 2);
         painter->rotate(angle_);
+        if (symbol->directed && theme_ && theme_->mirrored()) painter->scale(-1, 1);
         painter->translate(-symbolSide / 2, -symbolSide / 2);
         symbol->draw(*painter, color_);
     }

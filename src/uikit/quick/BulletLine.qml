@@ -8,10 +8,11 @@ Item {
 
     required property BulletModel modelData
 
-    implicitWidth: words.x + words.implicitWidth
+    implicitWidth: 40 + words.implicitWidth
     implicitHeight: Math.max(24, words.implicitHeight)
 
     Artwork {
+        anchors.left: parent.left
         y: Math.round((Math.min(24, words.implicitHeight) - height) / 2)
         width: 24
         height: 24
@@ -22,8 +23,9 @@ Item {
     Text {
         id: words
 
-        x: 40
-        width: parent.width - x
+        anchors.left: parent.left
+        anchors.leftMargin: 40
+        anchors.right: parent.right
         text: line.modelData.text
         font: Theme.body
         color: Theme.colorOnBackground

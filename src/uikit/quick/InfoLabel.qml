@@ -13,6 +13,7 @@ Item {
     Text {
         id: words
 
+        anchors.left: parent.left
         anchors.verticalCenter: parent.verticalCenter
         width: Math.min(implicitWidth, parent.width - 32)
         font: Theme.body

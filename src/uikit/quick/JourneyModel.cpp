@@ -2,7 +2,6 @@
 #include "uikit/quick/JourneyModel.h"
 
 #include "base/Secret.h"
-#include "uikit/quick/Theme.h"
 
 namespace korvane {
 namespace {
@@ -113,7 +112,6 @@ void JourneyModel::show() {
         return wipeSecrets();
     }
 
-    if (Theme* const theme = Theme::of(this)) theme->refresh();
     const bool first = instance_ == 0;
     move_ = first                     ? Move::None
             : snapshot.depth > depth_ ? Move::Push

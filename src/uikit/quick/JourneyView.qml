@@ -21,6 +21,8 @@ FocusScope {
     }
 
     focus: true
+    LayoutMirroring.enabled: Theme.mirrored
+    LayoutMirroring.childrenInherit: true
     implicitWidth: 390
     implicitHeight: 844
 

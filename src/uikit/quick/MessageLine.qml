@@ -17,6 +17,7 @@ Item {
     Accessible.name: text
 
     Artwork {
+        anchors.left: parent.left
         y: line.topPadding
         width: 20
         height: 20
@@ -27,9 +28,10 @@ Item {
     Text {
         id: words
 
-        x: 28
+        anchors.left: parent.left
+        anchors.leftMargin: 28
+        anchors.right: parent.right
         y: line.topPadding
-        width: parent.width - x
         text: line.text
         font: Theme.caption
         color: Theme.errorText

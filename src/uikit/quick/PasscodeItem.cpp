@@ -51,7 +51,10 @@ void PasscodeItem::setScreen(ScreenModel* screen) {
 void PasscodeItem::componentComplete() {
     QQuickPaintedItem::componentComplete();
     theme_ = Theme::of(this);
-    if (theme_) connect(theme_, &Theme::changed, this, &PasscodeItem::redraw);
+    if (theme_) {
+        connect(theme_, &Theme::changed, this, &PasscodeItem::redraw);
+        connect(theme_, &Theme::mirroredChanged, this, &PasscodeItem::redraw);
+    }
     redraw();
 }
 
@@ -64,8 +67,10 @@ void PasscodeItem::redraw() {
 QRectF PasscodeItem::boxRect(int index, int size) const {
     const double gap = size > 4 ? 8 : 16;
     const double step = std::min((width() + gap) / size, 96 + gap);
-    const double left = std::round(index * step);
-    return {left, 0, std::round(index * step + step - gap) - left, height()};
+    // Digits run from left to right in every language; boxes that leave room leave it where lines end.
+    const double start = theme_ && theme_->mirrored() ? width() + gap - step * size : 0;
+    const double left = std::round(start + index * step);
+    return {left, 0, std::round(start + index * step + step - gap) - left, height()};
 }
 
 void PasscodeItem::paint(QPainter* painter) {

@@ -18,7 +18,7 @@ FocusScope {
     readonly property real footerHeight: (loader.item as PageFrame)?.footerHeight ?? 0
     readonly property bool above: current ? move !== JourneyModel.Pop : move === JourneyModel.Pop
     readonly property bool slides: move === JourneyModel.Push || move === JourneyModel.Pop
-    /// 0: in its place; 1: beyond the right edge; negative: pushed a little to the left, under the other.
+    /// 0: in its place; 1: beyond the edge where lines end; negative: pushed a little the other way, under the other.
     readonly property real offset: {
         if (!slides)
             return 0;
@@ -33,7 +33,7 @@ FocusScope {
     z: above ? 1 : 0
     opacity: move === JourneyModel.Replace && current ? progress : 1
     transform: Translate {
-        x: page.offset * page.width
+        x: page.offset * (Theme.mirrored ? -page.width : page.width)
     }
 
     Rectangle {

@@ -56,10 +56,8 @@ Theme::Theme(QObject* parent)
       appearance_(NotificationCenter::defaultCenter().observe(NotificationAppearanceChanged,
                                                               [this](const auto&) { refresh(); })),
       language_(NotificationCenter::defaultCenter().observe(NotificationLanguageChanged,
-                                                            [this](const auto&) { turn(); })) {
-    if (!portsInstalled()) return;
-    refresh();
-    turn();
+                                                            [this](const auto&) { refresh(); })) {
+    if (portsInstalled()) refresh();
 }
 
 Theme* Theme::of(const QObject* object) {
@@ -69,16 +67,15 @@ Theme* Theme::of(const QObject* object) {
 
 void Theme::refresh() {
     const SdkConfig& config = SdkConfig::sharedInstance();
-    if (colors_ == config.colors && radii_ == config.cornerRadii) return;
-    colors_ = config.colors;
-    radii_ = config.cornerRadii;
-    emit changed();
-}
-
-void Theme::turn() {
-    if (mirrored_ == isRightToLeft()) return;
-    mirrored_ = !mirrored_;
-    emit mirroredChanged();
+    if (colors_ != config.colors || radii_ != config.cornerRadii) {
+        colors_ = config.colors;
+        radii_ = config.cornerRadii;
+        emit changed();
+    }
+    if (mirrored_ != isRightToLeft()) {
+        mirrored_ = !mirrored_;
+        emit mirroredChanged();
+    }
 }
 
 QColor Theme::errorText() const {

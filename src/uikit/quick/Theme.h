@@ -78,7 +78,8 @@ class Theme : public QObject {
     /// The theme of the engine that `object` belongs to; none for an object made without QML.
     static Theme* of(const QObject* object);
 
-    /// Takes over the palette and radii that `initialize` stored. Needs installed ports.
+    /// Takes over the palette and radii that `initialize` stored, and the direction of the language. Needs
+    /// installed ports.
     void refresh();
 
     bool mirrored() const { return mirrored_; }
@@ -130,7 +131,6 @@ class Theme : public QObject {
 
   private:
     static QColor toQt(const Color& color);
-    void turn();
     static QFont font(const QStringList& families, QFont::Weight weight, int pixelSize);
 
     KorvaneColors colors_;
