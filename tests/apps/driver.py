@@ -92,11 +92,19 @@ class Journey:
             raise AssertionError(event["message"])
         return event
 
-    def tap(self, control):
-        self.command("tap " + control)
+    def tap(self, *controls):
+        for control in controls:
+            self.command("tap " + control)
 
     def type(self, digits):
         self.command("type " + digits)
+
+    def at(self, view, control, digits=""):
+        """On this view: types the digits, and taps the control."""
+        self.shows(view)
+        if digits:
+            self.type(digits)
+        self.tap(control)
 
     def reaches(self, **state):
         """Waits for a screen whose state has these values."""
@@ -110,12 +118,8 @@ class Journey:
         return self.next(lambda e: e["event"] == "pasteboard")["text"]
 
     def prove_possession(self, card):
-        self.shows("EnterCardLastFourView")
-        self.type(card["pan"][-4:])
-        self.tap("sdk.activatecard.lastfourdigits.button")
-        self.shows("EnterCardCVVView")
-        self.type(card["cvv"][:3])
-        self.tap("sdk.activatecard.cvv.button")
+        self.at("EnterCardLastFourView", "sdk.activatecard.lastfourdigits.button", card["pan"][-4:])
+        self.at("EnterCardCVVView", "sdk.activatecard.cvv.button", card["cvv"][:3])
 
     def error(self):
         return self.next(lambda e: e["event"] == "error")["message"]
@@ -130,16 +134,17 @@ class Journey:
         self.process.stdout.close()
         return status
 
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        for pipe in (self.process.stdin, self.process.stdout, self.process.stderr):
+            pipe.close()
+
     def verify_by_sms(self, sandbox):
-        self.shows("SMSExplainView")
-        self.tap("sdk.sms.explain.button")
+        self.at("SMSExplainView", "sdk.sms.explain.button")
         self.shows("EnterSMSCodeView")
         self.type(sandbox.code())
 
-    def enter_and_confirm(self, pin):
-        self.shows("EnterCardPINView")
-        self.type(pin)
-        self.tap("sdk.setpin.button")
-        self.shows("ConfirmCardPINView")
-        self.type(pin)
-        self.tap("sdk.confirmpin.button")
+    def enter_and_confirm(self, pin, confirmed=None):
+        self.at("EnterCardPINView", "sdk.setpin.button", pin)
+        self.at("ConfirmCardPINView", "sdk.confirmpin.button", confirmed or pin)

@@ -12,202 +12,144 @@ from driver import PROGRAMS, Journey, Sandbox
 class OnTheConsole(unittest.TestCase):
     def setUp(self):
         self.sandbox = Sandbox()
-        self.journeys = []
+        self.addCleanup(self.sandbox.stop)
 
-    def tearDown(self):
-        for journey in self.journeys:
-            journey.process.kill()
-            journey.process.wait()
-            for pipe in (journey.process.stdin, journey.process.stdout, journey.process.stderr):
-                pipe.close()
-        self.sandbox.stop()
-
-    def start(self, *arguments, **keywords):
-        self.journeys.append(Journey(self.sandbox, *arguments, **keywords))
-        return self.journeys[-1]
-
-    def at_pin_entry(self, **keywords):
-        journey = self.start(**keywords)
-        journey.verify_by_sms(self.sandbox)
-        journey.shows("EnterCardPINView")
+    def start(self, *arguments, verified=False, **keywords):
+        journey = Journey(self.sandbox, *arguments, **keywords)
+        self.addCleanup(journey.end)
+        if verified:
+            journey.verify_by_sms(self.sandbox)
         return journey
+
+    def assert_ends(self, journey, button, result="SUCCESS", status=0):
+        journey.tap(button)
+        self.assertEqual(journey.closes(), (result, status))
+
+    def assert_fails(self, journey):
+        journey.shows("UhOhTryAgainView")
+        self.assert_ends(journey, "sdk.errorPage.tryagain.button", "FAILURE", 4)
+
+    def assert_card(self, card, status, pin):
+        stored = self.sandbox.card(card)
+        self.assertEqual((stored["status"], stored["pin"]), (status, pin))
 
 
 class SetPin(OnTheConsole):
     def test_first_run_with_no_tokens_sets_the_pin(self):
-        journey = self.start()
-        journey.verify_by_sms(self.sandbox)
+        journey = self.start(verified=True)
         self.assertEqual(journey.shows("EnterCardPINView")["stack"], ["SetPIN", "EnterCardPINView"])
         journey.enter_and_confirm("1357")
         journey.shows("SuccessPinSetView")
-        journey.tap("sdk.success.setpin.button")
-        self.assertEqual(journey.closes(), ("SUCCESS", 0))
-        self.assertEqual(self.sandbox.card("card-physical-active")["pin"], "1357")
+        self.assert_ends(journey, "sdk.success.setpin.button")
+        self.assert_card("card-physical-active", "A1", "1357")
         log = "".join(journey.log)
         self.assertIn("Got 401... calling reAuthClosure...", log)
         self.assertIn("Success! Got new bearer token... now re-calling getCardStatus...", log)
         self.assertEqual(self.sandbox.requests()["getBearerToken"], 1)
 
     def test_weak_pin_and_mismatch_are_told_and_submit_nothing(self):
-        journey = self.at_pin_entry()
-        journey.type("1234")
-        journey.tap("sdk.setpin.button")
-        journey.shows("YouCanDoBetterView")
-        journey.tap("sdk.youcandobetter.button")
-        journey.shows("EnterCardPINView")
-        journey.type("2580")
-        journey.tap("sdk.setpin.button")
-        journey.shows("ConfirmCardPINView")
-        journey.type("2581")
-        journey.tap("sdk.confirmpin.button")
-        event = journey.next(lambda e: e.get("state", {}).get("pinsDontMatch"))
-        self.assertEqual(event["state"]["message"], "sdk.error.matchpin.message")
+        journey = self.start(verified=True)
+        journey.at("EnterCardPINView", "sdk.setpin.button", "1234")
+        journey.at("YouCanDoBetterView", "sdk.youcandobetter.button")
+        journey.enter_and_confirm("2580", "2581")
+        self.assertEqual(journey.reaches(pinsDontMatch=True)["state"]["message"], "sdk.error.matchpin.message")
         self.assertEqual(self.sandbox.requests()["pinSet"], 0)
-        journey.type("2580")
-        journey.tap("sdk.confirmpin.button")
+        journey.at("ConfirmCardPINView", "sdk.confirmpin.button", "2580")
         journey.shows("SuccessPinSetView")
-        self.assertEqual(self.sandbox.card("card-physical-active")["pin"], "2580")
+        self.assert_card("card-physical-active", "A1", "2580")
 
     def test_wrong_sms_code_and_resend(self):
         journey = self.start()
-        journey.shows("SMSExplainView")
-        journey.tap("sdk.sms.explain.button")
+        journey.at("SMSExplainView", "sdk.sms.explain.button")
         journey.shows("EnterSMSCodeView")
-        first = self.sandbox.code()
-        journey.type("000000" if first != "000000" else "111111")
+        journey.type("000000" if self.sandbox.code() != "000000" else "111111")
         event = journey.next(lambda e: e.get("state", {}).get("message"))
         self.assertEqual((event["view"], event["state"]["digits"]), ("EnterSMSCodeView", 0))
         journey.tap("sdk.sms.code.resend")
         self.assertIn("not enabled", journey.error())
         journey.next(lambda e: {"id": "sdk.sms.code.resend", "kind": "button", "enabled": True} in e.get("controls", []))
         journey.tap("sdk.sms.code.resend")
-        self.assertEqual(journey.next(lambda e: e["event"] == "toast")["id"], "sdk.sms.code.resent")
+        self.assertEqual(journey.toast(), "sdk.sms.code.resent")
         self.assertEqual(self.sandbox.requests()["pciTokenRequest"], 2)
         journey.type(self.sandbox.code())
         journey.shows("EnterCardPINView")
 
-    def test_expired_pci_token_at_submission_returns_and_resubmits_without_a_tap(self):
-        journey = self.at_pin_entry()
+    def test_stale_token_and_iv_at_submission_are_no_failures(self):
+        journey = self.start(verified=True)
         self.sandbox.fault(endpoint="pinSet", expirePciToken=True)
-        journey.enter_and_confirm("1470")
-        journey.verify_by_sms(self.sandbox)
-        event = journey.shows("SuccessPinSetView")
-        self.assertEqual(event["stack"], ["SetPIN", "EnterCardPINView", "ConfirmCardPINView", "SuccessPinSetView"])
-        self.assertEqual(self.sandbox.card("card-physical-active")["pin"], "1470")
-
-    def test_expired_iv_in_the_middle_is_replaced(self):
-        journey = self.at_pin_entry()
         self.sandbox.fault(endpoint="pinSet", expireIv=True)
         journey.enter_and_confirm("1470")
-        journey.shows("SuccessPinSetView")
-        self.assertEqual(self.sandbox.requests()["pinSet"], 2)
+        journey.verify_by_sms(self.sandbox)
+        event = journey.shows("SuccessPinSetView")  # submitted without a further tap
+        self.assertEqual(event["stack"], ["SetPIN", "EnterCardPINView", "ConfirmCardPINView", "SuccessPinSetView"])
+        self.assert_card("card-physical-active", "A1", "1470")
+        self.assertEqual(self.sandbox.requests()["pinSet"], 3)
         self.assertIn("refreshed the IV... now recalling doPinSet\n", journey.log)
 
-    def test_failures_of_the_first_call_end_on_the_page_that_the_text_names(self):
-        cases = [
-            ({"status": 500}, "SMSExplainView"),  # with an empty token
-            ({"status": 418}, "UhOhTryAgainView"),
-            ({"reset": True}, "UhOhTryAgainView"),
-            ({"body": "<html>not JSON</html>"}, "UhOhTryAgainView"),
-            ({"result": "Failure: No such card"}, "UhOhTryAgainView"),
-        ]
-        for rule, view in cases:
-            with self.subTest(rule=rule):
-                # The bearer token is renewed first: the second status call meets the rule.
-                self.sandbox.fault(endpoint="getCardStatus", status=401)
-                self.sandbox.fault(endpoint="getCardStatus", **rule)
-                journey = self.start()
-                journey.shows(view)
-                if view == "UhOhTryAgainView":
-                    journey.tap("sdk.errorPage.tryagain.button")
-                    self.assertEqual(journey.closes(), ("FAILURE", 4))
-
-    def test_failures_of_the_submission_end_on_the_error_page(self):
-        for rule in ({"status": 418}, {"reset": True}, {"body": "[]"}, {"status": 500, "result": "Failure: Down"}):
-            with self.subTest(rule=rule):
-                journey = self.at_pin_entry()
-                self.sandbox.fault(endpoint="pinSet", **rule)
-                journey.enter_and_confirm("1470")
-                journey.shows("UhOhTryAgainView")
-
-    def test_failed_renewal_ends_on_the_error_page(self):
+    def test_failures_end_on_the_error_page(self):
+        for endpoint in ("getCardStatus", "pinSet"):
+            for rule in ({"status": 418}, {"reset": True}, {"body": "<html>"}, {"result": "Failure: No such card"}):
+                with self.subTest(endpoint=endpoint, rule=rule):
+                    if endpoint == "getCardStatus":  # the bearer token is renewed first: the second call meets the rule
+                        self.sandbox.fault(endpoint=endpoint, status=401)
+                    self.sandbox.fault(endpoint=endpoint, **rule)
+                    journey = self.start(verified=endpoint == "pinSet")
+                    if endpoint == "pinSet":
+                        journey.enter_and_confirm("1470")
+                    self.assert_fails(journey)
         self.sandbox.fault(endpoint="getBearerToken", status=401)
-        self.start().shows("UhOhTryAgainView")
+        self.assert_fails(self.start())
+
+    def test_a_status_that_the_service_fails_to_tell_starts_with_the_sms(self):
+        self.sandbox.fault(endpoint="getCardStatus", status=401)
+        self.sandbox.fault(endpoint="getCardStatus", status=500)
+        self.start().shows("SMSExplainView")
 
     def test_service_that_is_not_there_or_not_trusted(self):
-        self.start(service="https://127.0.0.1:9").shows("UhOhTryAgainView")
+        self.assert_fails(self.start(service="https://127.0.0.1:9"))
         other = Sandbox()
-        try:
-            journey = self.start(service=other.url)
-            journey.shows("UhOhTryAgainView")
-            self.assertEqual(other.requests()["getCardStatus"], 0)
-        finally:
-            other.stop()
+        self.addCleanup(other.stop)
+        self.assert_fails(self.start(service=other.url))
+        self.assertEqual(other.requests()["getCardStatus"], 0)
 
 
 class Activate(OnTheConsole):
     def begin(self, card, kind="activate"):
-        journey = self.start(kind=kind, card=card)
-        journey.verify_by_sms(self.sandbox)
-        return journey
-
-    def assert_card(self, card, status, pin):
-        stored = self.sandbox.card(card)
-        self.assertEqual((stored["status"], stored["pin"]), (status, pin))
+        return self.start(kind=kind, card=card, verified=True)
 
     def test_each_type_is_activated_and_gets_its_pin(self):
         for kind in ("physical", "virtual", "wearable"):
             with self.subTest(kind=kind):
                 card = f"card-{kind}-new"
                 journey = self.begin(card)
-                journey.shows("ActivateCardAndSetPIN_NoNav")
-                journey.tap("sdk.cardarrived.start")
-                if kind == "physical":
+                journey.at("ActivateCardAndSetPIN_NoNav", "sdk.cardarrived.start")
+                if kind == "physical":  # what was typed first is overwritten on the way back
+                    journey.at("EnterCardLastFourView", "sdk.activatecard.lastfourdigits.button", "0000")
+                    journey.at("EnterCardCVVView", "back")
                     journey.prove_possession(self.sandbox.card(card))
                 journey.enter_and_confirm("1357")
                 journey.shows("SuccessCardActivatedAndPinSetView")
-                journey.tap("sdk.success.cardActivatedAndSetPin.button")
-                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+                self.assert_ends(journey, "sdk.success.cardActivatedAndSetPin.button")
                 self.assert_card(card, "A1", "1357")
 
     def test_wrong_proof_of_possession_activates_nothing(self):
         card = self.sandbox.card("card-physical-new")
-        wrong = lambda digits: "".join(str((int(digit) + 1) % 10) for digit in digits)
-        for proof in ({**card, "pan": wrong(card["pan"])}, {**card, "cvv": wrong(card["cvv"])}):
+        for name in ("pan", "cvv"):
             journey = self.begin(card["id"])
-            journey.shows("ActivateCardAndSetPIN_NoNav")
-            journey.tap("sdk.cardarrived.start")
-            journey.prove_possession(proof)
+            journey.at("ActivateCardAndSetPIN_NoNav", "sdk.cardarrived.start")
+            journey.prove_possession({**card, name: "".join(str((int(digit) + 1) % 10) for digit in card[name])})
             journey.enter_and_confirm("1357")
-            journey.shows("UhOhTryAgainView")
-            journey.tap("sdk.errorPage.tryagain.button")
-            self.assertEqual(journey.closes(), ("FAILURE", 4))
+            self.assert_fails(journey)
             self.assert_card(card["id"], "P2", "")
-
-    def test_going_back_from_the_cvv_overwrites_the_last_four(self):
-        card = self.sandbox.card("card-physical-new")
-        journey = self.begin(card["id"])
-        journey.shows("ActivateCardAndSetPIN_NoNav")
-        journey.tap("sdk.cardarrived.start")
-        journey.shows("EnterCardLastFourView")
-        journey.type("0000")
-        journey.tap("sdk.activatecard.lastfourdigits.button")
-        journey.shows("EnterCardCVVView")
-        journey.tap("back")
-        journey.prove_possession(card)
-        journey.enter_and_confirm("1357")
-        journey.shows("SuccessCardActivatedAndPinSetView")
 
     def test_active_card_can_be_left_alone_or_given_a_pin(self):
         for status in ("active", "frozen"):
             card = "card-physical-" + status
             journey = self.begin(card)
             journey.shows("CardAlreadyActivatedView")
-            journey.tap("sdk.cardactivated.button.one")
-            self.assertEqual(journey.closes(), ("CANCELED", 3))
+            self.assert_ends(journey, "sdk.cardactivated.button.one", "CANCELED", 3)
             journey = self.begin(card)
-            journey.shows("CardAlreadyActivatedView")
-            journey.tap("sdk.cardactivated.button.two")
+            journey.at("CardAlreadyActivatedView", "sdk.cardactivated.button.two")
             journey.enter_and_confirm("2580")
             journey.shows("SuccessPinSetView")
             self.assertEqual(self.sandbox.card(card)["pin"], "2580")
@@ -216,15 +158,12 @@ class Activate(OnTheConsole):
     def test_unknown_status_starts_on_the_start_page_which_can_be_closed(self):
         journey = self.begin("card-unknown-status")
         journey.shows("ActivateCardAndSetPIN_NoNav")
-        journey.tap("xmark")
-        self.assertEqual(journey.closes(), ("CANCELED", 3))
+        self.assert_ends(journey, "xmark", "CANCELED", 3)
 
     def test_card_that_is_not_active_yet_is_activated_from_the_set_pin_journey(self):
         journey = self.begin("card-physical-new", kind="set-pin")
-        journey.shows("CardIsNotYetActivatedView")
-        journey.tap("sdk.cardnotactivated.button.one")
-        journey.shows("ActivateCardAndSetPIN_NoNav")
-        journey.tap("sdk.cardarrived.start")
+        journey.at("CardIsNotYetActivatedView", "sdk.cardnotactivated.button.one")
+        journey.at("ActivateCardAndSetPIN_NoNav", "sdk.cardarrived.start")
         journey.prove_possession(self.sandbox.card("card-physical-new"))
         journey.enter_and_confirm("1357")
         journey.shows("SuccessCardActivatedAndPinSetView")
@@ -234,18 +173,14 @@ class Activate(OnTheConsole):
 class CardViewer(OnTheConsole):
     DETAILS = "sdk.cardviewer.device.details."
     FREEZING = "sdk.cardviewer.card.activateAndSetPin."
+    ACTIVATE = "sdk.cardviewer.activateAndSetPin.onCardButton"
 
     def view(self, card="card-physical-active", **keywords):
-        journey = self.start(kind="card", card=card, **keywords)
-        journey.verify_by_sms(self.sandbox)
+        journey = self.start(kind="card", card=card, verified=True, **keywords)
         return journey, journey.shows("CardImage_NoNav")
 
     def answer_popup(self, journey, popup, button):
-        journey.tap(self.FREEZING + "freezeMyCard")
-        journey.tap(f"{self.FREEZING}{popup}CardPopup.{button}Button")
-
-    def flags(self, event):
-        return {name: event["state"][name] for name in ("isCardActivated", "isCardFrozen", "isWantingToListen")}
+        journey.tap(self.FREEZING + "freezeMyCard", f"{self.FREEZING}{popup}CardPopup.{button}Button")
 
     def test_every_kind_of_card_shows_what_can_be_done_with_it(self):
         cases = {"card-physical-active": (True, False, True), "card-virtual-frozen": (True, True, True),
@@ -255,17 +190,15 @@ class CardViewer(OnTheConsole):
             with self.subTest(card=card):
                 journey, event = self.view(card)
                 self.assertEqual(event["stack"], ["GetCardImage", "CardImage_NoNav"])
-                self.assertEqual(tuple(self.flags(event).values()), flags)
-                self.assertTrue(event["state"]["isCardImageLoaded"])
+                names = ("isCardActivated", "isCardFrozen", "isWantingToListen", "isCardImageLoaded")
+                self.assertEqual(tuple(event["state"][name] for name in names), (*flags, True))
                 controls = [control["id"] for control in event["controls"]]
-                self.assertEqual("sdk.cardviewer.activateAndSetPin.onCardButton" in controls, card.endswith("-new"))
+                self.assertEqual(self.ACTIVATE in controls, card.endswith("-new"))
                 stored = self.sandbox.card(card)
                 journey.tap(self.DETAILS + "reveal")
                 shown = json.dumps(journey.reaches(detailsRevealed=True))
-                for secret in ("pan", "cvv"):
-                    self.assertNotIn(stored[secret], shown)
-                journey.tap("xmark")
-                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+                self.assertFalse(stored["pan"] in shown or stored["cvv"] in shown)
+                self.assert_ends(journey, "xmark")
 
     def test_values_are_copied_and_taken_back_at_the_end(self):
         journey, _ = self.view("card-paywallet-active")
@@ -282,17 +215,12 @@ class CardViewer(OnTheConsole):
         for card, status in (("card-physical-active", "A1"), ("card-virtual-new", "P2")):
             with self.subTest(card=card):
                 journey, _ = self.view(card)
-                self.answer_popup(journey, "freeze", "cancel")
-                self.assertEqual(self.sandbox.card(card)["status"], status)
-                self.answer_popup(journey, "freeze", "freeze")
-                journey.reaches(isCardFrozen=True, showToggleOff=False)
-                self.assertEqual(self.sandbox.card(card)["status"], "BT")
-                self.answer_popup(journey, "unFreeze", "cancel")
-                self.answer_popup(journey, "unFreeze", "unFreeze")
-                journey.reaches(isCardFrozen=False, showToggleOff=True)
-                self.assertEqual(self.sandbox.card(card)["status"], status)
-                journey.tap("xmark")
-                self.assertEqual(journey.closes(), ("SUCCESS", 0))
+                for popup, frozen, before, after in (("freeze", True, status, "BT"), ("unFreeze", False, "BT", status)):
+                    self.answer_popup(journey, popup, "cancel")
+                    self.assertEqual(self.sandbox.card(card)["status"], before)
+                    self.answer_popup(journey, popup, popup)
+                    journey.reaches(isCardFrozen=frozen, showToggleOff=not frozen)
+                    self.assertEqual(self.sandbox.card(card)["status"], after)
 
     def test_failed_freeze_is_told_and_a_stale_iv_or_token_is_not_a_failure(self):
         journey, _ = self.view()
@@ -314,23 +242,20 @@ class CardViewer(OnTheConsole):
         self.assertEqual(self.sandbox.card("card-physical-active")["status"], "A1")
 
     def test_card_is_activated_from_the_viewer_and_back_leads_there(self):
-        for kind in ("physical", "virtual"):
+        for kind, first in (("physical", "EnterCardLastFourView"), ("virtual", "EnterCardPINView")):
             with self.subTest(kind=kind):
                 card = f"card-{kind}-new"
                 journey, _ = self.view(card)
-                journey.tap("sdk.cardviewer.activateAndSetPin.onCardButton")
-                first = "EnterCardLastFourView" if kind == "physical" else "EnterCardPINView"
+                journey.tap(self.ACTIVATE)
                 self.assertEqual(journey.shows(first)["stack"], ["GetCardImage", "CardImage_NoNav", first])
                 journey.tap("back")
-                journey.shows("CardImage_NoNav")
-                journey.tap("sdk.cardviewer.activateAndSetPin.onCardButton")
+                journey.at("CardImage_NoNav", self.ACTIVATE)
                 if kind == "physical":
                     journey.prove_possession(self.sandbox.card(card))
                 journey.enter_and_confirm("1357")
                 journey.shows("SuccessCardActivatedAndPinSetView")
-                journey.tap("sdk.success.cardActivatedAndSetPin.button")
-                self.assertEqual(journey.closes(), ("SUCCESS", 0))
-                self.assertEqual(self.sandbox.card(card)["status"], "A1")
+                self.assert_ends(journey, "sdk.success.cardActivatedAndSetPin.button")
+                self.assert_card(card, "A1", "1357")
 
     def test_disclosure_is_in_the_language_of_the_process(self):
         for locale, word in (("es_MX.UTF-8", "tarjeta"), ("en_GB.UTF-8", "card"), ("C", "card")):
@@ -340,17 +265,14 @@ class CardViewer(OnTheConsole):
     def test_first_calls_that_fail_end_on_the_error_page(self):
         for endpoint in ("getCardStatus", "getCardImage"):
             self.sandbox.fault(endpoint=endpoint, result="Failure: No such card")
-            journey = self.start(kind="card")
-            if endpoint == "getCardImage":
-                journey.verify_by_sms(self.sandbox)
+            journey = self.start(kind="card", verified=endpoint == "getCardImage")
             self.assertEqual(journey.shows("UhOhTryAgainView")["state"]["toastMsgId"], "errors.generic.api")
-            journey.tap("sdk.errorPage.tryagain.button")
-            self.assertEqual(journey.closes(), ("FAILURE", 4))
+            self.assert_fails(journey)
 
 
 class Commands(OnTheConsole):
     def test_what_cannot_be_done_is_told_and_changes_nothing(self):
-        journey = self.at_pin_entry()
+        journey = self.start(verified=True)
         before = journey.shows("EnterCardPINView")
         for command, message in [("tap nothing", "there is no nothing on EnterCardPINView"),
                                  ("tap sdk.setpin.button", "not enabled: sdk.setpin.button on EnterCardPINView"),
@@ -364,7 +286,7 @@ class Commands(OnTheConsole):
         journey.type("135")
         journey.command("erase")
         journey.command("state")
-        self.assertTrue(journey.next(lambda e: e.get("state", {}).get("digits") == 2))
+        journey.reaches(digits=2)
         self.assertEqual(journey.ends(), 5)
 
     def test_exit_statuses_of_bad_arguments(self):
