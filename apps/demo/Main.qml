@@ -14,7 +14,10 @@ ApplicationWindow {
 
     color: Theme.backdrop
     font: Theme.body
-    palette { button: Theme.secondary; buttonText: Theme.primary }
+    palette {
+        button: Theme.secondary; buttonText: Theme.primary
+        window: Theme.background; windowText: Theme.colorOnBackground
+    }
 
     header: Pane {
         height: 56
@@ -48,6 +51,7 @@ ApplicationWindow {
             width: ListView.view.width
             height: column.height
             radius: 16
+            color: Theme.background
             border.color: Theme.outline
             Column {
                 id: column

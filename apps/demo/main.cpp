@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <korvane/Initialize.h>
+#include <korvane/Language.h>
 #include <korvane/QtPorts.h>
 
 #include <QCommandLineParser>
@@ -7,6 +8,7 @@
 #include <QQuickWindow>
 
 #include "DemoHost.h"
+#include "Looks.h"
 #include "Tour.h"
 #include "WatchPicture.h"
 #include "common/BackEnd.h"
@@ -22,6 +24,8 @@ int main(int argc, char** argv) {
          {"iv-url", "Where the host gets IVs (default: /host/iv under the service).", "URL"},
          {"ca", "PEM file of the certificate authorities to trust.", "FILE"},
          {"size", "Size of the window.", "WxH", "390x844"},
+         {"language", "Language of the journeys: ar, de, en, es, fr (default: the user's).", "CODE"},
+         {"palette", "Look of the journeys: default, dark, brand.", "NAME", "default"},
          {"tour", "Play all journeys by themselves, with pictures in DIR: of three sizes, or of one.",
           "DIR"}});
     options.process(app);
@@ -29,12 +33,16 @@ int main(int argc, char** argv) {
     int width = 0, height = 0;
     if (std::sscanf(option("size").c_str(), "%dx%d", &width, &height) != 2)
         return qCritical("--size takes WxH."), 2;
+    const auto chosen = look(option("palette"));
+    if (!chosen) return qCritical("--palette takes default, dark or brand."), 2;
     const auto backEnd = korvane::backEnd(option("service"), option("key"), option("iv-url"), option("ca"));
     if (!backEnd.failure.empty()) return qCritical("No card service: %s", backEnd.failure.c_str()), 2;
     korvane::installPorts(korvane::qtPorts(backEnd.caFile));
     const std::shared_ptr<void> leaving(nullptr, [](void*) { korvane::uninstallPorts(); });
-    if (!korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl), false, {},
-                             {}, "My watch", watchPicture()))
+    if (options.isSet("language") && !korvane::setLanguage(option("language")))
+        return qCritical("There are no texts in that language."), 2;
+    if (!korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl), false,
+                             chosen->colors, chosen->radii, "My watch", watchPicture()))
         return qCritical("The key is not base64."), 2;
 
     korvane::HostService service(backEnd.hostUrl());
