@@ -107,13 +107,13 @@ class VirtualDevices:
             reader.sendall(f"SCAN {finger}".encode())
 
     def _enrol(self):
-        program = subprocess.Popen(["fprintd-enroll"], env={**os.environ, **self.environment}, text=True,
-                                   stdout=subprocess.PIPE)
-        self.touch()
-        for line in program.stdout:
-            if "enroll-stage-passed" in line:
-                self.touch()
-        if program.wait() != 0:
+        with subprocess.Popen(["fprintd-enroll"], env={**os.environ, **self.environment}, text=True,
+                              stdout=subprocess.PIPE) as program:
+            self.touch()
+            for line in program.stdout:
+                if "enroll-stage-passed" in line:
+                    self.touch()
+        if program.returncode != 0:
             raise RuntimeError("no finger is enrolled")
 
     def _bus(self, name):

@@ -125,33 +125,38 @@ FocusScope {
                 // Room for two lines, so that nothing moves under a finger when the message changes.
                 height: Math.max(root.low ? 0 : 44, words.implicitHeight)
 
-                Text {
-                    id: words
-
-                    objectName: "biometricMessage"
+                Row {
                     anchors.horizontalCenter: parent.horizontalCenter
-                    anchors.horizontalCenterOffset: mark.visible ? 14 : 0
-                    width: Math.min(implicitWidth, parent.width - 28)
-                    text: root.sheet.message
-                    font: Theme.body
-                    color: Theme.colorOnSurface
-                    horizontalAlignment: Text.AlignHCenter
-                    textFormat: Text.PlainText
-                    wrapMode: Text.WordWrap
-                    lineHeight: 1.2
+                    layoutDirection: Theme.mirrored ? Qt.RightToLeft : Qt.LeftToRight
+                    spacing: 8
 
-                    Accessible.ignored: true
-                }
+                    Artwork {
+                        width: 20
+                        height: 20
+                        visible: root.sheet.trouble
+                        name: "exclamationmark.circle"
+                        color: Theme.errorText
+                    }
 
-                Artwork {
-                    id: mark
+                    Text {
+                        id: words
 
-                    x: words.x + (words.width - words.contentWidth) / 2 - 28
-                    width: 20
-                    height: 20
-                    visible: root.sheet.trouble
-                    name: "exclamationmark.circle"
-                    color: Theme.errorText
+                        objectName: "biometricMessage"
+                        width: Math.min(implicitWidth, column.width - (root.sheet.trouble ? 28 : 0))
+                        text: root.sheet.message
+                        font: Theme.body
+                        color: Theme.colorOnSurface
+                        horizontalAlignment: {
+                            if (!root.sheet.trouble)
+                                return Text.AlignHCenter;
+                            return Theme.mirrored ? Text.AlignRight : Text.AlignLeft;
+                        }
+                        textFormat: Text.PlainText
+                        wrapMode: Text.WordWrap
+                        lineHeight: 1.2
+
+                        Accessible.ignored: true
+                    }
                 }
 
                 // An alert is spoken when it comes up, so it comes up anew with each message.
