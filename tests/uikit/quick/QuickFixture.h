@@ -17,7 +17,7 @@ namespace korvane {
 
 /// A window with the module's QML in it, on a scripted service and fake ports but with the English texts.
 /// Moves take no time unless a test wants them to.
-class QuickFixture : public testing::Test {
+class QuickFixture : public ::testing::Test {
   protected:
     QuickFixture();
     ~QuickFixture() override;
