@@ -19,14 +19,21 @@ class DemoHost : public QObject {
     Q_PROPERTY(QString card MEMBER card_ NOTIFY changed)
     Q_PROPERTY(QString result MEMBER result_ NOTIFY changed)
     Q_PROPERTY(QString sms MEMBER sms_ NOTIFY changed)
+    Q_PROPERTY(bool biometrics MEMBER biometrics_ WRITE setBiometrics NOTIFY changed)
 
   public:
-    explicit DemoHost(korvane::HostService& service) : service_(service) {
+    /// @param initialize sets the component up anew, with biometrics on or off
+    DemoHost(korvane::HostService& service, bool biometrics, std::function<void(bool)> initialize)
+        : service_(service), biometrics_(biometrics), initialize_(std::move(initialize)) {
         cards_.setItemRoleNames(
             {{Qt::DisplayRole, "name"}, {Qt::UserRole + 1, "cardId"}, {Qt::UserRole + 2, "status"}});
         reload();
     }
     QAbstractItemModel* cards() { return &cards_; }
+    void setBiometrics(bool biometrics) {
+        initialize_(biometrics_ = biometrics);
+        emit changed();
+    }
 
     Q_INVOKABLE void open(const QString& journey, const QString& card) {
         phone_ = service_.watchSms(card.toStdString(), [this](const std::string& code) {
@@ -70,6 +77,8 @@ class DemoHost : public QObject {
     }
 
     korvane::HostService& service_;
+    bool biometrics_;
+    std::function<void(bool)> initialize_;
     std::shared_ptr<void> phone_;
     QStandardItemModel cards_;
     QString journey_, card_, result_, sms_;

@@ -26,6 +26,14 @@ ApplicationWindow {
             text: window.host.result === "" ? "Korvane Bank" : "Result: " + window.host.result
             font: Theme.button
         }
+        CheckBox {
+            objectName: "host.biometrics"
+            anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+            visible: window.host.journey === ""
+            text: "Fingerprint"
+            checked: window.host.biometrics
+            onToggled: window.host.biometrics = checked
+        }
         RoundButton {
             objectName: "host.close"
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }

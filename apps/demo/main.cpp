@@ -8,6 +8,7 @@
 #include <QQuickWindow>
 
 #include "DemoHost.h"
+#include "FingerTour.h"
 #include "Looks.h"
 #include "Tour.h"
 #include "WatchPicture.h"
@@ -26,6 +27,8 @@ int main(int argc, char** argv) {
          {"size", "Size of the window.", "WxH", "390x844"},
          {"language", "Language of the journeys: ar, de, en, es, fr (default: the user's).", "CODE"},
          {"palette", "Look of the journeys: default, dark, brand.", "NAME", "default"},
+         {"biometrics", "Keep the PCI token behind a fingerprint check.", "on|off", "off"},
+         {"finger-tour", "Play a visit with biometrics on, with pictures in DIR.", "DIR"},
          {"tour", "Play all journeys by themselves, with pictures in DIR: of three sizes, or of one.",
           "DIR"}});
     options.process(app);
@@ -41,18 +44,22 @@ int main(int argc, char** argv) {
     const std::shared_ptr<void> leaving(nullptr, [](void*) { korvane::uninstallPorts(); });
     if (options.isSet("language") && !korvane::setLanguage(option("language")))
         return qCritical("There are no texts in that language."), 2;
-    if (!korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl), false,
-                             chosen->colors, chosen->radii, "My watch", watchPicture()))
-        return qCritical("The key is not base64."), 2;
+    const auto initialize = [&](bool biometrics) {
+        return korvane::initialize(backEnd.key, backEnd.service, korvane::hostIvCallback(backEnd.ivUrl),
+                                   biometrics, chosen->colors, chosen->radii, "My watch", watchPicture());
+    };
+    const bool biometrics = option("biometrics") == "on";
+    if (!initialize(biometrics)) return qCritical("The key is not base64."), 2;
 
     korvane::HostService service(backEnd.hostUrl());
-    DemoHost host(service);
+    DemoHost host(service, biometrics, initialize);
     QQmlApplicationEngine engine;
     engine.setInitialProperties({{"host", QVariant::fromValue(&host)}});
     engine.load(QUrl("qrc:/qt-project.org/imports/KorvaneDemo/Main.qml"));
     auto* const window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     window->resize(width, height);
     window->show();
+    if (options.isSet("finger-tour")) return playFingerTour(*window, options.value("finger-tour"));
     if (!options.isSet("tour")) return app.exec();
     const QList<QSize> sizes = options.isSet("size") ? QList<QSize>{{width, height}}
                                                      : QList<QSize>{{320, 568}, {390, 844}, {1280, 800}};

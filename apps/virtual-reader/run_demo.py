@@ -39,7 +39,7 @@ def play(command, devices, pictures):
     """Both visits; touches the reader when a tour asks for it. Answers the exit status."""
     environment = {**devices.environment, "QT_QPA_PLATFORM": "offscreen", "QT_QUICK_BACKEND": "software"}
     for visit in ("first-visit", "next-visit"):
-        demo = open_demo([*command, f"--{visit}", str(pathlib.Path(pictures) / visit)], environment, stdout=subprocess.PIPE)
+        demo = open_demo([*command, "--finger-tour", str(pathlib.Path(pictures) / visit)], environment, stdout=subprocess.PIPE)
         for line in demo.stdout:
             print(line, end="", flush=True)
             if line.startswith("Finger: "):
@@ -52,7 +52,8 @@ def play(command, devices, pictures):
 
 def converse(command, devices):
     """A window and a terminal, visit after visit."""
-    print("Enter: touch the reader with the enrolled finger.  x, Enter: with another one.  q, Enter: quit.", flush=True)
+    print("Enter: touch the reader with the enrolled finger.  x, Enter: with another one.  q, Enter: quit.\n"
+          "Close the window and press Enter to come back as a cardholder whose token is in the keyring.", flush=True)
     demo = open_demo(command, devices.environment)
     for line in sys.stdin:
         if line.strip() == "q":
