@@ -47,7 +47,7 @@ class FingerTour {
 
     bool tap(const QString& control) {
         say("Tapping " + control);
-        return hands_.tap(control);
+        return hands_.waitUntil([&] { return hands_.tap(control); });  // it may still be on its way up
     }
 
     /// Asks for a finger, and waits until the sheet says something about it.

@@ -12,6 +12,7 @@ FocusScope {
     readonly property bool wide: width >= 640 && height >= 480
     /// A phone on its side: every row counts.
     readonly property bool low: height < 440
+    readonly property real columnWidth: Math.min((wide ? 400 : width - 16) - 32, 416)
     /// Part of the sheet that has come up.
     property real shown: sheet.open ? 1 : 0
 
@@ -72,7 +73,7 @@ FocusScope {
             id: column
 
             anchors.horizontalCenter: parent.horizontalCenter
-            width: Math.min(parent.width - 32, 416)
+            width: root.columnWidth
             topPadding: root.low ? 16 : 32
             bottomPadding: root.low ? 8 : 16
             spacing: root.low ? 8 : 16
@@ -142,7 +143,7 @@ FocusScope {
                         id: words
 
                         objectName: "biometricMessage"
-                        width: Math.min(implicitWidth, column.width - (root.sheet.trouble ? 28 : 0))
+                        width: Math.min(implicitWidth, root.columnWidth - (root.sheet.trouble ? 28 : 0))
                         text: root.sheet.message
                         font: Theme.body
                         color: Theme.colorOnSurface
