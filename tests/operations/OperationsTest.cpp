@@ -157,21 +157,37 @@ TEST_F(Operations, ARefusedIvIsReplacedAndTheOperationRunsAgain) {
               "doIvCallbackAndDecoding - ivId is nil");
 }
 
-TEST_F(Operations, AnHttpFailureGivesItsNumberWhateverItsBody) {
-    const std::pair<UrlReply, std::string> cases[] = {{{418, "{}", ""}, "418 error"},
-                                                      {{503, R"({"encryptedResult":1})", ""}, "503 error"},
-                                                      {{200, "<html>", ""}, "-1 error"},
-                                                      {{0, "", "reset"}, "-1 error"}};
-    for (const auto& [reply, errorMsg] : cases) {
+TEST_F(Operations, ResultWordsAreComparedWholeAndHttpFailuresGiveTheirNumber) {
+    const std::tuple<UrlReply, bool, std::string> cases[] = {
+        {result("success"), false, ""},
+        {result("Success "), true, "Success "},
+        {result("Failure: Invalid Token"), true, "Failure: Invalid Token"},
+        {result("Failure: IV is expired."), true, "Failure: IV is expired."},
+        {result(""), true, ""},
+        {{200, "<html>", ""}, true, "-1 error"},
+        {{418, "{}", ""}, true, "418 error"},
+        {{503, R"({"encryptedResult":1})", ""}, true, "503 error"},
+        {{0, "", "reset"}, true, "-1 error"}};
+    for (const auto& [reply, error, errorMsg] : cases) {
         const KorvaneRetStruct& record = run(pinSet, {reply});
+        EXPECT_EQ(record.error, error) << reply.body;
         EXPECT_EQ(record.errorMsg + record.errorMsgEnc + record.errorMsgDec, errorMsg);
         EXPECT_EQ(record.jsonResponseStr, reply.body);
-        EXPECT_THAT(
-            printed(),
-            EndsWith("|err has response with no data (no biggie)|handleNon200or401...\n||decResultStr: "));
     }
+    EXPECT_THAT(
+        printed(),
+        EndsWith("|err has response with no data (no biggie)|handleNon200or401...\n||decResultStr: "));
     // A failed renewal of the bearer token is the operation's failure too.
     EXPECT_EQ(run(pinSet, {answer(401, {}), result("Failure: x")}).errorMsg, "Failure: x");
+}
+
+TEST_F(Operations, AReplyIsDecipheredWithTheIvOfItsRequest) {
+    doPinSet("1357", keep());
+    config.ivByteArray = std::vector<std::uint8_t>(16, 0xEE);  // another operation got a new one meanwhile
+    device.urlSession->reply(0, result("Success"));
+    settle();
+    EXPECT_FALSE(results.at(0).error);
+    EXPECT_EQ(ivsSupplied, 0);
 }
 
 TEST_F(Operations, NeitherReplyNorErrorEndsWithTheOperationsText) {
@@ -187,24 +203,6 @@ TEST_F(Operations, NeitherReplyNorErrorEndsWithTheOperationsText) {
     std::exchange(handler, nullptr)(std::nullopt, std::nullopt);
     EXPECT_TRUE(device.console->has("api.x - resp is nil"));
     EXPECT_EQ(results.back().errorMsg, "no reply");
-}
-
-TEST_F(Operations, ResultWordsAreComparedWholeAndWithoutCase) {
-    EXPECT_FALSE(run(pinSet, {result("success")}).error);
-    for (const std::string word : {"Success ", "Failure: Invalid Token", "Failure: IV is expired.", ""}) {
-        const KorvaneRetStruct& record = run(pinSet, {result(word)});
-        EXPECT_EQ(record.errorMsg, word);
-        EXPECT_TRUE(record.error);
-    }
-    // A reply is deciphered with the IV of its request, even if another operation got a new one meanwhile.
-    results.clear();
-    willAnswer({});
-    doPinSet("1357", keep());
-    config.ivByteArray = std::vector<std::uint8_t>(16, 0xEE);
-    device.urlSession->reply(device.urlSession->startedCount() - 1, result("Success"));
-    settle();
-    EXPECT_FALSE(results.at(0).error);
-    EXPECT_EQ(ivsSupplied, 0);
 }
 
 TEST_F(Operations, CancellingEndsTheOperationWhereverItIs) {

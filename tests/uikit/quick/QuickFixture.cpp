@@ -31,17 +31,12 @@ class Application : public testing::Environment {
 
 const auto* const application = testing::AddGlobalTestEnvironment(new Application);
 
-void collect(QQuickItem* item, QList<QQuickItem*>& items) {
-    if (!item->isVisible() || item->opacity() == 0) return;
-    items.append(item);
-    for (QQuickItem* const child : item->childItems()) collect(child, items);
-}
-
 }  // namespace
 
 QList<QQuickItem*> visibleItems(QQuickItem* item) {
-    QList<QQuickItem*> items;
-    collect(item, items);
+    if (!item->isVisible() || item->opacity() == 0) return {};
+    QList<QQuickItem*> items{item};
+    for (QQuickItem* const child : item->childItems()) items += visibleItems(child);
     return items;
 }
 
