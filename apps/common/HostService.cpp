@@ -91,8 +91,9 @@ std::shared_ptr<void> HostService::watchSms(const std::string& cardId,
     return watch;
 }
 
-void HostService::fault(const std::string& rule, const std::function<void()>& done) {
-    calls_->start("POST", url_ + "/faults", rule, [done](const rapidjson::Document&) { done(); });
+void HostService::fault(const std::string& rule, const std::function<void(bool taken)>& done) {
+    calls_->start("POST", url_ + "/faults", rule,
+                  [done](const rapidjson::Document& answer) { done(answer.IsObject()); });
 }
 
 void HostService::card(const std::string& cardId, const std::function<void(HostCardRecord)>& answer) {

@@ -41,7 +41,7 @@ class HostService {
     [[nodiscard]] std::shared_ptr<void> watchSms(const std::string& cardId,
                                                  const std::function<void(std::string)>& arrived);
     /// Has the service do something wrong, or slowly, once: `rule` is the JSON that its fault endpoint takes.
-    void fault(const std::string& rule, const std::function<void()>& done);
+    void fault(const std::string& rule, const std::function<void(bool taken)>& done);
     /// What is stored for the card: a development service shows it, a real one never would.
     void card(const std::string& cardId, const std::function<void(HostCardRecord)>& answer);
 

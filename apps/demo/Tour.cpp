@@ -136,7 +136,7 @@ class Tour {
     void viewCard() {
         open("view:", activeCard, "CardImage_NoNav");
         tap("xmark");
-        slow("cardImage");
+        slow("getCardImage");
         tap("view:" + activeCard);
         see("GetCardImage");
         see("CardImage_NoNav");
@@ -144,10 +144,11 @@ class Tour {
         picture("CardImage_NoNav-revealed");
         tap(details + "cardNumber");
         picture("CardImage_NoNav-copied");
+        require(hands_.waitUntil([&] { return !hands_.find("toast"); }), "the toast stays");
         tap(freezeSwitch);
         await(freezing + "freezeCardPopup.freezeButton");
         picture("CardImage_NoNav-freezePopup");
-        slow("cardStatus");
+        slow("setCardStatus");
         tap(freezing + "freezeCardPopup.freezeButton");
         picture("CardImage_NoNav-freezing");
         await(freezeSwitch);
@@ -156,7 +157,7 @@ class Tour {
         tap(freezeSwitch);
         await(freezing + "unFreezeCardPopup.unFreezeButton");
         picture("CardImage_NoNav-unFreezePopup");
-        fault(R"({"endpoint":"cardStatus","status":500})");
+        fault(R"({"endpoint":"setCardStatus","status":500})");
         tap(freezing + "unFreezeCardPopup.unFreezeButton");
         await(freezeSwitch);
         picture("CardImage_NoNav-unFreezeFailed");
@@ -170,7 +171,7 @@ class Tour {
         open("view:", "card-unknown-status", "CardImage_NoNav");
         picture("CardImage_NoNav-unknownStatus");
         tap("xmark");
-        fault(R"({"endpoint":"cardImage","result":"Success"})");  // and nothing but this word
+        fault(R"({"endpoint":"getCardImage","result":"Success"})");  // and nothing but this word
         open("view:", "card-unknown-type", "CardImage_NoNav");
         picture("CardImage_NoNav-nothingCame");
         tap("xmark");
@@ -238,9 +239,9 @@ class Tour {
     }
 
     void fault(const std::string& rule) {
-        bool done = false;
-        service_.fault(rule, [&done] { done = true; });
-        require(hands_.waitUntil([&] { return done; }), "the service takes no fault");
+        std::optional<bool> done;
+        service_.fault(rule, [&done](bool taken) { done = taken; });
+        require(hands_.waitUntil([&] { return done.has_value(); }) && *done, "the service takes no fault");
     }
 
     /// So that the pictures show the wheel, which a service in the same process hardly gives the time to see.

@@ -144,12 +144,15 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
         controls.push_back(
             button(activate_.content(), !freeze_->isCalling(), [this] { activate_.tap(*this, stack()); }));
     }
+    bool somethingMasked = false;
     for (const Detail& detail : details()) {
+        somethingMasked |= detail.mask && !detail.value.empty();
         controls.push_back({{std::string{detail.id}, ControlKind::row, !detail.value.empty()},
                             [this, detail] { copy(detail.value); }});
     }
-    controls.push_back({{std::string{revealControl}, ControlKind::toggle, true, revealed_ != nullptr},
-                        [this] { toggleReveal(); }});
+    controls.push_back(
+        {{std::string{revealControl}, ControlKind::toggle, somethingMasked, revealed_ != nullptr},
+         [this] { toggleReveal(); }});
     controls.push_back(
         {{std::string{freezeControl}, ControlKind::toggle, freeze_->canAsk(), freeze_->isCardFrozen()},
          [this] {

@@ -226,13 +226,13 @@ void docOnDoc(QPainter& painter, const QColor& color) {
 }
 
 void snowflake(QPainter& painter, const QColor& color) {
-    stroke(painter, color, 1.8);
+    stroke(painter, color, 1.4);
     for (int arm = 0; arm < 6; ++arm) {
         painter.save();
         painter.translate(12, 12);
         painter.rotate(arm * 60);
-        painter.drawLine(QPointF(0, 0), QPointF(0, -9.5));
-        painter.drawPolyline(QPolygonF({{-2.6, -8.6}, {0, -6}, {2.6, -8.6}}));
+        painter.drawLine(QPointF(0, 0), QPointF(0, -10));
+        painter.drawPolyline(QPolygonF({{-2.2, -9}, {0, -6.8}, {2.2, -9}}));
         painter.restore();
     }
 }

@@ -15,7 +15,9 @@ T.AbstractButton {
     text: control?.label ?? ""
     enabled: control?.usable ?? false
     focusPolicy: Qt.TabFocus
-    implicitHeight: Math.max(60, implicitContentHeight + 16)
+    topPadding: 9
+    bottomPadding: 9
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
 
     Accessible.name: text + ", " + modelData.spokenValue
     Accessible.description: modelData.copyable ? copyHint : ""
@@ -46,56 +48,43 @@ T.AbstractButton {
         }
     }
 
-    contentItem: Item {
-        implicitHeight: words.implicitHeight
+    contentItem: Column {
+        leftPadding: row.mirrored ? row.indicator.width + 16 : 0
+        spacing: 2
 
-        Column {
-            id: words
+        Text {
+            width: row.availableWidth - row.indicator.width - 16
+            text: row.text
+            font: Theme.caption
+            color: Theme.inputLabel
+            textFormat: Text.PlainText
+            wrapMode: Text.WordWrap
 
-            anchors.left: parent.left
-            anchors.right: mark.left
-            anchors.rightMargin: 16
-            anchors.verticalCenter: parent.verticalCenter
-            spacing: 2
-
-            Text {
-                width: parent.width
-                text: row.text
-                font: Theme.caption
-                color: Theme.hintText
-                textFormat: Text.PlainText
-                wrapMode: Text.WordWrap
-
-                Accessible.ignored: true
-            }
-
-            CardValue {
-                id: value
-
-                width: parent.width
-                height: implicitHeight
-                detail: row.modelData
-                mirrored: row.mirrored
-
-                Accessible.role: Accessible.StaticText
-
-                FocusRing {
-                    radius: 4
-                    visible: value.activeFocus
-                }
-            }
+            Accessible.ignored: true
         }
 
-        Artwork {
-            id: mark
+        CardValue {
+            width: row.availableWidth - row.indicator.width - 16
+            height: implicitHeight
+            detail: row.modelData
+            mirrored: row.mirrored
 
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            width: 20
-            height: 20
-            name: "doc.on.doc"
-            color: Theme.primary
-            visible: row.modelData.copyable
+            Accessible.role: Accessible.StaticText
+
+            FocusRing {
+                radius: 4
+                visible: parent.activeFocus
+            }
         }
+    }
+
+    indicator: Artwork {
+        x: row.mirrored ? 0 : row.width - width
+        y: Math.round((row.height - height) / 2)
+        width: 20
+        height: 20
+        name: "doc.on.doc"
+        color: Theme.primary
+        visible: row.modelData.copyable
     }
 }

@@ -35,7 +35,7 @@ Item {
             width: Math.round(parent.width * 0.085)
             height: width
             name: "contactless_icon"
-            color: face.upperInk
+            color: picture.card.frozen ? Theme.colorOnBackground : face.upperInk
         }
 
         Artwork {
@@ -44,7 +44,7 @@ Item {
             width: Math.round(parent.width * 0.17)
             height: width
             name: picture.card.networkLogo
-            color: face.lowerInk
+            color: picture.card.frozen ? Theme.colorOnBackground : face.lowerInk
         }
     }
 

@@ -126,6 +126,13 @@ QString CardValue::words() const {
                                                             : grouped(detail_->value());
 }
 
+QFont CardValue::font() const {
+    QFont font = theme_->body();
+    // So that the mask of a card number stands on one line of a small phone, as the number does.
+    if (detail_->masked()) font.setLetterSpacing(QFont::PercentageSpacing, 90);
+    return font;
+}
+
 int CardValue::flags() const {
     return Qt::TextWordWrap | Qt::AlignVCenter | (mirrored_ ? Qt::AlignRight : Qt::AlignLeft) |
            Qt::AlignAbsolute;
@@ -135,9 +142,9 @@ void CardValue::redraw() {
     const bool reachable = detail_ && detail_->revealed();
     setActiveFocusOnTab(reachable);
     if (!reachable && hasActiveFocus()) nextItemInFocusChain(false)->forceActiveFocus(Qt::BacktabFocusReason);
-    if (theme_ && width() > 0) {
+    if (theme_ && detail_ && width() > 0) {
         QString text = words();
-        const QFontMetricsF metrics(theme_->body());
+        const QFontMetricsF metrics(font());
         setImplicitHeight(
             std::ceil(metrics.boundingRect(QRectF(0, 0, width(), 10000), flags(), text).height()));
         text.fill(u'\0');
@@ -149,7 +156,7 @@ void CardValue::paint(QPainter* painter) {
     if (!theme_ || !detail_) return;
     const bool inClear = !detail_->masked() && detail_->copyable();
     QString text = words();
-    painter->setFont(theme_->body());
+    painter->setFont(font());
     painter->setPen(inClear ? theme_->colorOnBackground() : theme_->hintText());
     // Digits stand from left to right in every language.
     painter->setLayoutDirection(isNumber(detail_->value()) ? Qt::LeftToRight : Qt::LayoutDirectionAuto);

@@ -47,6 +47,7 @@ class CardValue : public QQuickPaintedItem {
   private:
     void redraw();
     QString words() const;
+    QFont font() const;
     int flags() const;
 
     QPointer<DetailModel> detail_;

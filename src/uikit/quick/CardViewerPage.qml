@@ -7,6 +7,8 @@ import Korvane
 PageFrame {
     id: page
 
+    readonly property string copyHint: screen.body.length > 0 ? screen.body[0] : ""
+
     PageTitle {
         width: parent.width
         bottomPadding: 16
@@ -22,7 +24,6 @@ PageFrame {
     Flow {
         width: parent.width
         topPadding: page.compact ? 8 : 16
-        layoutDirection: LayoutMirroring.enabled ? Qt.RightToLeft : Qt.LeftToRight
 
         Text {
             id: heading
@@ -51,7 +52,7 @@ PageFrame {
     InfoLabel {
         width: parent.width
         height: implicitHeight + 8
-        text: page.screen.body.join("\n")
+        text: page.copyHint
         font: Theme.caption
         symbol: "doc.on.doc"
     }
@@ -61,7 +62,7 @@ PageFrame {
 
         CardDetailRow {
             width: page.columnWidth
-            copyHint: page.screen.body.join("\n")
+            copyHint: page.copyHint
         }
     }
 

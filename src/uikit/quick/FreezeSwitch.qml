@@ -10,6 +10,8 @@ T.AbstractButton {
     required property ControlModel control
     readonly property bool on: control?.on ?? false
     readonly property bool busy: control?.busy ?? false
+    /// It works, or would if nothing lay over it.
+    readonly property bool live: busy || (control?.usable ?? false)
 
     objectName: control?.name ?? ""
     text: control?.label ?? ""
@@ -40,61 +42,52 @@ T.AbstractButton {
         }
     }
 
-    contentItem: Item {
-        implicitHeight: words.implicitHeight
+    contentItem: Text {
+        leftPadding: row.mirrored ? row.indicator.width + 16 : 0
+        rightPadding: row.mirrored ? 0 : row.indicator.width + 16
+        text: row.text
+        font: Theme.body
+        color: row.live ? Theme.colorOnBackground : Theme.disabledText
+        verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
+        wrapMode: Text.WordWrap
 
-        Text {
-            id: words
+        Accessible.ignored: true
+    }
 
-            anchors.left: parent.left
-            anchors.right: track.left
-            anchors.rightMargin: 16
-            anchors.verticalCenter: parent.verticalCenter
-            text: row.text
-            font: Theme.body
-            color: row.enabled || row.busy ? Theme.colorOnBackground : Theme.disabledText
-            textFormat: Text.PlainText
-            wrapMode: Text.WordWrap
-
-            Accessible.ignored: true
+    indicator: Rectangle {
+        x: row.mirrored ? 0 : row.width - width
+        y: Math.round((row.height - height) / 2)
+        width: 52
+        height: 32
+        radius: height / 2
+        color: {
+            if (!row.live)
+                return Theme.disabledFill;
+            return row.on ? Theme.primary : Theme.disabledText;
         }
 
         Rectangle {
-            id: track
+            readonly property bool atEnd: row.on !== row.mirrored
 
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            width: 52
-            height: 32
+            x: atEnd ? parent.width - width - 3 : 3
+            y: 3
+            width: 26
+            height: 26
             radius: height / 2
-            color: {
-                if (!row.enabled && !row.busy)
-                    return Theme.disabledFill;
-                return row.on ? Theme.primary : Theme.disabledText;
+            color: Theme.background
+
+            Behavior on x {
+                NumberAnimation {
+                    duration: Theme.moveDuration
+                }
             }
 
-            Rectangle {
-                readonly property bool atEnd: row.on !== row.mirrored
-
-                x: atEnd ? parent.width - width - 3 : 3
-                y: 3
-                width: 26
-                height: 26
-                radius: height / 2
-                color: Theme.background
-
-                Behavior on x {
-                    NumberAnimation {
-                        duration: Theme.moveDuration
-                    }
-                }
-
-                Spinner {
-                    anchors.centerIn: parent
-                    width: 18
-                    visible: row.busy
-                    color: Theme.primary
-                }
+            Spinner {
+                anchors.centerIn: parent
+                width: 18
+                visible: row.busy
+                color: Theme.primary
             }
         }
     }

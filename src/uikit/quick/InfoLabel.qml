@@ -6,8 +6,11 @@ import Korvane
 Item {
     property alias text: words.text
     property alias symbol: mark.name
+    property alias symbolColor: mark.color
     property alias font: words.font
+    property alias color: words.color
 
+    implicitWidth: words.implicitWidth + 32
     implicitHeight: words.implicitHeight
 
     Text {

@@ -121,6 +121,7 @@ FocusScope {
         }
 
         Toast {
+            objectName: "toast"
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.bottom: parent.bottom
             anchors.bottomMargin: (evenPage.current ? evenPage : oddPage).footerHeight + 16

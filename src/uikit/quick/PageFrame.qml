@@ -32,6 +32,20 @@ FocusScope {
             scroll.contentY = top + focused.height + 16 - scroll.height;
     }
 
+    // A keyboard alone reaches words that have no control beside them.
+    Keys.onPressed: event => {
+        const page = scroll.height * 0.8;
+        const step = ({
+                [Qt.Key_Down]: 48,
+                [Qt.Key_Up]: -48,
+                [Qt.Key_PageDown]: page,
+                [Qt.Key_PageUp]: -page
+            })[event.key];
+        event.accepted = scroll.interactive && step !== undefined;
+        if (event.accepted)
+            scroll.contentY = Math.max(0, Math.min(scroll.contentHeight - scroll.height, scroll.contentY + step));
+    }
+
     function isInColumn(item: Item): bool {
         let above = item;
         while (above && above !== column)

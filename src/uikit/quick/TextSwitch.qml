@@ -8,12 +8,13 @@ T.AbstractButton {
     id: button
 
     required property ControlModel control
+    readonly property color ink: (control?.usable ?? false) ? Theme.primary : Theme.disabledText
 
     objectName: control?.name ?? ""
     text: control?.label ?? ""
     enabled: control?.usable ?? false
     focusPolicy: Qt.TabFocus
-    implicitWidth: words.implicitWidth + 32
+    implicitWidth: implicitContentWidth
     implicitHeight: Math.max(44, implicitContentHeight + 16)
 
     onClicked: control.activate()
@@ -34,34 +35,11 @@ T.AbstractButton {
         }
     }
 
-    contentItem: Item {
-        implicitHeight: words.implicitHeight
-
-        Artwork {
-            id: symbol
-
-            anchors.left: parent.left
-            anchors.verticalCenter: parent.verticalCenter
-            width: 22
-            height: 22
-            name: button.control?.on ? "eye.slash" : "eye"
-            color: Theme.primary
-        }
-
-        Text {
-            id: words
-
-            anchors.left: symbol.right
-            anchors.leftMargin: 8
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            text: button.text
-            font: Theme.button
-            color: Theme.primary
-            textFormat: Text.PlainText
-            wrapMode: Text.WordWrap
-
-            Accessible.ignored: true
-        }
+    contentItem: InfoLabel {
+        text: button.text
+        font: Theme.button
+        color: button.ink
+        symbol: button.control?.on ? "eye.slash" : "eye"
+        symbolColor: button.ink
     }
 }
