@@ -49,10 +49,11 @@ CardPicture cardPicture() {
     return decodedPicture(config.decCardImage);
 }
 
-std::string cardName() {
+std::string cardName(eKorvaneCardType type) {
     const SdkConfig& config = SdkConfig::sharedInstance();
-    if (isWearable(config) && !config.wearableName.value_or("").empty()) return *config.wearableName;
-    return cardTypeDisplayName(config.currentCardType);
+    if (type == eKorvaneCardType::wearable && !config.wearableName.value_or("").empty())
+        return *config.wearableName;
+    return cardTypeDisplayName(type);
 }
 
 std::string cardholderName() {

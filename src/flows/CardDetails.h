@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "sdk/eKorvaneCardType.h"
+
 namespace korvane {
 
 // What the card viewer reads in the shared state, made fit to be shown. Main thread.
@@ -21,8 +23,9 @@ struct CardPicture {
 /// The host's picture of a wearable card when it gave one that can be drawn, else the one the service sent.
 CardPicture cardPicture();
 
-/// The host's name of a wearable card, else the name of the card's type; "" when neither is known.
-std::string cardName();
+/// The host's name of a wearable card, else the name of the type in the language in use; "" when neither is
+/// known.
+std::string cardName(eKorvaneCardType type);
 
 /// First, middle and last name, those that there are.
 std::string cardholderName();

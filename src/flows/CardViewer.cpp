@@ -30,7 +30,7 @@ const CardViewer* CardViewer::latest_ = nullptr;
 CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
     : Screen(std::move(stack), view::CardImage_NoNav),
       picture_(cardPicture()),
-      name_(cardName()),
+      type_(SdkConfig::sharedInstance().currentCardType),
       cardholderName_(cardholderName()),
       disclosureText_(cardDisclosure()),
       activate_(
@@ -165,7 +165,7 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
 CardFace CardViewer::face() const {
     CardFace face;
     face.image = picture_.image;
-    face.name = name_;
+    face.name = cardName(type_);
     if (equalIgnoringCase(SdkConfig::sharedInstance().decCardNetwork, "mastercard"))
         face.networkLogo = "mastercard_logo";
     face.activated = freeze_->isCardActivated();

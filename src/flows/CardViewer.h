@@ -51,7 +51,7 @@ class CardViewer final : public Screen {
     bool offersActivation() const;
 
     const CardPicture picture_;
-    const std::string name_;
+    const eKorvaneCardType type_;
     const std::string cardholderName_;
     const std::string disclosureText_;
     std::string viewToShowNext_;
