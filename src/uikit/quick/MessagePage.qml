@@ -44,6 +44,7 @@ PageFrame {
             model: page.screen.bullets
 
             BulletLine {
+                anchors.left: parent?.left
                 width: Math.min(implicitWidth, page.columnWidth)
             }
         }

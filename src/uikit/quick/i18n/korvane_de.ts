@@ -52,7 +52,7 @@
     </message>
     <message id="sdk.sms.code.header">
         <source></source>
-        <translation>Geben Sie Ihren Code ein</translation>
+        <translation>Code eingeben</translation>
     </message>
     <message id="sdk.sms.code.subheader">
         <source></source>
@@ -68,7 +68,7 @@
     </message>
     <message id="sdk.sms.code.incorrect">
         <source></source>
-        <translation>Dieser Code stimmt nicht. Prüfen Sie die neueste Nachricht und versuchen Sie es noch einmal.</translation>
+        <translation>Dieser Code stimmt nicht. Prüfen Sie die neueste Nachricht.</translation>
     </message>
     <message id="sdk.sms.code.button">
         <source></source>
@@ -89,7 +89,7 @@
     <!-- PIN -->
     <message id="sdk.setpin.header">
         <source></source>
-        <translation>Wählen Sie Ihre PIN</translation>
+        <translation>PIN wählen</translation>
     </message>
     <message id="sdk.setpin.fourdigits">
         <source></source>
@@ -113,7 +113,7 @@
     </message>
     <message id="sdk.youcandobetter.header">
         <source></source>
-        <translation>Wählen Sie eine sicherere PIN</translation>
+        <translation>Sicherere PIN wählen</translation>
     </message>
     <message id="sdk.youcandobetter.subheader">
         <source></source>
@@ -121,15 +121,15 @@
     </message>
     <message id="sdk.youcandobetter.bullet.one">
         <source></source>
-        <translation>Keine Zahlenfolgen wie 1234 oder 4321</translation>
+        <translation>Keine Folgen (1234, 4321)</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.two">
         <source></source>
-        <translation>Keine Wiederholungen wie 1111 oder 5990</translation>
+        <translation>Nichts Doppeltes (1111, 5990)</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.three">
         <source></source>
-        <translation>Vier Ziffern, auf die nur Sie kommen</translation>
+        <translation>Vier Ziffern, die nur Sie wählen</translation>
     </message>
     <message id="sdk.youcandobetter.button">
         <source></source>
@@ -137,7 +137,7 @@
     </message>
     <message id="sdk.confirmpin.header">
         <source></source>
-        <translation>Geben Sie Ihre PIN noch einmal ein</translation>
+        <translation>PIN noch einmal eingeben</translation>
     </message>
     <message id="sdk.confirmpin.input">
         <source></source>
@@ -190,7 +190,7 @@
     </message>
     <message id="sdk.cardnotactivated.header">
         <source></source>
-        <translation>Aktivieren Sie zuerst Ihre Karte</translation>
+        <translation>Karte zuerst aktivieren</translation>
     </message>
     <message id="sdk.cardnotactivated.subheader">
         <source></source>
@@ -339,7 +339,7 @@
     </message>
     <message id="sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.header">
         <source></source>
-        <translation>Karte vorübergehend sperren?</translation>
+        <translation>Karte sperren?</translation>
     </message>
     <message id="sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.body">
         <source></source>
@@ -396,7 +396,7 @@
     </message>
     <message id="sdk.errorPage.tryagain.subheader.two">
         <source></source>
-        <translation>Bitte versuchen Sie es in Kürze noch einmal.</translation>
+        <translation>Bitte versuchen Sie es später erneut.</translation>
     </message>
     <message id="sdk.errorPage.tryagain.button">
         <source></source>

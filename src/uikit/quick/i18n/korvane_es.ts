@@ -113,7 +113,7 @@
     </message>
     <message id="sdk.youcandobetter.header">
         <source></source>
-        <translation>Elige un PIN más seguro</translation>
+        <translation>PIN poco seguro</translation>
     </message>
     <message id="sdk.youcandobetter.subheader">
         <source></source>
@@ -121,15 +121,15 @@
     </message>
     <message id="sdk.youcandobetter.bullet.one">
         <source></source>
-        <translation>Sin secuencias, como 1234 o 4321</translation>
+        <translation>Sin secuencias (1234, 4321)</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.two">
         <source></source>
-        <translation>Sin repeticiones, como 1111 o 5990</translation>
+        <translation>Sin repeticiones (1111, 5990)</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.three">
         <source></source>
-        <translation>Cuatro dígitos que solo elegirías tú</translation>
+        <translation>Cuatro dígitos que solo tú sepas</translation>
     </message>
     <message id="sdk.youcandobetter.button">
         <source></source>
@@ -190,11 +190,11 @@
     </message>
     <message id="sdk.cardnotactivated.header">
         <source></source>
-        <translation>Primero, activa tu tarjeta</translation>
+        <translation>Activa antes tu tarjeta</translation>
     </message>
     <message id="sdk.cardnotactivated.subheader">
         <source></source>
-        <translation>Podrás elegir un PIN cuando tu tarjeta esté activada. Tardarás un minuto y necesitarás tener la tarjeta a mano.</translation>
+        <translation>Podrás elegir un PIN cuando tu tarjeta esté activada. Tardarás un minuto; ten la tarjeta a mano.</translation>
     </message>
     <message id="sdk.cardnotactivated.button.one">
         <source></source>

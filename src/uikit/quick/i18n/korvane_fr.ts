@@ -11,7 +11,7 @@
     </message>
     <message id="errors.generic.api">
         <source></source>
-        <translation>Un problème est survenu de notre côté. Veuillez réessayer.</translation>
+        <translation>Un problème est survenu chez nous. Veuillez réessayer.</translation>
     </message>
     <message id="enrollment.enableFaceID.reason">
         <source></source>
@@ -52,7 +52,7 @@
     </message>
     <message id="sdk.sms.code.header">
         <source></source>
-        <translation>Saisissez votre code</translation>
+        <translation>Saisissez le code</translation>
     </message>
     <message id="sdk.sms.code.subheader">
         <source></source>
@@ -76,11 +76,11 @@
     </message>
     <message id="sdk.sms.code.resend">
         <source></source>
-        <translation>Envoyer un nouveau code</translation>
+        <translation>Renvoyer un code</translation>
     </message>
     <message id="sdk.sms.code.resendIn">
         <source></source>
-        <translation>Envoyer un nouveau code dans %1 s</translation>
+        <translation>Renvoyer un code dans %1 s</translation>
     </message>
     <message id="sdk.sms.code.resent">
         <source></source>
@@ -89,7 +89,7 @@
     <!-- PIN -->
     <message id="sdk.setpin.header">
         <source></source>
-        <translation>Choisissez votre code PIN</translation>
+        <translation>Choisissez un code PIN</translation>
     </message>
     <message id="sdk.setpin.fourdigits">
         <source></source>
@@ -113,7 +113,7 @@
     </message>
     <message id="sdk.youcandobetter.header">
         <source></source>
-        <translation>Choisissez un code PIN plus sûr</translation>
+        <translation>Code PIN trop simple</translation>
     </message>
     <message id="sdk.youcandobetter.subheader">
         <source></source>
@@ -121,15 +121,15 @@
     </message>
     <message id="sdk.youcandobetter.bullet.one">
         <source></source>
-        <translation>Pas de suites, comme 1234 ou 4321</translation>
+        <translation>Pas de suites (1234, 4321)</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.two">
         <source></source>
-        <translation>Pas de répétitions, comme 1111 ou 5990</translation>
+        <translation>Pas de doublons (1111, 5990)</translation>
     </message>
     <message id="sdk.youcandobetter.bullet.three">
         <source></source>
-        <translation>Quatre chiffres que vous seul choisiriez</translation>
+        <translation>Quatre chiffres connus de vous seul</translation>
     </message>
     <message id="sdk.youcandobetter.button">
         <source></source>
@@ -194,7 +194,7 @@
     </message>
     <message id="sdk.cardnotactivated.subheader">
         <source></source>
-        <translation>Vous pourrez définir un code PIN une fois votre carte activée. Cela prend environ une minute et vous aurez besoin de la carte.</translation>
+        <translation>Vous pourrez définir un code PIN une fois votre carte activée. Comptez une minute, carte en main.</translation>
     </message>
     <message id="sdk.cardnotactivated.button.one">
         <source></source>
@@ -388,15 +388,15 @@
     <!-- Errors -->
     <message id="sdk.errorPage.tryagain.header">
         <source></source>
-        <translation>Nous n’avons pas pu terminer</translation>
+        <translation>Opération non terminée</translation>
     </message>
     <message id="sdk.errorPage.tryagain.subheader.one">
         <source></source>
-        <translation>Un problème est survenu de notre côté.</translation>
+        <translation>Un problème est survenu chez nous.</translation>
     </message>
     <message id="sdk.errorPage.tryagain.subheader.two">
         <source></source>
-        <translation>Veuillez réessayer dans quelques instants.</translation>
+        <translation>Veuillez réessayer plus tard.</translation>
     </message>
     <message id="sdk.errorPage.tryagain.button">
         <source></source>

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+#include <korvane/Language.h>
+
+#include <QLocale>
+#include <algorithm>
+
+#include "tests/uikit/quick/QuickFixture.h"
+#include "uikit/quick/ComponentTexts.h"
+
+namespace korvane {
+namespace {
+
+class LanguagesTest : public QuickFixture {
+  protected:
+    QString label(const QString& control) const {
+        const QQuickItem* const item = find(control);
+        return item ? item->property("text").toString() : "none";
+    }
+    bool shown(const QString& text) const {
+        return std::ranges::any_of(visibleItems(window.contentItem()), [&](const QQuickItem* item) {
+            return item->property("text").toString() == text;
+        });
+    }
+    double middle(const QString& item) const {
+        return find(item)->mapToScene({find(item)->width() / 2, 0}).x();
+    }
+    /// How far the tip of the back arrow, which is half-way down, lies to the right of the middle of its ink.
+    double tip() {
+        const QRect area = find("back")->mapRectToScene(find("back")->boundingRect()).toRect();
+        const QImage picture = window.grabWindow().copy(area);
+        double all = 0, row = 0, points = 0, inRow = 0;
+        for (int y = 0; y < area.height(); ++y) {
+            for (int x = 0; x < area.width(); ++x) {
+                if (picture.pixelColor(x, y).lightness() > 128) continue;
+                all += x, ++points;
+                if (y == area.height() / 2) row += x, ++inRow;
+            }
+        }
+        return row / inRow - all / points;
+    }
+    /// Where the next digit goes.
+    double caret() const {
+        return find(screen()->passcode()->name())
+            ->inputMethodQuery(Qt::ImCursorRectangle)
+            .toRectF()
+            .center()
+            .x();
+    }
+};
+
+TEST_F(LanguagesTest, SwitchChangesAllThatIsShownAndNothingOfTheHosts) {
+    QQuickItem* const host = show(
+        "import QtQuick\nimport Korvane\n"
+        "Item {\n"
+        "  readonly property var evaluations: []\n"
+        "  property string hosts: { evaluations.push(1); return qsTr('mine') }\n"
+        "  function counted(): var { return evaluations.length }\n"
+        "  SetPIN { anchors.fill: parent; cardId: 'card-1' }\n"
+        "}",
+        {});
+    const auto evaluations = [host] {
+        QVariant counted;
+        QMetaObject::invokeMethod(host, "counted", Q_RETURN_ARG(QVariant, counted));
+        return counted.toInt();
+    };
+    const int before = evaluations();
+    EXPECT_GT(before, 0);
+    tap("sdk.setpin.fourdigits");
+    ASSERT_TRUE(setLanguage("fr"));
+    EXPECT_EQ(screen()->sheetText().left(18), "Votre code PIN com");
+    EXPECT_EQ(label("sdk.setpin.fourdigits.info.button"), "J’ai compris");
+    EXPECT_EQ(label("sdk.setpin.fourdigits"), "Utilisez quatre chiffres") << "under the sheet";
+    tap("sdk.setpin.fourdigits.info.button");
+    type("1234");
+    tap("sdk.setpin.button");
+    ASSERT_TRUE(setLanguage("es_MX"));
+    EXPECT_EQ(language(), "es-MX");
+    EXPECT_TRUE(shown("Sin secuencias (1234, 4321)"));
+    tap("sdk.youcandobetter.button");
+
+    type("8642");
+    tap("sdk.setpin.button");
+    type("8643");
+    tap("sdk.confirmpin.button");
+    type("86");
+    ASSERT_TRUE(setLanguage("de"));
+    EXPECT_EQ(screen()->title(), "PIN noch einmal eingeben");
+    EXPECT_EQ(screen()->passcodeDescription(), "Neue PIN, noch einmal, 2 von 4 Ziffern eingegeben");
+    EXPECT_EQ(label("sdk.confirmpin.button"), "PIN festlegen");
+    EXPECT_EQ(label("back"), "Zurück");
+
+    EXPECT_EQ(evaluations(), before) << "the host's binding was evaluated again";
+    EXPECT_FALSE(setLanguage("pt-BR"));
+    EXPECT_FALSE(setLanguage(""));
+    EXPECT_EQ(language(), "de");
+}
+
+TEST_F(LanguagesTest, MessagesToastsAndDisclosuresFollow) {
+    QQuickItem* const first = show("import Korvane\nGetCardImage { cardId: \"card-1\" }", {});
+    EXPECT_EQ(screen()->disclosure(), "hello");
+    tap("sdk.cardviewer.card.activateAndSetPin.freezeMyCard");
+    ASSERT_TRUE(setLanguage("fr"));
+    EXPECT_EQ(screen()->popupHeader().left(19), "Bloquer votre carte");
+    tap("sdk.cardviewer.card.activateAndSetPin.freezeCardPopup.cancelButton");
+    tap("sdk.cardviewer.device.details.cardholderName");
+    EXPECT_EQ(screen()->toast(), "Copié");
+    ASSERT_TRUE(setLanguage("es"));
+    EXPECT_EQ(screen()->toast(), "Copiado");
+    EXPECT_EQ(screen()->card()->name(), "Tarjeta física");
+    EXPECT_EQ(screen()->disclosure(), "hello") << "it came before the switch";
+    delete first;
+    show("import Korvane\nGetCardImage { cardId: \"card-1\" }", {});
+    EXPECT_EQ(screen()->disclosure(), "hola");
+}
+
+TEST_F(LanguagesTest, HostsTextTakesThePlaceOfAnySingleOne) {
+    toPinEntry();
+    const QString button = "sdk.setpin.button";
+    ASSERT_TRUE(overrideText("sdk.setpin.button", "Next"));
+    EXPECT_EQ(label(button), "Next");
+    overrideText("sdk.setpin.button", "Nächster Schritt", "de");
+    overrideText("sdk.setpin.button", "Nächster Schritt, gäll", "de_CH");
+    EXPECT_EQ(label(button), "Next");
+    setLanguage("de");
+    EXPECT_EQ(label(button), "Nächster Schritt");
+    EXPECT_EQ(label("sdk.setpin.fourdigits"), "Verwenden Sie vier Ziffern");
+    setLanguage("de-CH");
+    EXPECT_EQ(label(button), "Nächster Schritt, gäll");
+    overrideText("sdk.setpin.button", "", "de-CH");
+    EXPECT_EQ(label(button), "Nächster Schritt");
+
+    overrideText("sdk.setpin.button", "Avançar", "pt");
+    ASSERT_TRUE(setLanguage("pt-BR")) << "a language of the host's";
+    EXPECT_EQ(label(button), "Avançar");
+    EXPECT_EQ(label("sdk.setpin.fourdigits"), "Use four digits");
+}
+
+TEST_F(LanguagesTest, ArabicMirrorsTheScreensAndKeepsDigitsFromLeftToRight) {
+    toPinEntry();
+    const double left = caret();
+    ASSERT_TRUE(setLanguage("ar"));
+    settle();
+    EXPECT_EQ(caret(), left);
+    type("8");
+    EXPECT_GT(caret(), left);
+    type("642");
+    theme().setReducedMotion(false);
+    key(Qt::Key_Return);
+    wait(60);
+    const double coming = middle("ConfirmCardPINView");
+    EXPECT_LT(coming, window.width() / 2.0) << "it comes in from where lines end";
+    wait(400);
+    EXPECT_GT(middle("back"), window.width() - 60.0);
+    EXPECT_GT(tip(), 0);
+    ASSERT_TRUE(setLanguage("en"));
+    settle();
+    EXPECT_LT(middle("back"), 60.0);
+    EXPECT_LT(tip(), 0) << "the arrow points the other way";
+}
+
+TEST(Languages, StartWithTheUsersThatTheComponentSpeaksElseEnglish) {
+    for (const auto& [locale, text] :
+         {std::pair{"de_AT", "Weiter"}, {"pt_BR", "Continue"}, {"ar_EG", "متابعة"}, {"C", "Continue"}}) {
+        QLocale::setDefault(QLocale(locale));
+        EXPECT_EQ(componentTexts()->text("sdk.setpin.button"), text) << locale;
+    }
+    EXPECT_EQ(languages(), (std::vector<std::string>{"ar", "de", "en", "es", "fr"}));
+}
+
+}  // namespace
+}  // namespace korvane
