@@ -21,7 +21,7 @@ class JourneyViewTest : public QuickFixture {
     QPointF placeOf(const QString& control) const { return find(control)->mapToScene(QPointF()); }
 };
 
-TEST_F(JourneyViewTest, PinIsSetWithMouseAndKeys) {
+TEST_F(JourneyViewTest, PinIsSetWithMouseAndKeysAfterAMismatchThatIsTold) {
     startWithSmsStep();
     tap("sdk.sms.explain.button");
     ASSERT_EQ(view(), "EnterSMSCodeView");
@@ -30,19 +30,6 @@ TEST_F(JourneyViewTest, PinIsSetWithMouseAndKeys) {
     type("8642");
     tap("sdk.setpin.button");
     ASSERT_EQ(view(), "ConfirmCardPINView");
-    type("8642");
-    tap("sdk.confirmpin.button");
-    EXPECT_EQ(service.sent("pinSet", "encryptedPIN"), "8642");
-    ASSERT_EQ(view(), "SuccessPinSetView");
-    EXPECT_EQ(closed, QStringList());
-    tap("sdk.success.setpin.button");
-    EXPECT_EQ(closed, QStringList("SUCCESS"));
-}
-
-TEST_F(JourneyViewTest, RefusedEntryIsToldAndTakesTheFocusBack) {
-    toPinEntry();
-    type("8642");
-    key(Qt::Key_Return);
     type("8643");
     find("sdk.confirmpin.button")->forceActiveFocus(Qt::TabFocusReason);
     key(Qt::Key_Space, " ");
@@ -51,6 +38,13 @@ TEST_F(JourneyViewTest, RefusedEntryIsToldAndTakesTheFocusBack) {
     EXPECT_TRUE(find("sdk.confirmpin.input")->hasActiveFocus());
     type("8");
     EXPECT_FALSE(find("message"));
+    type("642");
+    tap("sdk.confirmpin.button");
+    EXPECT_EQ(service.sent("pinSet", "encryptedPIN"), "8642");
+    ASSERT_EQ(view(), "SuccessPinSetView");
+    EXPECT_EQ(closed, QStringList());
+    tap("sdk.success.setpin.button");
+    EXPECT_EQ(closed, QStringList("SUCCESS"));
 }
 
 TEST_F(JourneyViewTest, WheelStandsOnTheButtonOfTheCallAndTypingIsNotLost) {
