@@ -102,29 +102,36 @@ class Tour {
     }
 
     void activate() {
+        say("Another security code than the card's activates nothing.");
+        const auto proof = record(newCard);
+        open("activate:", newCard, "ActivateCardAndSetPIN_NoNav");
+        tap("sdk.cardarrived.start");
+        provePossession(proof.number, proof.cvv == "000" ? "111" : "000");
+        enterPinTwice();
+        await("UhOhTryAgainView");
+        tap("sdk.errorPage.tryagain.button");
+        require(record(newCard).status == "P2", "the card is active");
+
         say("A PIN is asked for a card that is not active yet: it is activated first.");
         open("setPin:", newCard, "CardIsNotYetActivatedView");
         picture("CardIsNotYetActivatedView");
         tap("sdk.cardnotactivated.button.one");
         see("ActivateCardAndSetPIN_NoNav");
         tap("sdk.cardarrived.start");
-        const auto proof = record(newCard);
         see("EnterCardLastFourView");
-        typeDigits(QString::fromStdString(proof.number).right(4), "sdk.activatecard.lastfourdigits.button");
-        tap("sdk.activatecard.lastfourdigits.button");
-        await("EnterCardCVVView");
-        typeDigits(QString::fromStdString(proof.cvv), "sdk.activatecard.cvv.button");
-        picture("EnterCardCVVView");
-        tap("sdk.activatecard.cvv.button");
-        await("EnterCardPINView");
+        provePossession(proof.number, proof.cvv);
         enterPinTwice();
         see("SuccessCardActivatedAndPinSetView");
         tap("sdk.success.cardActivatedAndSetPin.button");
         await("setPin:" + newCard);
-        const auto activated = record(newCard);
-        require(activated.status == "A1" && activated.pin == chosenPin.toStdString(),
-                "the service holds no active card with the PIN that was typed");
-        say("The service holds an active card with the PIN that was typed.");
+        checkActivated(newCard);
+
+        open("activate:", "card-wearable-new", "ActivateCardAndSetPIN_NoNav");
+        tap("sdk.cardarrived.start");
+        enterPinTwice();
+        await("SuccessCardActivatedAndPinSetView");
+        tap("sdk.success.cardActivatedAndSetPin.button");
+        checkActivated("card-wearable-new");
 
         open("activate:", newCard, "CardAlreadyActivatedView");
         picture("CardAlreadyActivatedView");
@@ -180,11 +187,10 @@ class Tour {
         open("view:", "card-virtual-new", "CardImage_NoNav");
         picture("CardImage_NoNav-notActivated");
         tap(onCardButton);
-        await("EnterCardPINView");
         enterPinTwice();
         await("SuccessCardActivatedAndPinSetView");
         tap("sdk.success.cardActivatedAndSetPin.button");
-        require(record("card-virtual-new").status == "A1", "the card is not active");
+        checkActivated("card-virtual-new");
     }
 
     /// Opens a journey, with a code by SMS where the last one is too old.
@@ -198,7 +204,25 @@ class Tour {
         await(view);
     }
 
+    void provePossession(const std::string& number, const std::string& cvv) {
+        await("EnterCardLastFourView");
+        typeDigits(QString::fromStdString(number).right(4), "sdk.activatecard.lastfourdigits.button");
+        tap("sdk.activatecard.lastfourdigits.button");
+        await("EnterCardCVVView");
+        typeDigits(QString::fromStdString(cvv), "sdk.activatecard.cvv.button");
+        picture("EnterCardCVVView");
+        tap("sdk.activatecard.cvv.button");
+    }
+
+    void checkActivated(const QString& card) {
+        const auto activated = record(card);
+        require(activated.status == "A1" && activated.pin == chosenPin.toStdString(),
+                "the service holds no active card with the PIN that was typed");
+        say("The service holds an active card with the PIN that was typed.");
+    }
+
     void enterPinTwice() {
+        await("EnterCardPINView");
         typeDigits(chosenPin, "sdk.setpin.button");
         tap("sdk.setpin.button");
         await("ConfirmCardPINView");

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <korvane/CloseNotification.h>
+#include <korvane/ViewController.h>
 
 #include <QAccessible>
 #include <QBuffer>
@@ -134,6 +136,23 @@ TEST_F(CardViewerPageTest, FreezingIsAskedFirstAndTheSwitchFollowsTheCard) {
     settle();
     EXPECT_TRUE(isOn());
     EXPECT_TRUE(told().second.contains("Your card is frozen"));
+}
+
+TEST_F(CardViewerPageTest, CardIsActivatedFromItsButtonAndBackLeadsToTheCard) {
+    service.cardStatus = "P2";
+    showViewer();
+    QStringList results;
+    const auto closing = NotificationCenter::defaultCenter().observe(
+        NotificationCloseUI, [&](const auto& info) { results << QString::fromStdString(info.at("result")); });
+    tap("sdk.cardviewer.activateAndSetPin.onCardButton");
+    ASSERT_EQ(view(), "EnterCardLastFourView");
+    EXPECT_FALSE(find("xmark")) << "one frame, with one way out";
+    tap("back");
+    ASSERT_EQ(view(), "CardImage_NoNav");
+    tap("xmark");
+    EXPECT_EQ(results, QStringList("CANCELED"));
+    const auto controller = GetCardImageFactory::create("card-9");
+    EXPECT_EQ(service.config.cardId, "card-9");
 }
 
 TEST_F(CardViewerPageTest, PictureCoversTheCardUndistortedOrAPlaceholderIsDrawn) {
