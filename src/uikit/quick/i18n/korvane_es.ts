@@ -76,11 +76,11 @@
     </message>
     <message id="sdk.sms.code.resend">
         <source></source>
-        <translation>Enviar un código nuevo</translation>
+        <translation>Reenviar código</translation>
     </message>
     <message id="sdk.sms.code.resendIn">
         <source></source>
-        <translation>Enviar un código nuevo en %1 s</translation>
+        <translation>Reenviar código en %1 s</translation>
     </message>
     <message id="sdk.sms.code.resent">
         <source></source>
@@ -388,7 +388,7 @@
     <!-- Errors -->
     <message id="sdk.errorPage.tryagain.header">
         <source></source>
-        <translation>No hemos podido terminar</translation>
+        <translation>No se ha completado</translation>
     </message>
     <message id="sdk.errorPage.tryagain.subheader.one">
         <source></source>
@@ -396,7 +396,7 @@
     </message>
     <message id="sdk.errorPage.tryagain.subheader.two">
         <source></source>
-        <translation>Inténtalo de nuevo dentro de un rato.</translation>
+        <translation>Inténtalo de nuevo más tarde.</translation>
     </message>
     <message id="sdk.errorPage.tryagain.button">
         <source></source>
