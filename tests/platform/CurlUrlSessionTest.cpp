@@ -156,33 +156,28 @@ TEST(CurlUrlSession, SendsTheRequestAsGivenAndNothingMore) {
     }
 }
 
-TEST(CurlUrlSession, TellsEachFailureApartInItsText) {
-    auto server = std::make_unique<TestServer>(
-        [](TestConnection& connection, const TestRequest& request) {
-            if (request.target == "/short") {
-                connection.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\npart of it");
-            }
-            if (request.target == "/garbage") connection.send("this is no HTTP\r\n\r\n");
-            return false;
-        },
-        TestServerOptions{.tls = false});
+TEST(CurlUrlSession, WhatIsNoWholeAnswerIsAFailureThatTellsWhy) {
+    const auto serve = [](TestConnection& connection, const TestRequest& request) {
+        if (request.target == "/short") connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\npart");
+        if (request.target == "/garbage") connection.send("this is no HTTP\r\n\r\n");
+        return false;
+    };
+    const TestServer server(serve, {.tls = false});
+    const std::string stopped = TestServer(serve, {.tls = false}).url("/");
     CurlUrlSession session;
-    const auto expect = [&session](const std::string& url, const std::string& text) {
+    for (const auto& [url, text] : {std::pair{server.url("/short"), "5 bytes remaining"},
+                                    {server.url("/empty"), "Empty reply"},
+                                    {server.url("/garbage"), "HTTP/0.9"},
+                                    {stopped, "Couldn't connect"},
+                                    {"https://host.invalid/", "resolve host"},
+                                    {"", "URL"},
+                                    {"file:///etc/hostname", "rotocol"},
+                                    {"ftp://127.0.0.1/", "rotocol"}}) {
         const UrlReply reply = post(session, url);
         EXPECT_EQ(reply.status, 0) << url;
         EXPECT_EQ(reply.body, "") << url;
         EXPECT_NE(reply.failure.find(text), std::string::npos) << url << ": " << reply.failure;
-    };
-    const std::string url = server->url("/");
-    expect(url + "short", "90 bytes remaining");
-    expect(url + "empty", "Empty reply");
-    expect(url + "garbage", "HTTP/0.9");
-    server.reset();
-    expect(url, "Couldn't connect");
-    expect("https://host.invalid/", "resolve host");
-    expect("", "URL");
-    expect("file:///etc/hostname", "rotocol");
-    expect("ftp://127.0.0.1/", "rotocol");
+    }
 }
 
 }  // namespace
