@@ -101,16 +101,6 @@ TEST_F(SetPinJourney, HostMayDestroyTheJourneyFromInsideTheNotification) {
     EXPECT_EQ(journey, nullptr);
 }
 
-TEST_F(SetPinJourney, SheetTakesThePlaceOfTheScreensControls) {
-    show();
-    tap("sdk.setpin.fourdigits");
-    ASSERT_TRUE(screen().sheet);
-    EXPECT_EQ(type("1"), "not enabled");
-    EXPECT_EQ(tap("sdk.setpin.button"), "no such control");
-    tap("sdk.setpin.fourdigits.info.button");
-    EXPECT_FALSE(screen().sheet);
-}
-
 TEST_F(SetPinJourney, ObserverIsToldOnceForManyChangesAndOfNoDigits) {
     show();
     int told = 0;

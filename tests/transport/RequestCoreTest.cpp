@@ -99,10 +99,13 @@ TEST_F(RequestCore, CancellingLetsGoAtOnceAndReportsLater) {
 class ThreadedSession final : public UrlSession {
   public:
     std::unique_ptr<UrlTask> start(UrlRequest, std::function<void(UrlReply)> reply) override {
-        threads.emplace_back([reply = std::move(reply)] { reply({200, "{}", ""}); });
-        return std::make_unique<UrlTask>();
+        struct Task final : UrlTask {
+            std::jthread thread;  // joined when the task is released
+        };
+        auto task = std::make_unique<Task>();
+        task->thread = std::jthread{[reply = std::move(reply)] { reply({200, "{}", ""}); }};
+        return task;
     }
-    std::vector<std::jthread> threads;
 };
 
 TEST_F(RequestCore, AnswersMayComeOnAnyThread) {
