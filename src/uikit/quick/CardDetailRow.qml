@@ -10,6 +10,8 @@ T.AbstractButton {
     required property DetailModel modelData
     required property string copyHint
     readonly property ControlModel control: modelData.control
+    readonly property string spokenName: text + ", " + modelData.spokenValue
+    readonly property string spokenDescription: modelData.copyable ? copyHint : ""
 
     objectName: control?.name ?? ""
     text: control?.label ?? ""
@@ -19,8 +21,8 @@ T.AbstractButton {
     bottomPadding: 9
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
 
-    Accessible.name: text + ", " + modelData.spokenValue
-    Accessible.description: modelData.copyable ? copyHint : ""
+    Accessible.name: spokenName
+    Accessible.description: spokenDescription
 
     onClicked: control.activate()
     Keys.onReturnPressed: row.control.activate()
@@ -44,7 +46,7 @@ T.AbstractButton {
         FocusRing {
             anchors.margins: 0
             radius: parent.radius
-            visible: row.visualFocus
+            visible: row.activeFocus && InputMode.focusShown
         }
     }
 

@@ -29,10 +29,16 @@ PageFrame {
         height: page.compact ? 16 : 32
     }
 
-    PasscodeBoxes {
+    PasscodeItem {
         width: parent.width
+        objectName: page.screen.passcode?.name ?? ""
         screen: page.screen
-        focus: true
+        page: page
+
+        Accessible.role: Accessible.EditableText
+        Accessible.name: page.screen.passcodeDescription
+
+        Component.onCompleted: focus = !InputMode.titleFirst()
     }
 
     MessageLine {

@@ -12,6 +12,7 @@ T.AbstractButton {
     readonly property bool busy: control?.busy ?? false
     /// It works, or would if nothing lay over it.
     readonly property bool live: busy || (control?.usable ?? false)
+    readonly property string spokenDescription: control?.busyText ?? ""
 
     objectName: control?.name ?? ""
     text: control?.label ?? ""
@@ -22,7 +23,7 @@ T.AbstractButton {
     Accessible.role: Accessible.CheckBox
     Accessible.checkable: true
     Accessible.checked: on
-    Accessible.description: control?.busyText ?? ""
+    Accessible.description: spokenDescription
 
     onClicked: control.activate()
     Keys.onReturnPressed: row.control.activate()
@@ -38,7 +39,7 @@ T.AbstractButton {
         FocusRing {
             anchors.margins: 0
             radius: parent.radius
-            visible: row.visualFocus
+            visible: row.activeFocus && InputMode.focusShown
         }
     }
 

@@ -28,7 +28,7 @@ T.AbstractButton {
         FocusRing {
             anchors.margins: 0
             radius: height / 2
-            visible: button.visualFocus
+            visible: button.activeFocus && InputMode.focusShown
         }
     }
 

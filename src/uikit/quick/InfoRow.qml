@@ -29,7 +29,7 @@ T.AbstractButton {
         FocusRing {
             anchors.margins: 0
             radius: parent.radius
-            visible: row.visualFocus
+            visible: row.activeFocus && InputMode.focusShown
         }
     }
 

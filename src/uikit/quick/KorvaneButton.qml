@@ -25,8 +25,6 @@ T.AbstractButton {
     implicitHeight: Math.max(56, implicitContentHeight + 24)
     font: Theme.button
 
-    Accessible.description: control?.busyText ?? ""
-
     onClicked: control.activate()
     Keys.onReturnPressed: button.control.activate()
     Keys.onEnterPressed: button.control.activate()
@@ -45,7 +43,7 @@ T.AbstractButton {
 
         FocusRing {
             radius: Math.min(parent.radius + 4, height / 2)
-            visible: button.visualFocus
+            visible: button.activeFocus && InputMode.focusShown
         }
     }
 
@@ -54,5 +52,12 @@ T.AbstractButton {
         font: button.font
         color: button.ink
         busy: button.busy
+
+        Announcement {
+            anchors.fill: parent
+            text: button.control?.busyText ?? ""
+
+            Accessible.role: Accessible.Notification
+        }
     }
 }

@@ -82,6 +82,7 @@ FocusScope {
                 lineHeight: 1.2
 
                 Accessible.role: Accessible.StaticText
+                Accessible.focusable: false
                 Accessible.name: text
             }
 

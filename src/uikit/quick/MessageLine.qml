@@ -13,8 +13,12 @@ Item {
     visible: text !== ""
     implicitHeight: topPadding + Math.max(24, words.implicitHeight)
 
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: text
+    Announcement {
+        anchors.fill: parent
+        text: line.text
+
+        Accessible.role: Accessible.Notification
+    }
 
     Artwork {
         anchors.left: parent.left

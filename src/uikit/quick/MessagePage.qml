@@ -38,6 +38,8 @@ PageFrame {
         spacing: page.compact ? 8 : 16
         visible: bullets.count > 0
 
+        Accessible.role: Accessible.List
+
         Repeater {
             id: bullets
 

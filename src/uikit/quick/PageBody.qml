@@ -29,6 +29,7 @@ Column {
             lineHeight: 1.2
 
             Accessible.role: Accessible.StaticText
+            Accessible.focusable: false
             Accessible.name: text
         }
     }

@@ -126,7 +126,8 @@ FocusScope {
 
                 width: (footer.width - footer.spacing * (footer.columns - 1)) / footer.columns
                 control: modelData
-                focus: (modelData?.primary ?? false) && frame.screen.layout === ScreenModel.Message
+
+                Component.onCompleted: focus = control.primary && frame.screen.layout === ScreenModel.Message && !InputMode.titleFirst()
             }
         }
     }

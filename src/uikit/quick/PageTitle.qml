@@ -2,8 +2,10 @@
 import QtQuick
 import Korvane
 
-/// The title of a screen.
+/// The title of a screen. It takes the focus when the screen comes, for those who listen to it; Tab leads on from it.
 Text {
+    id: title
+
     property bool compact: false
 
     font: compact ? Theme.titleCompact : Theme.title
@@ -14,4 +16,13 @@ Text {
 
     Accessible.role: Accessible.Heading
     Accessible.name: text
+    Accessible.focusable: true
+    Accessible.focused: activeFocus
+
+    Component.onCompleted: focus = InputMode.titleFirst()
+
+    FocusRing {
+        radius: 4
+        visible: title.activeFocus && InputMode.focusShown
+    }
 }

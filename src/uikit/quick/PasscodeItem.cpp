@@ -6,11 +6,13 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QPainter>
+#include <QQuickWindow>
 #include <algorithm>
 #include <cmath>
 #include <string>
 
 #include "base/Secret.h"
+#include "uikit/quick/ItemAccessible.h"
 
 namespace korvane {
 namespace {
@@ -18,6 +20,10 @@ namespace {
 bool isTyping(const QKeyEvent& event) {
     constexpr auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
     return !(event.modifiers() & commands) && !event.text().isEmpty() && event.text().front().isPrint();
+}
+
+bool isDigit(const QKeyEvent& event) {
+    return isTyping(event) && event.text().front().isDigit();
 }
 
 bool isOurs(const QKeyEvent& event) {
@@ -32,6 +38,8 @@ PasscodeItem::PasscodeItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setFlag(ItemAcceptsInputMethod);
     setAcceptedMouseButtons(Qt::LeftButton);
     setCursor(Qt::IBeamCursor);
+    ItemAccessible::install();
+    qGuiApp->installEventFilter(this);
 }
 
 void PasscodeItem::setScreen(ScreenModel* screen) {
@@ -59,7 +67,8 @@ void PasscodeItem::componentComplete() {
 }
 
 void PasscodeItem::redraw() {
-    setImplicitHeight(screen_ && screen_->boxes() && screen_->boxes()->size > 4 ? 64 : 72);
+    const double height = screen_ && screen_->boxes() && screen_->boxes()->size > 4 ? 64 : 72;
+    setImplicitHeight(height * (theme_ ? std::sqrt(theme_->textScale()) : 1));
     updateInputMethod(Qt::ImQueryInput | Qt::ImHints);
     update();
 }
@@ -76,11 +85,10 @@ QRectF PasscodeItem::boxRect(int index, int size) const {
 void PasscodeItem::paint(QPainter* painter) {
     if (!screen_ || !screen_->boxes() || !theme_) return;
     const PasscodeBoxes& boxes = *screen_->boxes();
-    const ControlModel* const control = screen_->passcode();
-    const bool usable = control && control->usable();
+    const bool usable = takesInput();
     const bool refused = !screen_->message().isEmpty();
     const QColor ink = usable ? theme_->inputText() : theme_->disabledText();
-    const double dot = 6;
+    const double dot = 6 * theme_->textScale();
 
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setFont(theme_->digits(28));
@@ -118,9 +126,9 @@ QVariant PasscodeItem::inputMethodQuery(Qt::InputMethodQuery query) const {
         case Qt::ImEnabled:
             return boxes.has_value();
         case Qt::ImHints: {
-            Qt::InputMethodHints hints = Qt::ImhDigitsOnly | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
-            hints.setFlag(Qt::ImhHiddenText, !boxes || boxes->secure);
-            return static_cast<int>(hints.toInt());
+            const Qt::InputMethodHints hints =
+                Qt::ImhDigitsOnly | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
+            return static_cast<int>((hints | Qt::ImhHiddenText).toInt());
         }
         case Qt::ImCursorRectangle:
             return boxes ? boxRect(boxes->firstResponderIndex, boxes->size) : QRectF();
@@ -150,10 +158,30 @@ bool PasscodeItem::event(QEvent* event) {
     return QQuickPaintedItem::event(event);
 }
 
+bool PasscodeItem::eventFilter(QObject* target, QEvent* event) {
+    // What is installed last is asked first. This event comes right before each press of a key, and the
+    // bridge installs itself anew whenever somebody listens.
+    if (event->type() == QEvent::ShortcutOverride) qGuiApp->installEventFilter(this);
+
+    const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+    if (!key || (target != window() && target != QGuiApplication::focusWindow())) return false;
+    const auto& typed = *static_cast<QKeyEvent*>(event);
+    if (!isForBoxes(typed)) return false;
+    if (event->type() == QEvent::KeyPress) enter(typed.text());
+    event->accept();
+    return true;
+}
+
+bool PasscodeItem::isForBoxes(const QKeyEvent& event) const {
+    if (!isEnabled() || !isVisible() || !window()) return false;
+    if (hasActiveFocus()) return isTyping(event);
+    const QQuickItem* const focused = window()->activeFocusItem();
+    return page_ && focused && (focused == page_ || page_->isAncestorOf(focused)) && isDigit(event);
+}
+
 void PasscodeItem::keyPressEvent(QKeyEvent* event) {
     if (!screen_) return event->ignore();
-    if (event->matches(QKeySequence::Paste)) return insert(QGuiApplication::clipboard()->text());
-    if (isTyping(*event)) return insert(event->text());
+    if (event->matches(QKeySequence::Paste)) return enter(QGuiApplication::clipboard()->text());
     switch (event->key()) {
         case Qt::Key_Backspace:
             return screen_->deleteBackward();
@@ -168,19 +196,29 @@ void PasscodeItem::keyPressEvent(QKeyEvent* event) {
 void PasscodeItem::inputMethodEvent(QInputMethodEvent* event) {
     if (!screen_) return event->ignore();
     if (!event->commitString().isEmpty()) {
-        insert(event->commitString());
+        enter(event->commitString());
     } else if (event->replacementLength() > 0) {
         screen_->deleteBackward();
     }
     event->accept();
 }
 
-void PasscodeItem::insert(QString text) {
+bool PasscodeItem::takesInput() const {
+    const ControlModel* const control = screen_ ? screen_->passcode() : nullptr;
+    return control && control->usable();
+}
+
+void PasscodeItem::enter(QString text) {
+    if (!screen_ || !takesInput()) return;
+    forceActiveFocus(Qt::OtherFocusReason);
     std::string typed;
     text = std::move(text).trimmed();  // what is copied often brings a line end along
-    // Digits of other scripts are what some keyboards give for the same keys.
+    // Digits of other scripts are what some keyboards give for the same keys; blanks and dashes come in many
+    // widths.
     for (QChar& letter : text) {
         if (letter.isDigit()) letter = QChar(u'0' + letter.digitValue());
+        if (letter.isSpace()) letter = u' ';
+        if (letter.category() == QChar::Punctuation_Dash) letter = u'-';
     }
     QByteArray bytes = text.toUtf8();
     typed.assign(bytes.constData(), static_cast<std::size_t>(bytes.size()));
@@ -188,6 +226,12 @@ void PasscodeItem::insert(QString text) {
     text.fill(QChar());
     screen_->insertText(typed);
     wipe(typed);
+}
+
+void PasscodeItem::erase() {
+    if (!screen_ || !takesInput()) return;
+    for (int left = screen_->boxes() ? screen_->boxes()->filled : 0; left > 0; --left)
+        screen_->deleteBackward();
 }
 
 void PasscodeItem::mousePressEvent(QMouseEvent* event) {

@@ -31,7 +31,7 @@ T.AbstractButton {
         FocusRing {
             anchors.margins: 0
             radius: parent.radius
-            visible: button.visualFocus
+            visible: button.activeFocus && InputMode.focusShown
         }
     }
 

@@ -58,6 +58,12 @@ Theme::Theme(QObject* parent)
       language_(NotificationCenter::defaultCenter().observe(NotificationLanguageChanged,
                                                             [this](const auto&) { refresh(); })) {
     if (portsInstalled()) refresh();
+    const auto follow = [this] {
+        setTextScale(desktop_.textScale());
+        setReducedMotion(desktop_.reducedMotion());
+    };
+    connect(&desktop_, &DesktopSettings::changed, this, follow);
+    follow();
 }
 
 Theme* Theme::of(const QObject* object) {
@@ -109,6 +115,13 @@ QColor Theme::scrim() const {
     return QColor::fromRgbF(0, 0, 0, 0.48F);
 }
 
+void Theme::setTextScale(double scale) {
+    scale = std::clamp(scale, 1.0, 2.0);
+    if (textScale_ == scale) return;
+    textScale_ = scale;
+    emit changed();
+}
+
 void Theme::setReducedMotion(bool reduced) {
     if (reducedMotion_ == reduced) return;
     reducedMotion_ = reduced;
@@ -121,10 +134,10 @@ QColor Theme::toQt(const Color& color) {
     return QColor::fromRgbF(part(color.red), part(color.green), part(color.blue), part(color.opacity));
 }
 
-QFont Theme::font(const QStringList& families, QFont::Weight weight, int pixelSize) {
+QFont Theme::font(const QStringList& families, QFont::Weight weight, int pixelSize) const {
     QFont font(families);
     font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(pixelSize);
+    font.setPixelSize(static_cast<int>(std::lround(pixelSize * textScale_)));
     font.setWeight(weight);
     return font;
 }

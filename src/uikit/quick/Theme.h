@@ -11,6 +11,8 @@
 #include <QStringList>
 #include <memory>
 
+#include "uikit/quick/DesktopSettings.h"
+
 namespace korvane {
 
 /// The look of everything that the module draws: the host's colours and corner radii, the tones that follow
@@ -58,16 +60,20 @@ class Theme : public QObject {
     Q_PROPERTY(QColor scrim READ scrim NOTIFY changed)
 
     // "AvenirNext-Bold" for titles and buttons, "AvenirNext-Medium" for the rest, or what stands in for them.
-    Q_PROPERTY(QFont title READ title CONSTANT)
-    Q_PROPERTY(QFont titleCompact READ titleCompact CONSTANT)
-    Q_PROPERTY(QFont body READ body CONSTANT)
-    Q_PROPERTY(QFont button READ button CONSTANT)
-    Q_PROPERTY(QFont caption READ caption CONSTANT)
+    Q_PROPERTY(QFont title READ title NOTIFY changed)
+    Q_PROPERTY(QFont titleCompact READ titleCompact NOTIFY changed)
+    Q_PROPERTY(QFont body READ body NOTIFY changed)
+    Q_PROPERTY(QFont button READ button NOTIFY changed)
+    Q_PROPERTY(QFont caption READ caption NOTIFY changed)
+    /// How much larger than designed all text is, from 1 to 2 (WCAG 2.2, 1.4.4). It follows the desktop's
+    /// setting; a host with a setting of its own may write it.
+    Q_PROPERTY(double textScale READ textScale WRITE setTextScale NOTIFY changed)
 
     /// The language in use runs from right to left.
     Q_PROPERTY(bool mirrored READ mirrored NOTIFY mirroredChanged)
 
-    /// No slides, fades or turning: for people whom motion disturbs, and for pictures. The host sets it.
+    /// No slides, fades or turning: for people whom motion disturbs, and for pictures. It follows the
+    /// desktop's setting; a host may write it.
     Q_PROPERTY(bool reducedMotion READ reducedMotion WRITE setReducedMotion NOTIFY reducedMotionChanged)
     /// Length of a move in ms; 0 with reduced motion.
     Q_PROPERTY(int moveDuration READ moveDuration NOTIFY reducedMotionChanged)
@@ -119,6 +125,8 @@ class Theme : public QObject {
     QFont caption() const { return font(medium_, QFont::Medium, 14); }
     /// The digits in the boxes.
     QFont digits(int pixelSize) const { return font(bold_, QFont::Bold, pixelSize); }
+    double textScale() const { return textScale_; }
+    void setTextScale(double scale);
 
     bool reducedMotion() const { return reducedMotion_; }
     void setReducedMotion(bool reduced);
@@ -131,13 +139,15 @@ class Theme : public QObject {
 
   private:
     static QColor toQt(const Color& color);
-    static QFont font(const QStringList& families, QFont::Weight weight, int pixelSize);
+    QFont font(const QStringList& families, QFont::Weight weight, int pixelSize) const;
 
     KorvaneColors colors_;
     KorvaneCornerRadii radii_;
     QStringList bold_;
     QStringList medium_;
     bool mirrored_ = false;
+    DesktopSettings desktop_;
+    double textScale_ = 1;
     bool reducedMotion_ = false;
     std::shared_ptr<NotificationCenter::Observation> appearance_;
     std::shared_ptr<NotificationCenter::Observation> language_;

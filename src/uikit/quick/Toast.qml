@@ -19,14 +19,17 @@ Rectangle {
             words.text = text;
     }
 
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: words.text
-    Accessible.ignored: text === ""
-
     Behavior on opacity {
         NumberAnimation {
             duration: Theme.moveDuration
         }
+    }
+
+    Announcement {
+        anchors.fill: parent
+        text: toast.text
+
+        Accessible.role: Accessible.Notification
     }
 
     Text {

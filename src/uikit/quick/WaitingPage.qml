@@ -27,5 +27,11 @@ FocusScope {
             horizontalAlignment: Text.AlignHCenter
             lines: [page.screen.title]
         }
+
+        Announcement {
+            text: page.screen.title
+
+            Accessible.role: Accessible.Notification
+        }
     }
 }
