@@ -8,10 +8,12 @@ FocusScope {
     id: root
 
     required property BiometricSheetModel sheet
+    /// The sheet has a window of its own, and nothing to cover.
+    property bool alone: false
 
-    readonly property bool wide: width >= 640 && height >= 480
+    readonly property bool wide: !alone && width >= 640 && height >= 480
     /// A phone on its side: every row counts.
-    readonly property bool low: height < 440
+    readonly property bool low: !alone && height < 440
     readonly property real columnWidth: Math.min((wide ? 400 : width - 16) - 32, 416)
     /// Part of the sheet that has come up.
     property real shown: sheet.open ? 1 : 0
@@ -49,6 +51,7 @@ FocusScope {
 
     Rectangle {
         anchors.fill: parent
+        visible: !root.alone
         color: Theme.scrim
         opacity: root.shown
 
@@ -62,11 +65,15 @@ FocusScope {
     Rectangle {
         objectName: "biometricSheet"
         anchors.horizontalCenter: parent.horizontalCenter
-        y: Math.round(root.wide ? (parent.height - height) / 2 + 24 * (1 - root.shown) : parent.height - (height + 8) * root.shown)
-        width: root.wide ? 400 : parent.width - 16
-        height: column.height
+        y: {
+            if (root.alone)
+                return 0;
+            return Math.round(root.wide ? (parent.height - height) / 2 + 24 * (1 - root.shown) : parent.height - (height + 8) * root.shown);
+        }
+        width: root.wide ? 400 : parent.width - (root.alone ? 0 : 16)
+        height: root.alone ? parent.height : column.height
         opacity: root.wide ? root.shown : 1
-        radius: 12
+        radius: root.alone ? 0 : 12
         color: Theme.surface
 
         Column {

@@ -74,7 +74,7 @@ class Shown final : public QObject {
     }
 
     ~Shown() override {
-        qGuiApp->disconnect(this);
+        if (qGuiApp) qGuiApp->disconnect(this);
         const QPointer<QQuickItem> item = item_;
         takeOff();
         if (item) {
@@ -126,7 +126,7 @@ class Shown final : public QObject {
         ownWindow_->setTransientParent(QGuiApplication::focusWindow());
         ownWindow_->setModality(Qt::ApplicationModal);
         ownWindow_->setFlags(Qt::Dialog);
-        ownWindow_->resize(360, 400);
+        ownWindow_->resize(360, 380);
         return ownWindow_;
     }
 
@@ -134,8 +134,8 @@ class Shown final : public QObject {
         QQuickItem* const content = window.contentItem();
         QQmlComponent component(engineFor(window),
                                 QUrl("qrc:/qt-project.org/imports/Korvane/BiometricSheet.qml"));
-        item_ = qobject_cast<QQuickItem*>(
-            component.createWithInitialProperties({{"sheet", QVariant::fromValue(model_.get())}}));
+        item_ = qobject_cast<QQuickItem*>(component.createWithInitialProperties(
+            {{"sheet", QVariant::fromValue(model_.get())}, {"alone", &window == ownWindow_}}));
         if (!item_) {
             qCritical("No sheet for the biometric check: %s", qPrintable(component.errorString()));
             cancel();
