@@ -18,16 +18,18 @@ class CommandLine(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             for number in (signal.SIGTERM, signal.SIGINT):
                 ca = os.path.join(folder, "ca.pem")
-                with subprocess.Popen([PROGRAM, "--ca-out", ca, "--key", key, "--verbose"], text=True,
-                                      stdout=subprocess.PIPE, stderr=subprocess.PIPE) as program:
-                    told = json.loads(program.stdout.readline())
-                    self.assertEqual(told, {"url": told["url"], "ca": ca, "key": key, "ivUrl": told["url"] + "/host/iv"})
-                    answer = subprocess.run(["curl", "-sS", "--cacert", ca, "-X", "POST", told["ivUrl"]],
-                                            capture_output=True, check=True).stdout
-                    self.assertIn("ivId", json.loads(answer))
-                    program.send_signal(number)
-                    self.assertIn("/host/iv 200", program.stderr.read())
-                    self.assertEqual(program.wait(20), 0)
+                program = subprocess.Popen([PROGRAM, "--ca-out", ca, "--key", key, "--verbose"], text=True,
+                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                self.addCleanup(program.communicate)
+                self.addCleanup(program.kill)
+                told = json.loads(program.stdout.readline())
+                self.assertEqual(told, {"url": told["url"], "ca": ca, "key": key, "ivUrl": told["url"] + "/host/iv"})
+                answer = subprocess.run(["curl", "-sS", "--cacert", ca, "-X", "POST", told["ivUrl"]],
+                                        capture_output=True, check=True).stdout
+                self.assertIn("ivId", json.loads(answer))
+                program.send_signal(number)
+                self.assertEqual(program.wait(20), 0)
+                self.assertIn("/host/iv 200", program.stderr.read())
 
     def test_refuses_what_it_does_not_understand(self):
         cases = {"unknown option --colour": ["--colour"], "--port needs a value": ["--port"],
