@@ -5,10 +5,13 @@
 
 #include <utility>
 
+#include "sdk/ChangeNotifications.h"
+
 namespace korvane {
 namespace {
 
 constexpr const char* cancelControl = "sdk.biometrics.cancel";
+constexpr const char* ownReason = "enrollment.enableFaceID.reason";
 
 QString text(std::string_view key) {
     return QString::fromStdString(ports().stringTable->text(key));
@@ -18,10 +21,19 @@ QString text(std::string_view key) {
 
 BiometricSheetModel::BiometricSheetModel(const std::string& reason, std::function<void()> cancelled)
     : reason_(QString::fromStdString(reason)),
+      reasonIsOwn_(reason_ == text(ownReason)),
       cancel_(
           Control{.id = cancelControl, .enabled = true}, false,
-          [cancelled = std::move(cancelled)](const std::string&) { cancelled(); }, this) {
+          [cancelled = std::move(cancelled)](const std::string&) { cancelled(); }, this),
+      language_(NotificationCenter::defaultCenter().observe(NotificationLanguageChanged,
+                                                            [this](const auto&) { retranslate(); })) {
+    retranslate();
+}
+
+void BiometricSheetModel::retranslate() {
+    if (reasonIsOwn_) reason_ = text(ownReason);
     cancel_.setLabel(text(cancelControl));
+    emit changed();
 }
 
 QString BiometricSheetModel::message() const {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/CloseNotification.h>
+
 #include <QtQml/qqmlregistration.h>
 #include <QObject>
 #include <QString>
 #include <functional>
+#include <memory>
 
 #include "uikit/quick/ControlModel.h"
 
@@ -16,7 +19,7 @@ class BiometricSheetModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("The prompt makes it.")
 
-    Q_PROPERTY(QString reason READ reason CONSTANT)
+    Q_PROPERTY(QString reason READ reason NOTIFY changed)
     /// What to do, or what went wrong with the last finger.
     Q_PROPERTY(QString message READ message NOTIFY changed)
     /// The message tells what went wrong.
@@ -48,11 +51,15 @@ class BiometricSheetModel : public QObject {
     void told();
 
   private:
-    const QString reason_;
+    void retranslate();
+
+    QString reason_;
+    bool reasonIsOwn_;  ///< it is the component's own text, which can be told in another language
     ControlModel cancel_;
     std::string trouble_;
     bool open_ = false;
     bool armed_ = false;
+    std::shared_ptr<NotificationCenter::Observation> language_;
 };
 
 }  // namespace korvane

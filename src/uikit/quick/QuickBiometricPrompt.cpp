@@ -145,7 +145,6 @@ class Shown final : public QObject {
         before_ = content->scopedFocusItem();
         item_->setParent(content);
         item_->setParentItem(content);
-        Theme::of(item_)->refresh();
         connect(item_, &QObject::destroyed, this, &Shown::look);
         connect(item_, &QObject::destroyed, this, &Shown::placeSoon);  // its window went
         connect(window_, &QQuickWindow::activeFocusItemChanged, this, &Shown::keepFocus);
