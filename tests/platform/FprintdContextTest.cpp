@@ -66,6 +66,12 @@ struct ReaderDriver {
         runUntil([this] { return reader.armed(); });
         return check;
     }
+    /// The one check that was started ends so.
+    void expectAnswer(bool matched) {
+        scan(matched ? "SCAN right" : "SCAN wrong", matched ? 1 : 3);
+        waitForReplies();
+        EXPECT_THAT(replies, ElementsAre(matched));
+    }
     void waitForReplies(std::size_t count = 1) {
         runUntil([&] { return replies.size() == count; });
     }
@@ -82,10 +88,8 @@ TEST(Fprintd, TellsWhatWentWrongUntilAFingerMatchesAndLetsGoOfTheReader) {
     ReaderDriver driver;
     const auto check = driver.arm();
     EXPECT_THAT(driver.prompt->reasons, ElementsAre("reason"));
-    for (const char* line : {"RETRY 1", "SCAN wrong", "RETRY 3", "SCAN wrong", "SCAN right"})
-        driver.scan(line);
-    driver.waitForReplies();
-    EXPECT_THAT(driver.replies, ElementsAre(true));
+    for (const char* line : {"RETRY 1", "SCAN wrong", "RETRY 3", "SCAN wrong"}) driver.scan(line);
+    driver.expectAnswer(true);
     EXPECT_THAT(driver.prompt->told, ElementsAre("sdk.biometrics.retry", "sdk.biometrics.nomatch",
                                                  "sdk.biometrics.retry", "sdk.biometrics.nomatch"));
     driver.runUntil([&] { return driver.reader.allows("Claim", ""); });
@@ -103,9 +107,7 @@ TEST(Fprintd, IsArmedOnlyWhileThePromptIsInSight) {
         driver.runUntil([&] { return !driver.reader.armed(); });
     }
     driver.prompt->setVisible(true);
-    driver.scan("SCAN right");
-    driver.waitForReplies();
-    EXPECT_THAT(driver.replies, ElementsAre(true));
+    driver.expectAnswer(true);
 }
 
 TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
@@ -115,9 +117,7 @@ TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
     FprintdContext context(driver.queue, driver.prompt, {driver.reader.bus.address()});
     driver.runUntil([&] { return context.canEvaluate(); });
     const auto check = driver.arm();
-    driver.scan("SCAN right");
-    driver.waitForReplies();
-    EXPECT_THAT(driver.replies, ElementsAre(true));
+    driver.expectAnswer(true);
 }
 
 TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
@@ -126,9 +126,7 @@ TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
     EXPECT_TRUE(g_dbus_connection_emit_signal(driver.reader.bus.connection(), nullptr, VirtualReader::path,
                                               VirtualReader::interface, "VerifyStatus",
                                               g_variant_new("(sb)", "verify-match", TRUE), nullptr));
-    driver.scan("SCAN wrong", 3);
-    driver.waitForReplies();
-    EXPECT_THAT(driver.replies, ElementsAre(false));
+    driver.expectAnswer(false);
 }
 
 TEST(Fprintd, AnErrorAndAnUnpluggedReaderAreFalse) {
@@ -149,9 +147,7 @@ TEST(Fprintd, AReaderInUseIsWaitedFor) {
     driver.runUntil([&] { return std::chrono::steady_clock::now() > until; });
     EXPECT_TRUE(driver.replies.empty());
     driver.reader.device("Release");
-    driver.scan("SCAN right");
-    driver.waitForReplies();
-    EXPECT_THAT(driver.replies, ElementsAre(true));
+    driver.expectAnswer(true);
 }
 
 TEST(Fprintd, ACheckEndsWhenItsTimeIsUpAlsoWithADaemonThatHangs) {
