@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "base/Secret.h"
 #include "flows/NavigationStack.h"
 #include "uikit/KorvanePassCodeInput.h"
 
@@ -44,7 +45,10 @@ Journey::Outcome Screen::edit(const std::function<bool(KorvanePassCodeInput&)>& 
     KorvanePassCodeInput* const input = passcode();
     if (!input) return Journey::Outcome::noSuchControl;
     if (!acceptsInput()) return Journey::Outcome::notEnabled;
+    const Wiped<std::string> before{input->inputModel().passCodeString};
     if (!change(*input)) return Journey::Outcome::notDigits;
+    // A digit too many is no second fill: what is full has been told already.
+    if (input->inputModel().passCodeString == *before) return Journey::Outcome::done;
     passcodeChanged();
     changed();
     return Journey::Outcome::done;

@@ -30,7 +30,7 @@ Item {
         font: Theme.body
         color: Theme.colorOnBackground
         textFormat: Text.PlainText
-        wrapMode: Text.WordWrap
+        wrapMode: Text.Wrap
         lineHeight: 1.2
 
         Accessible.role: Accessible.ListItem

@@ -23,7 +23,7 @@ Item {
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         textFormat: Text.PlainText
-        wrapMode: Text.WordWrap
+        wrapMode: Text.Wrap
 
         Accessible.ignored: true
     }

@@ -22,7 +22,7 @@ Item {
         font: Theme.body
         color: Theme.hintText
         textFormat: Text.PlainText
-        wrapMode: Text.WordWrap
+        wrapMode: Text.Wrap
 
         Accessible.ignored: true
     }

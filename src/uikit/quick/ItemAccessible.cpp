@@ -20,10 +20,17 @@ QAccessibleInterface* make(const QString&, QObject* object) {
     return button ? new ControlAccessible(static_cast<QQuickItem*>(object)) : nullptr;
 }
 
+/// Qt gives an interface to items too that have no role and are no part of the tree.
+QAccessibleInterface* partOfTree(QQuickItem* item) {
+    auto* const interface = QAccessible::queryAccessibleInterface(item);
+    return interface && interface->role() != QAccessible::Client ? interface : nullptr;
+}
+
 void collect(const QQuickItem& item, QList<QAccessibleInterface*>& found) {
     for (QQuickItem* const child : item.childItems()) {
-        // Items that are no part of the tree have no interface.
-        if (auto* const interface = QAccessible::queryAccessibleInterface(child)) {
+        auto* const interface = partOfTree(child);
+        // What says nothing is only drawn.
+        if (interface && !interface->text(QAccessible::Name).isEmpty()) {
             found.append(interface);
         } else {
             collect(*child, found);
@@ -47,7 +54,7 @@ QAccessibleInterface* ItemAccessible::parent() const {
     QQuickWindow* const window = item()->window();
     for (QQuickItem* above = item()->parentItem(); above && window && above != window->contentItem();
          above = above->parentItem()) {
-        if (auto* const found = QAccessible::queryAccessibleInterface(above)) return found;
+        if (auto* const found = partOfTree(above)) return found;
     }
     return QAccessible::queryAccessibleInterface(window);
 }
@@ -123,7 +130,8 @@ QString ControlAccessible::text(QAccessible::Text kind) const {
 
 void ControlAccessible::doAction(const QString& name) {
     if (name == setFocusAction()) return focus();
-    if (name == pressAction() && item()->isEnabled()) QMetaObject::invokeMethod(item(), "click");
+    auto* const control = item()->property("control").value<ControlModel*>();
+    if (name == pressAction() && item()->isEnabled() && control) control->activate();
 }
 
 }  // namespace korvane

@@ -72,21 +72,34 @@ FocusScope {
             bottomPadding: 16
             spacing: 24
 
-            Text {
+            Flickable {
                 width: parent.width
-                text: modal.text
-                font: Theme.body
-                color: Theme.colorOnSurface
-                textFormat: Text.PlainText
-                wrapMode: Text.WordWrap
-                lineHeight: 1.2
+                height: Math.min(contentHeight, modal.height - button.height - 80)
+                contentHeight: words.height
+                boundsBehavior: Flickable.StopAtBounds
+                interactive: contentHeight > height
+                clip: interactive
 
-                Accessible.role: Accessible.StaticText
-                Accessible.focusable: false
-                Accessible.name: text
+                Text {
+                    id: words
+
+                    width: parent.width
+                    text: modal.text
+                    font: Theme.body
+                    color: Theme.colorOnSurface
+                    textFormat: Text.PlainText
+                    wrapMode: Text.Wrap
+                    lineHeight: 1.2
+
+                    Accessible.role: Accessible.StaticText
+                    Accessible.focusable: false
+                    Accessible.name: text
+                }
             }
 
             KorvaneButton {
+                id: button
+
                 width: parent.width
                 control: modal.control
                 focus: true

@@ -40,7 +40,7 @@ Item {
         font: Theme.caption
         color: Theme.errorText
         textFormat: Text.PlainText
-        wrapMode: Text.WordWrap
+        wrapMode: Text.Wrap
         lineHeight: 1.2
 
         Accessible.ignored: true

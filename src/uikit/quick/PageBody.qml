@@ -25,7 +25,7 @@ Column {
             color: Theme.colorOnBackground
             horizontalAlignment: paragraphs.horizontalAlignment
             textFormat: Text.PlainText
-            wrapMode: Text.WordWrap
+            wrapMode: Text.Wrap
             lineHeight: 1.2
 
             Accessible.role: Accessible.StaticText

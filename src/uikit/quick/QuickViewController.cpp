@@ -18,6 +18,7 @@ class JourneyWindow : public QQuickView {
     void dispose() {
         if (auto* const journey = findChild<JourneyModel*>()) journey->stop();
         hide();
+        disposed_ = true;  // an app that ends closes hidden windows too, but this journey is over already
         // Without a loop there is no later: the app is about to end.
         if (eventsUnderWay_ == 0 && QThread::currentThread()->loopLevel() == 0) {
             delete this;
@@ -33,7 +34,7 @@ class JourneyWindow : public QQuickView {
             return QQuickView::event(event);  // this is gone afterwards
         ++eventsUnderWay_;
         const bool done = QQuickView::event(event);
-        if (event->type() == QEvent::Close && event->isAccepted()) {
+        if (event->type() == QEvent::Close && event->isAccepted() && !disposed_) {
             NotificationCenter::defaultCenter().post(NotificationCloseUI, {{"result", "CANCELED"}});
         }
         --eventsUnderWay_;
@@ -42,6 +43,7 @@ class JourneyWindow : public QQuickView {
 
   private:
     int eventsUnderWay_ = 0;
+    bool disposed_ = false;
 };
 
 class QuickViewController final : public ViewController {

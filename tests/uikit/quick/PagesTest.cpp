@@ -51,6 +51,8 @@ class PagesTest : public QuickFixture {
             "import Korvane\n"
             "ScreenPage { current: true; move: JourneyModel.None; progress: 1 }",
             {{"screen", QVariant::fromValue(&model)}}, size);
+        theme().setTextScale(textScale);
+        settle();
         QStringList found;
         hidden = 0;
         for (QQuickItem* const item : visibleItems(page)) {
@@ -67,6 +69,7 @@ class PagesTest : public QuickFixture {
     }
 
     double hidden = 0;
+    double textScale = 1;
 
   private:
     static void faultsOf(QQuickItem& item, QSize size, QStringList& found) {
@@ -104,6 +107,14 @@ TEST_F(PagesTest, EveryPageIsWholeAtEverySizeInEveryLanguageAndNeedsNoScrollingO
                     EXPECT_LE(hidden, 0) << page.view << " in " << language;
                 }
             }
+        }
+    }
+    // Twice the size of text (WCAG 2.2, 1.4.4) may need scrolling, but nothing is lost.
+    textScale = 2;
+    for (const QSize size : {small, QSize{844, 390}}) {
+        for (const ScreenSnapshot& page : pages) {
+            EXPECT_EQ(faults(page, size), QStringList())
+                << page.view << " twice as large at " << size.width() << "x" << size.height();
         }
     }
 }
