@@ -1,0 +1,229 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The journeys from the first page to the last by keyboard alone and by accessible actions alone, over the real AT-SPI
+bus; and that no digit of a PIN comes over that bus.
+
+usage: access_test.py [CASE …], with KORVANE_BIN naming the folder of the programs
+"""
+
+import os
+import pathlib
+import subprocess
+import sys
+import time
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+sys.path += [str(HERE), str(HERE.parent / "apps")]
+import screen_reader  # noqa: E402
+
+PIN = "9587"  # digits that no text and no progress of these screens has
+INFO = "Your PIN is four digits long.*"
+
+
+class Spy:
+    """Everything that goes over the AT-SPI bus from now on."""
+
+    def __init__(self, atspi_bus):
+        self.process = subprocess.Popen(["dbus-monitor", "--address", atspi_bus], stdout=subprocess.PIPE, text=True)
+        self.process.stdout.readline()
+
+    def heard(self):
+        """The texts and the keys in what was said."""
+        time.sleep(0.5)  # until it is written
+        self.process.terminate()
+        lines = [line.strip() for line in self.process.communicate()[0].splitlines()]
+        texts = [line.split('"', 1)[1].rstrip('"') for line in lines if line.startswith(("string ", "variant       string"))]
+        keys = [line for before, line in zip(lines, lines[1:]) if before.startswith("struct {") and line.startswith("uint32")]
+        return [text for text in texts if not text.startswith((":", "/org", "org."))], keys, lines
+
+
+def leaks(digits, texts):
+    return [text for text in texts if any(digit in text for digit in digits)]
+
+
+class Access(unittest.TestCase):
+    def setUp(self):
+        import driver
+        self.box = driver.Sandbox()
+        self.addCleanup(self.box.stop)
+
+    def open(self, journey, card):
+        told = self.box.told
+        self.window = screen_reader.Window("--journey", journey, "--card", card, "--service", self.box.url, "--key",
+                                           told["key"], "--iv-url", told["ivUrl"], "--ca", self.box.ca)
+        self.addCleanup(self.window.stop)
+        return self.window
+
+    def page(self, title):
+        """A new page: its title has the focus, and all that can be used has a role, a name and a state."""
+        self.window.focused("heading", title)
+        for node in self.window.nodes():
+            if "showing" in self.window.states(node) and node.get_role_name() in ("push button", "check box", "text"):
+                self.assertTrue(node.get_name(), f"{node.get_role_name()} without a name on '{title}'")
+                size = node.get_size()
+                self.assertGreaterEqual(min(size.x, size.y), 44, node.get_name())
+
+    def said(self, words):
+        """Announced: a notification with these words began to show."""
+        def heard():
+            return [e for e in self.window.events if e[0] == "object:state-changed:showing" and e[1:3] == ("notification", words)]
+        self.window.wait(heard, f"the announcement '{words}'")
+
+    def closes(self, result):
+        self.window.wait(lambda: self.window.closed, "the end of the journey")
+        self.assertEqual(self.window.closed, [result])
+
+    # Two ways to do the same: keys, and accessible actions.
+
+    def tab_to(self, name, role="push button"):
+        for _ in range(12):
+            node = self.window.focus()
+            if node and (node.get_role_name(), node.get_name()) == (role, name):
+                return
+            self.window.key("Tab")
+        self.fail(f"Tab does not reach '{name}'\n{self.window.describe()}")
+
+    def use_by_key(self, name, role="push button"):
+        self.window.usable(role, name)
+        self.tab_to(name, role)
+        self.window.key("space")
+
+    def type_in(self, digits, field):
+        self.window.see("text", field + ", 0 of . digits entered")
+        self.window.key(*digits)
+
+    def use_by_action(self, name, role="push button"):
+        self.window.press(role, name)
+
+    def dictate(self, digits, field):
+        self.window.dictate(field + ", 0 of . digits entered", digits)
+
+    def verify_by_sms(self, use, enter):
+        self.page("Let’s make sure it’s you")
+        use("Send code")
+        self.page("Enter your code")
+        enter(self.box.code(), "Code from the text message")
+
+    def choose_pin(self, use, enter):
+        self.page("Choose your PIN")
+        enter(PIN, "New PIN")
+        use("Continue")
+        self.page("Enter your PIN again")
+        enter(PIN, "New PIN, again")
+        use("Set PIN")
+
+    def set_pin(self, use, enter):
+        self.open("set-pin", "card-physical-active")
+        self.verify_by_sms(use, enter)
+        self.choose_pin(use, enter)
+        self.page("Your PIN is set")
+        use("Done")
+        self.closes("SUCCESS")
+        self.assertEqual(self.box.card("card-physical-active")["pin"], PIN)
+
+    def activate(self, use, enter):
+        card = self.box.card("card-physical-new")
+        self.open("activate", "card-physical-new")
+        self.verify_by_sms(use, enter)
+        self.page("Your card is here")
+        use("Activate card")
+        self.page("Last four digits of your card number")
+        enter(card["pan"][-4:], "Last four digits of the card number")
+        use("Continue")
+        self.page("Security code")
+        enter(card["cvv"][:3], "Security code")
+        use("Continue")
+        self.choose_pin(use, enter)
+        self.page("Your card is ready")
+        use("Done")
+        self.closes("SUCCESS")
+        self.assertEqual(self.box.card("card-physical-new")["status"], "A1")
+
+    def view_card(self, use, enter):
+        self.open("card", "card-physical-active")
+        self.verify_by_sms(use, enter)
+        self.window.usable("check box", "Freeze my card")
+        use("Freeze my card", "check box")
+        self.window.focused("push button", "Cancel")
+        use("Freeze card")
+        self.window.wait(lambda: "checked" in self.window.states(self.window.find("check box", "Freeze my card")), "the freeze")
+        use("Close")
+        self.closes("SUCCESS")
+        self.assertEqual(self.box.card("card-physical-active")["status"], "BT")
+
+    def test_set_pin_by_keyboard(self):
+        self.set_pin(self.use_by_key, self.type_in)
+
+    def test_set_pin_by_actions(self):
+        self.set_pin(self.use_by_action, self.dictate)
+
+    def test_activate_by_keyboard(self):
+        self.activate(self.use_by_key, self.type_in)
+
+    def test_activate_by_actions(self):
+        self.activate(self.use_by_action, self.dictate)
+
+    def test_view_card_by_keyboard(self):
+        self.view_card(self.use_by_key, self.type_in)
+
+    def test_view_card_by_actions(self):
+        self.view_card(self.use_by_action, self.dictate)
+
+    # What is told on the way, and what is not.
+
+    def spy(self):
+        Atspi, _ = screen_reader.atspi()
+        address = subprocess.run(["gdbus", "call", "--session", "--dest", "org.a11y.Bus", "--object-path", "/org/a11y/bus",
+                                  "--method", "org.a11y.Bus.GetAddress"], capture_output=True, text=True, check=True)
+        return Spy(address.stdout.split("'")[1])
+
+    def paste(self, text):
+        subprocess.run(["xclip", "-selection", "clipboard"], input=text, text=True, check=True)
+        self.window.key("ctrl+v")
+
+    def test_no_digit_is_told(self):
+        window = self.open("set-pin", "card-physical-active")
+        self.verify_by_sms(self.use_by_key, self.type_in)
+        self.page("Choose your PIN")
+
+        self.use_by_key("Use four digits")
+        window.focused("push button", "Got it")
+        window.key("Tab")
+        window.focused("push button", "Got it")  # keys stay in the sheet
+        window.key("Escape")
+        window.focused("push button", "Use four digits")
+
+        spy = self.spy()
+        window.key("Tab")
+        window.key(*PIN[:2], "a", "BackSpace", PIN[1])
+        window.see("text", "New PIN, 2 of 4 digits entered")
+        self.paste(f"{PIN[:2]}-{PIN[2:]}")
+        window.see("text", "New PIN, 4 of 4 digits entered")
+        window.key("Return")
+        self.page("Enter your PIN again")
+        window.key(*PIN[:3], "6", "Return")
+        self.said("The PINs don’t match. Enter your new PIN again.")
+        window.focused("text", "New PIN, again, 0 of 4 digits entered")
+        names = [node.get_name() + (node.get_description() or "") for node in window.nodes()]
+        names += [text.get_text(0, -1) for text in filter(None, (node.get_text_iface() for node in window.nodes()))]
+        texts, keys, _ = spy.heard()
+        self.assertEqual(leaks(PIN, names + texts), [])
+        self.assertGreater(len(texts), 20, "the spy heard what was said")
+
+    def test_a_plain_password_field_tells_its_digits(self):
+        window = self.window = screen_reader.Window("--field", str(HERE / "PasswordField.qml"))
+        self.addCleanup(window.stop)
+        window.focused("password text|text", "PIN")
+        spy = self.spy()
+        window.key(*PIN)
+        window.turn(0.5)
+        names = [text.get_text(0, -1) for text in filter(None, (node.get_text_iface() for node in window.nodes()))]
+        texts, _, _ = spy.heard()
+        self.assertNotEqual(leaks(PIN, names), [], "the tree")
+        self.assertNotEqual(leaks(PIN, texts), [], "the bus")
+
+
+if __name__ == "__main__":
+    screen_reader.start_desktop()
+    os.environ.setdefault("KORVANE_BIN", "build/dev/bin")
+    unittest.main(argv=[sys.argv[0], *(f"Access.test_{case}" for case in sys.argv[1:])], verbosity=2, warnings="ignore")
