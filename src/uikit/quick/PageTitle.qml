@@ -11,7 +11,7 @@ Text {
     font: compact ? Theme.titleCompact : Theme.title
     color: Theme.colorOnBackground
     textFormat: Text.PlainText
-    wrapMode: Text.WordWrap
+    wrapMode: Text.Wrap
     lineHeight: 1.1
 
     Accessible.role: Accessible.Heading
