@@ -10,6 +10,7 @@ Text {
 
     font: compact ? Theme.titleCompact : Theme.title
     color: Theme.colorOnBackground
+    horizontalAlignment: Text.AlignLeft // where lines begin, whatever script the words are in
     textFormat: Text.PlainText
     wrapMode: Text.Wrap
     lineHeight: 1.1

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 #include <korvane/Language.h>
+#include <korvane/platform/Ports.h>
 
 #include <QLocale>
 #include <algorithm>
 
 #include "tests/uikit/quick/QuickFixture.h"
+#include "uikit/quick/BiometricSheetModel.h"
 #include "uikit/quick/ComponentTexts.h"
 
 namespace korvane {
@@ -110,6 +112,12 @@ TEST_F(LanguagesTest, MessagesToastsAndDisclosuresFollow) {
     EXPECT_EQ(screen()->card()->name(), "Tarjeta física");
     EXPECT_EQ(screen()->disclosure(), "hello") << "it came before the switch";
     delete first;
+
+    BiometricSheetModel sheet(ports().stringTable->text("enrollment.enableFaceID.reason"), [] {});
+    ASSERT_TRUE(setLanguage("de"));
+    EXPECT_EQ(sheet.reason().left(17), "Bestätigen Sie, d");
+    EXPECT_EQ(sheet.cancel()->label(), "Abbrechen");
+    ASSERT_TRUE(setLanguage("es"));
     show("import Korvane\nGetCardImage { cardId: \"card-1\" }", {});
     EXPECT_EQ(screen()->disclosure(), "hola");
 }
