@@ -40,8 +40,9 @@ FocusScope {
 
     Connections {
         function onTold() {
-            announcement.visible = false;
-            announcement.visible = true;
+            announcement.text = ""; // the same words may be worth saying again
+            announcement.text = root.sheet.message;
+            scroll.contentY = Math.max(0, scroll.contentHeight - scroll.height);
             if (!Theme.reducedMotion)
                 shaking.restart();
         }
@@ -71,123 +72,137 @@ FocusScope {
             return Math.round(root.wide ? (parent.height - height) / 2 + 24 * (1 - root.shown) : parent.height - (height + 8) * root.shown);
         }
         width: root.wide ? 400 : parent.width - (root.alone ? 0 : 16)
-        height: root.alone ? parent.height : column.height
+        height: root.alone ? parent.height : Math.min(parent.height - 16, column.height + out.height + out.anchors.bottomMargin)
         opacity: root.wide ? root.shown : 1
         radius: root.alone ? 0 : 12
         color: Theme.surface
 
-        Column {
-            id: column
+        // Where the person's text size leaves too little room, the words scroll and the way out stays.
+        Flickable {
+            id: scroll
 
+            anchors.top: parent.top
+            anchors.bottom: out.top
+            width: parent.width
+            contentHeight: column.height
+            boundsBehavior: Flickable.StopAtBounds
+            interactive: contentHeight > height
+            clip: interactive
+
+            Column {
+                id: column
+
+                x: (scroll.width - width) / 2
+                width: root.columnWidth
+                topPadding: root.low ? 16 : 32
+                bottomPadding: root.low ? 8 : 16
+                spacing: root.low ? 8 : 16
+
+                Artwork {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    width: root.low ? 48 : 96
+                    height: width
+                    name: "fingerprint"
+
+                    SequentialAnimation on anchors.horizontalCenterOffset {
+                        id: shaking
+
+                        running: false
+                        loops: 2
+
+                        NumberAnimation {
+                            to: 8
+                            duration: 50
+                        }
+
+                        NumberAnimation {
+                            to: -8
+                            duration: 100
+                        }
+
+                        NumberAnimation {
+                            to: 0
+                            duration: 50
+                        }
+                    }
+                }
+
+                Text {
+                    width: parent.width
+                    text: root.sheet.reason
+                    font: Theme.button
+                    color: Theme.colorOnSurface
+                    horizontalAlignment: Text.AlignHCenter
+                    textFormat: Text.PlainText
+                    wrapMode: Text.WordWrap
+                    lineHeight: 1.2
+
+                    Accessible.ignored: true
+                }
+
+                Item {
+                    width: parent.width
+                    // Room for two lines, so that nothing moves under a finger when the message changes.
+                    height: Math.max(root.low ? 0 : 44, words.implicitHeight)
+
+                    Row {
+                        anchors.horizontalCenter: parent.horizontalCenter
+                        layoutDirection: Theme.mirrored ? Qt.RightToLeft : Qt.LeftToRight
+                        spacing: 8
+
+                        Artwork {
+                            width: 20
+                            height: 20
+                            visible: root.sheet.trouble
+                            name: "exclamationmark.circle"
+                            color: Theme.errorText
+                        }
+
+                        Text {
+                            id: words
+
+                            objectName: "biometricMessage"
+                            width: Math.min(implicitWidth, root.columnWidth - (root.sheet.trouble ? 28 : 0))
+                            text: root.sheet.message
+                            font: Theme.body
+                            color: Theme.colorOnSurface
+                            horizontalAlignment: {
+                                if (!root.sheet.trouble)
+                                    return Text.AlignHCenter;
+                                return Theme.mirrored ? Text.AlignRight : Text.AlignLeft;
+                            }
+                            textFormat: Text.PlainText
+                            wrapMode: Text.WordWrap
+                            lineHeight: 1.2
+
+                            Accessible.ignored: true
+                        }
+                    }
+
+                    Announcement {
+                        id: announcement
+
+                        anchors.fill: parent
+
+                        Accessible.role: Accessible.Notification
+                    }
+                }
+            }
+        }
+
+        KorvaneButton {
+            id: out
+
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: root.low ? 8 : 16
             anchors.horizontalCenter: parent.horizontalCenter
             width: root.columnWidth
-            topPadding: root.low ? 16 : 32
-            bottomPadding: root.low ? 8 : 16
-            spacing: root.low ? 8 : 16
+            control: root.sheet.cancel
+            focus: true
 
-            Artwork {
-                anchors.horizontalCenter: parent.horizontalCenter
-                anchors.horizontalCenterOffset: 0
-                width: root.low ? 48 : 96
-                height: width
-                name: "fingerprint"
-
-                SequentialAnimation on anchors.horizontalCenterOffset {
-                    id: shaking
-
-                    running: false
-                    loops: 2
-
-                    NumberAnimation {
-                        to: 8
-                        duration: 50
-                    }
-
-                    NumberAnimation {
-                        to: -8
-                        duration: 100
-                    }
-
-                    NumberAnimation {
-                        to: 0
-                        duration: 50
-                    }
-                }
-            }
-
-            Text {
-                width: parent.width
-                text: root.sheet.reason
-                font: Theme.button
-                color: Theme.colorOnSurface
-                horizontalAlignment: Text.AlignHCenter
-                textFormat: Text.PlainText
-                wrapMode: Text.WordWrap
-                lineHeight: 1.2
-
-                Accessible.ignored: true
-            }
-
-            Item {
-                width: parent.width
-                // Room for two lines, so that nothing moves under a finger when the message changes.
-                height: Math.max(root.low ? 0 : 44, words.implicitHeight)
-
-                Row {
-                    anchors.horizontalCenter: parent.horizontalCenter
-                    layoutDirection: Theme.mirrored ? Qt.RightToLeft : Qt.LeftToRight
-                    spacing: 8
-
-                    Artwork {
-                        width: 20
-                        height: 20
-                        visible: root.sheet.trouble
-                        name: "exclamationmark.circle"
-                        color: Theme.errorText
-                    }
-
-                    Text {
-                        id: words
-
-                        objectName: "biometricMessage"
-                        width: Math.min(implicitWidth, root.columnWidth - (root.sheet.trouble ? 28 : 0))
-                        text: root.sheet.message
-                        font: Theme.body
-                        color: Theme.colorOnSurface
-                        horizontalAlignment: {
-                            if (!root.sheet.trouble)
-                                return Text.AlignHCenter;
-                            return Theme.mirrored ? Text.AlignRight : Text.AlignLeft;
-                        }
-                        textFormat: Text.PlainText
-                        wrapMode: Text.WordWrap
-                        lineHeight: 1.2
-
-                        Accessible.ignored: true
-                    }
-                }
-
-                // An alert is spoken when it comes up, so it comes up anew with each message.
-                Item {
-                    id: announcement
-
-                    anchors.fill: parent
-                    visible: false
-
-                    Accessible.role: Accessible.AlertMessage
-                    Accessible.name: root.sheet.message
-                }
-            }
-
-            KorvaneButton {
-                width: parent.width
-                control: root.sheet.cancel
-                focus: true
-
-                // There is nowhere else to go.
-                Keys.onTabPressed: event => event.accepted = true
-                Keys.onBacktabPressed: event => event.accepted = true
-            }
+            // There is nowhere else to go.
+            Keys.onTabPressed: event => event.accepted = true
+            Keys.onBacktabPressed: event => event.accepted = true
         }
     }
 }
