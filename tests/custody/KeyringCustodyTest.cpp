@@ -95,13 +95,5 @@ TEST_F(KeyringCustody, AKeyringThatHangsBetweenTheWritesDoesNotHangTheJourney) {
     expectKept("newer token", "300.0");
 }
 
-TEST_F(KeyringCustody, NoKeyringAtAllIsALineForEachItem) {
-    EXPECT_FALSE(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain());
-    EXPECT_FALSE(AuthenticateBiometric::loadBiometricsTimeout());
-    EXPECT_THAT(console->lines, ElementsAre("Error KeychainCommunicator.set pci token",
-                                            "Error KeychainCommunicator.set pci token Bio Timeout",
-                                            "KeychainCommunicator.get pci token Bio Timeout failed"));
-}
-
 }  // namespace
 }  // namespace korvane
