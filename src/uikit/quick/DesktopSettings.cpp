@@ -42,8 +42,7 @@ void DesktopSettings::watchPortal() {
     qDBusRegisterMetaType<QMap<QString, QVariantMap>>();
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
-    bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
-                SLOT(take(QString, QString, QDBusVariant)));
+    bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this, SLOT(take(QDBusMessage)));
 
     QDBusMessage ask = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     ask << groups;
@@ -57,9 +56,10 @@ void DesktopSettings::watchPortal() {
     });
 }
 
-void DesktopSettings::take(const QString& group, const QString& key, const QDBusVariant& value) {
-    if (!groups.contains(group)) return;
-    values_.insert(key, value.variant());
+void DesktopSettings::take(const QDBusMessage& signal) {
+    const QList<QVariant> arguments = signal.arguments();
+    if (arguments.size() != 3 || !groups.contains(arguments[0].toString())) return;
+    values_.insert(arguments[1].toString(), arguments[2].value<QDBusVariant>().variant());
     emit changed();
 }
 

@@ -3,8 +3,7 @@
 
 #include <QObject>
 #include <QVariantMap>
-
-class QDBusVariant;
+#include <QtDBus/QDBusMessage>
 
 namespace korvane {
 
@@ -28,7 +27,7 @@ class DesktopSettings : public QObject {
     void changed();
 
   private slots:
-    void take(const QString& group, const QString& key, const QDBusVariant& value);
+    void take(const QDBusMessage& signal);
 
   private:
     void watchPortal();
