@@ -71,7 +71,7 @@ constexpr Item timeout{
 bool save(const Item& item) {
     const std::string& value = SdkConfig::sharedInstance().*item.field;
     if (!isUtf8(value)) {
-        log(item.notUtf8);
+        log(inClear(item.notUtf8));
         return false;
     }
     try {
@@ -81,10 +81,10 @@ bool save(const Item& item) {
             KeychainCommunicator::add(value, item.account);
         }
     } catch (const KeychainCommunicator::keychainError&) {
-        log(item.saveFailed);
+        log(inClear(item.saveFailed));
         return false;
     }
-    log(item.saved);
+    log(inClear(item.saved));
     return true;
 }
 
@@ -93,23 +93,23 @@ bool load(const Item& item) {
     try {
         value = KeychainCommunicator::get(item.account);
     } catch (const KeychainCommunicator::keychainError&) {
-        log(item.getFailed);
+        log(inClear(item.getFailed));
         return false;
     }
     if (!value) {
-        log(item.nothing);
+        log(inClear(item.nothing));
         return false;
     }
     if (!isUtf8(*value)) {
-        log(item.notText);
+        log(inClear(item.notText));
         return false;
     }
     // The value is printed in clear (deliberate).
-    log({item.found, *value});
-    log(item.setting);
+    log({inClear(item.found), *value});
+    log(inClear(item.setting));
     std::string& field = SdkConfig::sharedInstance().*item.field;
     field = std::move(*value);
-    log({item.now, field});
+    log({inClear(item.now), field});
     return true;
 }
 
@@ -117,10 +117,10 @@ bool erase(const Item& item) {
     try {
         KeychainCommunicator::remove(item.account);
     } catch (const KeychainCommunicator::keychainError&) {
-        log(item.deleteFailed);
+        log(inClear(item.deleteFailed));
         return false;
     }
-    log(item.deleted);
+    log(inClear(item.deleted));
     return true;
 }
 

@@ -24,7 +24,7 @@ void AppearStruct::doAppear() {
     if (didCallAPI) return;
     didCallAPI = true;
     showSpinner = true;
-    log({"Top of doAppear()  -- ", journey_.name});
+    log({"Top of doAppear()  -- ", inClear(journey_.name)});
     if (!startGate()) doAppearGuts();
 }
 
@@ -90,7 +90,7 @@ void AppearStruct::handleCardImageError(const KorvaneRetStruct& result) {
 
 void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
     if (isServerErrorOnEmptyToken(result, SdkConfig::sharedInstance().currentPciToken)) {
-        log({"doAppearGuts - ", journey_.name,
+        log({"doAppearGuts - ", inClear(journey_.name),
              " - Unexpected 500 server error on empty PCI Token - expecting 400 with Invalid Token error"});
         log("Forcing SMSExplainView");
         verifyBySMS(result.errorMsg);
@@ -114,7 +114,7 @@ void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
 }
 
 void AppearStruct::verifyBySMS(std::string_view reason) {
-    log(reason);
+    log(inClear(reason));
     SdkConfig::sharedInstance().viewToShowAfterSMSVerify = journey_.host;
     finish(view::SMSExplainView);
 }
@@ -128,7 +128,7 @@ void AppearStruct::renewIv(std::string_view reason) {
             self->fail();
             return;
         }
-        log({reason, ": Got new iv -- re-calling doAppearGuts -- ", self->journey_.name});
+        log({inClear(reason), ": Got new iv -- re-calling doAppearGuts -- ", inClear(self->journey_.name)});
         self->doAppearGuts();
     });
 }
@@ -142,7 +142,7 @@ void AppearStruct::fail() {
 void AppearStruct::finish(std::string_view viewName) {
     viewToShow = viewName;
     showSpinner = false;
-    log({"viewToShow: ", viewToShow});
+    log({"viewToShow: ", inClear(viewToShow)});
     const auto self = shared_from_this();  // the host may start anew and let go of this one
     decided_();
 }

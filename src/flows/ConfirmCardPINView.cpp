@@ -79,7 +79,7 @@ void ConfirmCardPINView::answered(const KorvaneRetStruct& result) {
     const FailureRoute route = routeOf(result);
     switch (route.road) {
         case FailureRoute::Road::verifyBySMS:
-            log(route.matched);
+            log(inClear(route.matched));
             config.viewToShowAfterSMSVerify = view::ConfirmCardPINView;
             autoNavTo(view::SMSExplainView);
             break;
@@ -109,7 +109,7 @@ void ConfirmCardPINView::renewIvAndSubmit() {
 void ConfirmCardPINView::autoNavTo(std::string_view viewName) {
     showSpinner_ = false;
     autoNavToView_ = viewName;
-    log({"autoNavToView: ", autoNavToView_});
+    log({"autoNavToView: ", inClear(autoNavToView_)});
     doAutoNav_ = true;
     stack().push(makeAutoNavMultiView(sharedStack(), viewName));
 }

@@ -51,7 +51,7 @@ void FreezeSwitch::answered(const KorvaneRetStruct& result) {
     }
     switch (const FailureRoute route = routeOf(result); route.road) {
         case FailureRoute::Road::verifyBySMS:
-            log(route.matched);
+            log(inClear(route.matched));
             end(Outcome::verifyBySMS);
             break;
         case FailureRoute::Road::ivExpired:
@@ -74,7 +74,7 @@ void FreezeSwitch::renewIv() {
             return;
         }
         log({"Success getting new iV - re-calling reEntrantSetCardStatus",
-             self->isCardFrozen_ ? "UnFreezeGuts" : "FreezeGuts"});
+             inClear(self->isCardFrozen_ ? "UnFreezeGuts" : "FreezeGuts")});
         self->reEntrantSetCardStatus();
     });
 }

@@ -91,10 +91,11 @@ void JourneyHost::onAppear() {
 
 void JourneyHost::logAppearance(std::string_view name) const {
     const bool isNoNav = name == kind_.noNavName;
-    log({".onAppear in ", isNoNav ? kind_.consoleName : name});
+    log({".onAppear in ", inClear(isNoNav ? kind_.consoleName : name)});
     if (!isNoNav || !kind_.printsCardIds) return;
-    log({name, " - onAppear - SdkConfig.sharedInstance.cardId = ", SdkConfig::sharedInstance().cardId});
-    log({name, " - onAppear - self.cardID = ", cardID_});
+    log({inClear(name),
+         " - onAppear - SdkConfig.sharedInstance.cardId = ", SdkConfig::sharedInstance().cardId});
+    log({inClear(name), " - onAppear - self.cardID = ", cardID_});
 }
 
 void JourneyHost::show(std::string_view viewName) {

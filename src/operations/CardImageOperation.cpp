@@ -12,9 +12,9 @@ namespace {
 std::string decipherAndLog(const WireText& enciphered, std::string_view name,
                            const std::vector<std::uint8_t>& iv) {
     if (!enciphered) return {};
-    log({"theEnc", name, ": ", *enciphered});
+    log({"theEnc", inClear(name), ": ", *enciphered});
     std::string plain = decryptField(iv, *enciphered);
-    log({"dec", name, ": ", plain});
+    log({"dec", inClear(name), ": ", plain});
     return plain;
 }
 
@@ -34,7 +34,7 @@ std::optional<std::string> storeCardDetails(const RestGetCardImage& reply,
     } else {
         config.decodedDisclosuresStruct.reset();
         report = "disclosure decode failed";
-        log(*report);
+        log(inClear(*report));
     }
     store(&SdkConfig::decPan, reply.encryptedPan, "Pan");
     // Fixed, so that a mask tells nothing of what it hides, not even its length (deliberate).

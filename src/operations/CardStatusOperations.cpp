@@ -21,7 +21,7 @@ std::optional<std::string> storeCardStatus(const RestGetCardStatus& reply,
     log({"decCardType: ", text});
     if (const auto type = cardTypeFromText(text)) {
         config.currentCardType = *type;
-        log({"SdkConfig.sharedInstance.currentCardType = ", cardTypeCaseName(*type)});
+        log({"SdkConfig.sharedInstance.currentCardType = ", inClear(cardTypeCaseName(*type))});
     } else {
         // The line says physical, yet the type stays what it was (deliberate).
         log("Unknown encoded card type, defaulting to .physical");

@@ -20,7 +20,7 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
         : does_(description), arguments_(std::move(arguments)), completion_(std::move(completion)) {}
 
     void start() {
-        log({"inside (middlelayer) ", does_.name, "( ... )"});
+        log({"inside (middlelayer) ", inClear(does_.name), "( ... )"});
         if (ivAtHand()) {
             send();
             return;
@@ -30,7 +30,7 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
                                               const auto& ivBytes) {
             if (self->isOver()) return;
             if (!result || !ivId || !ivBytes) return self->finish(ivFailure(std::move(result)));
-            log({"got iv.. now recalling the method... ", self->does_.name, "..."});
+            log({"got iv.. now recalling the method... ", inClear(self->does_.name), "..."});
             self->start();
         });
     }
@@ -52,17 +52,17 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
         const SdkConfig& config = SdkConfig::sharedInstance();
         iv_ = config.ivByteArray;
         log("have iv (now?)... use it:");
-        log(does_.onTrack);
+        log(inClear(does_.onTrack));
         if (does_.printsSeparator) log("==================");
         if (does_.printsValues) {
             log({"offsetId = ", config.ivIdStr});
-            for (const SentValue& value : does_.values) log({value.label, plain(value)});
+            for (const SentValue& value : does_.values) log({inClear(value.label), plain(value)});
         }
         if (does_.beforeSending) does_.beforeSending();
 
         Sent sent{config.ivIdStr, {}};
         for (const SentValue& value : does_.values) sent.values.push_back(encryptField(iv_, plain(value)));
-        log({"Calling api.", does_.endpoint, "..."});
+        log({"Calling api.", inClear(does_.endpoint), "..."});
         API api;
         call_ = does_.send(
             api, sent,
@@ -81,13 +81,13 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
 
     void failed(const CallError& error) {
         if (does_.errLine.empty()) {
-            log({does_.name, "() (middle layer) err != nil"});
+            log({inClear(does_.name), "() (middle layer) err != nil"});
         } else {
-            log(does_.errLine);
+            log(inClear(does_.errLine));
         }
         const auto* request = std::get_if<RequestError>(&error);
         if (request && request->code == cancelledCode && !does_.cancelledMsg.empty()) {
-            log(does_.cancelledLine);
+            log(inClear(does_.cancelledLine));
             return finish(failure(does_.cancelledMsg));
         }
         const auto payload = payloadOf(error, iv_);
@@ -105,9 +105,9 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
     }
 
     void answered(std::optional<Reply> reply) {
-        if (!does_.replyLine.empty()) log(does_.replyLine);
+        if (!does_.replyLine.empty()) log(inClear(does_.replyLine));
         if (!reply) {
-            log({"api.", does_.endpoint, " - resp is nil"});
+            log({"api.", inClear(does_.endpoint), " - resp is nil"});
             return close(failure(does_.noReplyMsg));
         }
         if (!does_.judgesResult) return close(outcomeOf(*reply));
@@ -130,11 +130,11 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
     }
 
     void refreshIv(std::string_view reason) {
-        log({"Got error = ", reason, ".. calling api.refreshIV..."});
+        log({"Got error = ", inClear(reason), ".. calling api.refreshIV..."});
         requestIv([self = shared_from_this()](const auto&...) {
             if (self->isOver()) return;
             // Whatever came of it (deliberate): without a usable IV the next run asks again and fails there.
-            log({"refreshed the IV... now recalling ", self->does_.name});
+            log({"refreshed the IV... now recalling ", inClear(self->does_.name)});
             self->start();
         });
     }
@@ -148,9 +148,9 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
 
     void close(KorvaneRetStruct record) {
         takeLastJsonResponse(record);
-        log({"KorvaneRetStruct(error: ", record.error ? "true" : "false", ", errorMsg: \"", record.errorMsg,
-             "\", errorMsgEnc: \"", record.errorMsgEnc, "\", errorMsgDec: \"", record.errorMsgDec,
-             "\", jsonResponseStr: \"", record.jsonResponseStr, "\")"});
+        log({"KorvaneRetStruct(error: ", inClear(record.error ? "true" : "false"), ", errorMsg: \"",
+             record.errorMsg, "\", errorMsgEnc: \"", record.errorMsgEnc, "\", errorMsgDec: \"",
+             record.errorMsgDec, "\", jsonResponseStr: \"", record.jsonResponseStr, "\")"});
         finish(std::move(record));
     }
 

@@ -60,7 +60,7 @@ std::optional<std::string> storePciToken(const RestPciTokenSubmission& reply,
 void settleUseBiometric() {
     SdkConfig& config = SdkConfig::sharedInstance();
     config.useBiometric = config.useBiometrics ? "true" : "false";
-    log({"SdkConfig useBiometrics set to ", config.useBiometric, " from sdk initialize"});
+    log({"SdkConfig useBiometrics set to ", inClear(config.useBiometric), " from sdk initialize"});
 }
 
 }  // namespace

@@ -5,22 +5,27 @@
 
 #include "base/Secret.h"
 
-#include <string>
-
 namespace korvane {
+namespace {
 
-void log(std::initializer_list<std::string_view> pieces) {
-    std::string text;
-    std::size_t size = 0;
-    for (const std::string_view piece : pieces) size += piece.size();
-    text.reserve(size);
-    for (const std::string_view piece : pieces) text += piece;
-    log(text);
-    wipe(text);  // some lines print secrets (deliberate); this copy of them need not stay
+constexpr std::string_view mask = "•••";
+
+std::string_view told(const LogPiece& piece, bool whole) {
+    const bool masked = piece.isSecret() && !whole && !piece.text().empty();
+    return masked ? mask : piece.text();
 }
 
-void log(std::string_view text) {
-    ports().console->line(text);
+}  // namespace
+
+void log(std::initializer_list<LogPiece> pieces) {
+    Console& console = *ports().console;
+    const bool whole = console.takesSecrets();
+    Wiped<std::string> line;  // some lines print secrets (deliberate); this copy of them need not stay
+    std::size_t size = 0;
+    for (const LogPiece& piece : pieces) size += told(piece, whole).size();
+    line->reserve(size);
+    for (const LogPiece& piece : pieces) line->append(told(piece, whole));
+    console.line(*line);
 }
 
 }  // namespace korvane

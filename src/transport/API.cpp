@@ -20,7 +20,8 @@ void logSending(EndpointId id, const TextMap& body) {
     if (endpoint(id).printsBody) {
         const auto json = encodeTexts(body);
         const auto* text = std::get_if<std::string>(&json);
-        log({endpoint(id).method, " request dictionary: ", text ? *text : ""});
+        log({inClear(endpoint(id).method),
+             " request dictionary: ", text ? std::string_view(*text) : std::string_view{}});
     }
     if (id == EndpointId::getCardStatus) {
         // The tokens are printed in clear (deliberate).

@@ -36,7 +36,7 @@ class AuthenticatedCall final : public Cancellable, public std::enable_shared_fr
 
   private:
     void renew() {
-        log({endpoint_.method, endpoint_.reAuthDash,
+        log({inClear(endpoint_.method), inClear(endpoint_.reAuthDash),
              "now inside the reAuthClosure... calling refreshBearerToken..."});
         renewing_ = true;
         waitingFor_.reset();
@@ -48,11 +48,11 @@ class AuthenticatedCall final : public Cancellable, public std::enable_shared_fr
 
     void renewed(std::optional<KorvaneRetStruct> failure) {
         if (failure) {
-            log({endpoint_.method, " - refreshBearerToken failed"});
+            log({inClear(endpoint_.method), " - refreshBearerToken failed"});
             failed_(*std::move(failure));
             return;
         }
-        log({"Success! Got new bearer token... now re-calling ", endpoint_.method, "..."});
+        log({"Success! Got new bearer token... now re-calling ", inClear(endpoint_.method), "..."});
         send();
     }
 

@@ -72,7 +72,7 @@ class Renewal final : public Cancellable, public std::enable_shared_from_this<Re
                                                     const auto& ivBytes) {
             if (self->isOver()) return;
             if (!result || !ivId || !ivBytes) return self->finish(ivFailure(std::move(result)));
-            log(line);
+            log(inClear(line));
             self->start();
         });
     }
@@ -81,13 +81,13 @@ class Renewal final : public Cancellable, public std::enable_shared_from_this<Re
     /// it.
     bool recoverFrom(std::string_view resultWord) {
         if (isExpiredIvWord(resultWord)) {
-            log(resultWord);
+            log(inClear(resultWord));
             getIvAndStartAgain(
                 "iv expired: Got new iv -- re-calling self.refreshBearerToken() -- refreshBearerToken()");
             return true;
         }
         if (isInvalidIvWord(resultWord)) {
-            log(resultWord);
+            log(inClear(resultWord));
             getIvAndStartAgain("iv invalid: Got new iv -- self.refreshBearerToken() -- refreshBearerToken()");
             return true;
         }

@@ -71,7 +71,7 @@ void doIvCallbackAndDecoding(
     const std::function<void(std::optional<std::string>, std::optional<std::vector<std::uint8_t>>,
                              KorvaneRetStruct)>& completion) {
     const auto fail = [&](const char* reason) {
-        log({"doIvCallbackAndDecoding - ", reason});
+        log({"doIvCallbackAndDecoding - ", inClear(reason)});
         result->error = true;
         result->errorMsg = reason;
         completion(std::nullopt, std::nullopt, *result);

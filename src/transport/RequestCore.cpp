@@ -65,13 +65,13 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
         if (!completion_) return;
         const Callbacks callbacks = end();
         if (!reply.answered()) {
-            log({"no response: ", reply.failure});
+            log({"no response: ", inClear(reply.failure)});
             return callbacks.completion(RequestError{noAnswerCode, reply.failure});
         }
         const std::string status = std::to_string(reply.status);
         SdkConfig::sharedInstance().lastJsonResponseStr = reply.body;
         log("Status code and JSON response at base:\n");
-        log(status);
+        log(inClear(status));
         log(isUtf8(reply.body) ? reply.body : std::to_string(reply.body.size()) + " bytes, not UTF-8");
         if (reply.status == 200) return callbacks.completion(reply.body);
 
