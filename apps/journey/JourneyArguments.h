@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <korvane/Journey.h>
+#include <korvane/korvane.h>
 
 #include <string>
 #include <variant>
@@ -9,13 +9,14 @@
 namespace korvane {
 
 struct JourneyArguments {
-    JourneyKind journey = JourneyKind::setPIN;
+    korvane_journey_kind journey = KORVANE_SET_PIN;
     std::string card;
     std::string service;
     std::string key;
     std::string ivUrl;  ///< "/host/iv" under the service's URL unless told otherwise
     std::string caFile;
     bool biometrics = false;
+    bool maskSecrets = false;
 };
 
 extern const char* const usage;

@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "JourneyConsole.h"
 
-#include <korvane/platform/Ports.h>
+#include <glib.h>
 
 #include <charconv>
-#include <chrono>
 #include <utility>
 
-#include "ConsolePrompt.h"
 #include "Events.h"
-#include "sdk/SdkConfig.h"
 
 namespace korvane {
 namespace {
 
 constexpr double defaultWaitSeconds = 30;
+constexpr const char* promptCancel = "sdk.biometrics.cancel";
 
 std::pair<std::string, std::string> splitAtBlank(const std::string& text) {
     const std::size_t blank = text.find(' ');
@@ -24,34 +22,45 @@ std::pair<std::string, std::string> splitAtBlank(const std::string& text) {
 
 }  // namespace
 
-JourneyConsole::JourneyConsole(JourneyKind kind, const std::string& cardId,
-                               std::function<void(const std::string&)> write,
-                               std::function<bool()> cancelPrompt, std::function<void(int)> finish)
-    : write_(std::move(write)),
-      cancelPrompt_(std::move(cancelPrompt)),
-      finish_(std::move(finish)),
-      journey_(std::make_unique<Journey>(kind, cardId)) {
-    observation_ = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI, [this](const NotificationUserInfo& userInfo) { closed(userInfo); });
+JourneyConsole::~JourneyConsole() {
+    endWait();
+    korvane_on_close(nullptr, nullptr);
+    korvane_journey_destroy(journey_);
 }
 
-void JourneyConsole::start() {
-    journey_->onChange([this] { screenChanged(); });
-    journey_->appear();
+void JourneyConsole::start(korvane_journey_kind kind, const std::string& cardId) {
+    korvane_journey_create(kind, cardId.c_str(), &journey_);
+    korvane_on_close(
+        [](void* self, const char* result) { static_cast<JourneyConsole*>(self)->closed(result); }, this);
+    korvane_journey_on_change(
+        journey_, [](void* self) { static_cast<JourneyConsole*>(self)->screenChanged(); }, this);
+    korvane_journey_appear(journey_);
+}
+
+rapidjson::Document JourneyConsole::screen() const {
+    char* json = nullptr;
+    korvane_journey_screen(journey_, &json);
+    rapidjson::Document screen;
+    screen.Parse(json);
+    korvane_free(json);
+    return screen;
 }
 
 void JourneyConsole::screenChanged() {
-    ScreenSnapshot screen = journey_->screen();
-    const bool toast = !screen.toast.empty() && (!shown_ || shown_->toast != screen.toast);
-    if (!shown_ || differ(*shown_, screen)) write_(screenEvent(screen));
-    if (toast) write_(toastEvent(screen.toast));
-    shown_ = std::move(screen);
-    checkWait();
+    auto now = screen();
+    const bool toast = now.HasMember("toast") &&
+                       (!shown_ || !shown_->HasMember("toast") || (*shown_)["toast"] != now["toast"]);
+    if (!shown_ || differ(*shown_, now)) write_(screenEvent(now));
+    if (toast) write_(event("toast", "id", now["toast"].GetString()));
+    const bool waitIsOver = isAwaited(now);
+    shown_ = std::move(now);
+    if (!waitIsOver) return;
+    endWait();
+    runQueued();
 }
 
-void JourneyConsole::closed(const NotificationUserInfo& userInfo) {
-    const std::string& result = userInfo.at("result");
-    write_(closeEvent(result));
+void JourneyConsole::closed(const std::string& result) {
+    write_(event("close", "result", result));
     finish(result == "SUCCESS" ? 0 : result == "CANCELED" ? 3 : 4);
 }
 
@@ -78,20 +87,21 @@ void JourneyConsole::run(const std::string& line) {
     const auto [verb, argument] = splitAtBlank(line);
     if (verb.empty()) return;
     if (verb == "type") {
-        report(journey_->replaceText(argument), "the digit boxes");
+        report(korvane_journey_replace(journey_, argument.c_str()), "the digit boxes");
     } else if (verb == "erase") {
-        report(journey_->deleteBackward(), "the digit boxes");
-    } else if (verb == "tap" && argument == ConsolePrompt::cancelControl) {
-        if (!cancelPrompt_()) error("there is no biometric prompt");
+        report(korvane_journey_erase(journey_), "the digit boxes");
+    } else if (verb == "tap" && argument == promptCancel) {
+        report(korvane_prompt_cancel(), argument);
     } else if (verb == "tap") {
-        report(journey_->perform(argument), argument);
+        report(korvane_journey_perform(journey_, argument.c_str()), argument);
     } else if (verb == "wait") {
         startWait(argument);
     } else if (verb == "state") {
-        write_(screenEvent(journey_->screen()));
+        write_(screenEvent(screen()));
     } else if (verb == "custody") {
-        const SdkConfig& config = SdkConfig::sharedInstance();
-        write_(custodyEvent(!config.currentPciToken.empty(), config.timerPciExpired));
+        int held = 0, expired = 0;
+        korvane_pci_token_state(&held, &expired);
+        write_(custodyEvent(held != 0, expired != 0));
     } else if (verb == "quit") {
         finish(inputEnded);
     } else {
@@ -109,45 +119,45 @@ void JourneyConsole::startWait(const std::string& argument) {
         return;
     }
     awaitedView_ = view;
-    waitTimer_ = ports().timers->start(std::chrono::duration<double>(limit), [this] {
-        waitTimer_.reset();
-        const std::string awaited = std::exchange(awaitedView_, {});
-        error(awaited + " did not come; still on " + journey_->screen().view);
-        runQueued();
-    });
-    checkWait();
+    if (isAwaited(screen())) return endWait();
+    const auto expired = [](gpointer data) -> gboolean {
+        auto* const self = static_cast<JourneyConsole*>(data);
+        self->waitTimer_ = 0;
+        self->error(self->awaitedView_ + " did not come; still on " + self->screen()["view"].GetString());
+        self->endWait();
+        self->runQueued();
+        return G_SOURCE_REMOVE;
+    };
+    waitTimer_ = g_timeout_add(static_cast<guint>(limit * 1000), expired, this);
 }
 
-void JourneyConsole::checkWait() {
-    if (awaitedView_.empty()) return;
-    const ScreenSnapshot screen = journey_->screen();
-    // A screen with a spinner is about to change.
-    if (screen.view != awaitedView_ || screen.spinner) return;
+void JourneyConsole::endWait() {
     awaitedView_.clear();
-    waitTimer_.reset();
-    ports().mainQueue->post([this] { runQueued(); });
+    if (const unsigned timer = std::exchange(waitTimer_, 0)) g_source_remove(timer);
 }
 
-void JourneyConsole::report(Journey::Outcome outcome, std::string_view controlId) {
-    if (!finish_) return;
-    const std::string where = std::string{controlId} + " on " + journey_->screen().view;
-    switch (outcome) {
-        case Journey::Outcome::done:
-            break;
-        case Journey::Outcome::noSuchControl:
-            error("there is no " + where);
-            break;
-        case Journey::Outcome::notEnabled:
-            error("not enabled: " + where);
-            break;
-        case Journey::Outcome::notDigits:
-            error("digits only in " + where);
-            break;
+bool JourneyConsole::isAwaited(const rapidjson::Document& screen) const {
+    // A screen with a spinner is about to change.
+    return !awaitedView_.empty() && screen["view"] == awaitedView_.c_str() && !screen["spinner"].GetBool();
+}
+
+void JourneyConsole::report(korvane_status status, const std::string& control) {
+    if (!finish_ || status == KORVANE_OK) return;
+    const std::string where = control + " on " + screen()["view"].GetString();
+    switch (status) {
+        case KORVANE_NO_SUCH_CONTROL:
+            return error("there is no " + where);
+        case KORVANE_NOT_ENABLED:
+            return error("not enabled: " + where);
+        case KORVANE_NOT_DIGITS:
+            return error("digits only in " + where);
+        default:
+            return error(korvane_status_text(status));
     }
 }
 
 void JourneyConsole::error(const std::string& message) {
-    write_(errorEvent(message));
+    write_(event("error", "message", message));
 }
 
 void JourneyConsole::finish(int status) {

@@ -1,30 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <korvane/Initialize.h>
-#include <korvane/platform/Ports.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <variant>
+#include <korvane/korvane.h>
 
 #include <glib-unix.h>
 #include <glib.h>
 #include <unistd.h>
 
-#include "ConsolePrompt.h"
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+
 #include "Events.h"
+#include "IvFromUrl.h"
 #include "JourneyArguments.h"
 #include "JourneyConsole.h"
-#include "common/HostIv.h"
-#include "platform/linux/CurlUrlSession.h"
-#include "platform/linux/FprintdContext.h"
-#include "platform/linux/GLibMainQueue.h"
-#include "platform/linux/GLibTimers.h"
-#include "platform/linux/SecretServiceStore.h"
-#include "platform/linux/StdoutConsole.h"
 
 namespace korvane {
 namespace {
@@ -34,32 +24,6 @@ constexpr int badArguments = 2;
 void writeLine(const std::string& line) {
     std::fputs((line + '\n').c_str(), stdout);
     std::fflush(stdout);
-}
-
-/// What is copied becomes an event, and so does its being cleared, as an empty text.
-class EventPasteboard final : public Pasteboard {
-  public:
-    bool setString(const std::string& text) override {
-        held_ = text;
-        writeLine(pasteboardEvent(held_));
-        return true;
-    }
-    void clearIfHolds(const std::string& text) override {
-        if (held_ == text) setString({});
-    }
-
-  private:
-    std::string held_;
-};
-
-/// The language of the process's messages ("es_MX.UTF-8" is "es"): POSIX has three variables for it, the
-/// first one that is set counts.
-std::string languageCode() {
-    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* const locale = std::getenv(name);
-        if (locale && *locale) return std::string{locale}.substr(0, std::strcspn(locale, "_.@"));
-    }
-    return {};
 }
 
 /// Reads lines of standard input without ever waiting for one.
@@ -101,38 +65,50 @@ class CommandReader {
     guint source_ = 0;
 };
 
+/// The console as the device: what a person would see becomes an event, the log goes to standard error.
+korvane_host consoleHost(const JourneyArguments& arguments) {
+    korvane_host host{};
+    host.size = sizeof host;
+    host.loop = KORVANE_LOOP_GLIB;
+    host.ca_file = arguments.caFile.empty() ? nullptr : arguments.caFile.c_str();
+    host.mask_secrets = arguments.maskSecrets;
+    host.log_line = [](void*, const char* line) { std::fputs((std::string{line} + '\n').c_str(), stderr); };
+    host.copied = [](void*, const char* text) { writeLine(event("pasteboard", "text", text)); };
+    if (!arguments.biometrics) return host;
+    host.prompt = [](void*, const char* reason) {
+        writeLine(reason ? event("prompt", "reason", reason) : event("prompt", "shown", "false"));
+        if (reason) korvane_prompt_visible(1);  // an event that is out counts as seen
+    };
+    host.prompt_message = [](void*, const char* id) { writeLine(event("prompt", "message", id)); };
+    return host;
+}
+
+int fail(korvane_status status) {
+    std::fprintf(stderr, "korvane-journey: %s\n", korvane_status_text(status));
+    return badArguments;
+}
+
 int run(const JourneyArguments& arguments) {
-    CurlUrlSessionOptions urlSessionOptions;
-    urlSessionOptions.caFile = arguments.caFile;
-    Ports device{.mainQueue = std::make_shared<GLibMainQueue>(),
-                 .timers = std::make_shared<GLibTimers>(),
-                 .urlSession = std::make_shared<CurlUrlSession>(urlSessionOptions),
-                 .console = std::make_shared<StdoutConsole>(stderr),
-                 .pasteboard = std::make_shared<EventPasteboard>(),
-                 .languageCode = languageCode()};
-    const auto prompt = std::make_shared<ConsolePrompt>(writeLine);
-    // With biometrics off the store is there all the same: `initialize` deletes what an earlier run kept.
-    device.secureItemStore = std::make_shared<SecretServiceStore>();
-    if (arguments.biometrics) {
-        device.biometricContext = std::make_shared<FprintdContext>(device.mainQueue, prompt);
-    }
-    if (!installPorts(std::move(device))) return badArguments;
-    if (!initialize(arguments.key, arguments.service, hostIvCallback(arguments.ivUrl), arguments.biometrics,
-                    KorvaneColors{}, KorvaneCornerRadii{})) {
-        std::fputs("korvane-journey: --key is not base64\n", stderr);
-        return badArguments;
-    }
+    const korvane_host host = consoleHost(arguments);
+    if (const korvane_status status = korvane_set_up(&host); status != KORVANE_OK) return fail(status);
+    IvFromUrl ivs(arguments.ivUrl, arguments.caFile);
+    korvane_config config{};
+    config.size = sizeof config;
+    config.key = arguments.key.c_str();
+    config.api_url = arguments.service.c_str();
+    config.iv_callback = &IvFromUrl::supply;
+    config.iv_context = &ivs;
+    config.use_biometrics = arguments.biometrics;
+    if (const korvane_status status = korvane_initialize(&config); status != KORVANE_OK) return fail(status);
 
     const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop{g_main_loop_new(nullptr, FALSE),
                                                                         &g_main_loop_unref};
     int status = 0;
-    JourneyConsole console(
-        arguments.journey, arguments.card, writeLine, [&] { return prompt->cancel(); },
-        [&](int exitStatus) {
-            status = exitStatus;
-            g_main_loop_quit(loop.get());
-        });
-    console.start();
+    JourneyConsole console(writeLine, [&](int exitStatus) {
+        status = exitStatus;
+        g_main_loop_quit(loop.get());
+    });
+    console.start(arguments.journey, arguments.card);
     const CommandReader reader(console);
     g_main_loop_run(loop.get());
     return status;
@@ -152,6 +128,6 @@ int main(int argc, char** argv) {
         return korvane::badArguments;
     }
     const int status = korvane::run(std::get<korvane::JourneyArguments>(arguments));
-    korvane::uninstallPorts();
+    korvane_tear_down();
     return status;
 }

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Fails when a public header does not compile by itself."""
+"""Fails when a public header does not compile by itself, as C too where it says that it can."""
 
 import concurrent.futures
 import pathlib
@@ -13,14 +13,16 @@ def main(top, compiler):
     include = pathlib.Path(top, "include")
     headers = tree.sources(top, "include")
 
-    def compile_alone(header):
+    def compile_alone(header, language, standard):
         name = header.relative_to(include).as_posix()
         return name, subprocess.run(
-            [compiler, "-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Werror", "-I", str(include), "-x", "c++", "-"],
-            input=f"#include <{name}>\n", capture_output=True, text=True)
+            [compiler, "-std=" + standard, "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-I", str(include),
+             "-x", language, "-"], input=f"#include <{name}>\n", capture_output=True, text=True)
 
+    jobs = [(header, "c++", "c++20") for header in headers]
+    jobs += [(header, "c", "c99") for header in headers if "#ifdef __cplusplus" in header.read_text()]
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
-        results = list(pool.map(compile_alone, headers))
+        results = list(pool.map(lambda job: compile_alone(*job), jobs))
     failed = [(name, result.stderr) for name, result in results if result.returncode != 0]
     for name, message in failed:
         print(f"{name} does not compile alone:\n{message}")

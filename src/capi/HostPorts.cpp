@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "capi/HostPorts.h"
+
+#include <korvane/platform/RedactingConsole.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "platform/linux/CurlUrlSession.h"
+#include "platform/linux/FprintdContext.h"
+#include "platform/linux/GLibMainQueue.h"
+#include "platform/linux/GLibTimers.h"
+#include "platform/linux/SecretServiceStore.h"
+#include "platform/linux/StdoutConsole.h"
+
+namespace korvane {
+namespace {
+
+class HostConsole final : public Console {
+  public:
+    explicit HostConsole(const korvane_host& host) : host_(host) {}
+    void line(std::string_view text) override { host_.log_line(host_.context, std::string{text}.c_str()); }
+
+  private:
+    korvane_host host_;
+};
+
+class HostTexts final : public StringTable {
+  public:
+    explicit HostTexts(const korvane_host& host) : host_(host) {}
+    std::string text(std::string_view key) const override {
+        const char* const found = host_.text(host_.context, std::string{key}.c_str());
+        return found ? std::string{found} : std::string{key};
+    }
+
+  private:
+    korvane_host host_;
+};
+
+class HostPasteboard final : public Pasteboard {
+  public:
+    explicit HostPasteboard(const korvane_host& host) : host_(host) {}
+    bool setString(const std::string& text) override {
+        host_.copied(host_.context, text.c_str());
+        held_ = text;
+        return true;
+    }
+    void clearIfHolds(const std::string& text) override {
+        if (held_ == text) setString({});
+    }
+
+  private:
+    korvane_host host_;
+    std::string held_;
+};
+
+/// The language of the process's messages ("es_MX.UTF-8" is "es"): POSIX has three variables for it, the
+/// first one that is set counts.
+std::string localeLanguage() {
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char* const locale = std::getenv(name);
+        if (locale && *locale) return std::string{locale}.substr(0, std::strcspn(locale, "_.@"));
+    }
+    return {};
+}
+
+}  // namespace
+
+class HostPrompt::Shown {
+  public:
+    Shown(const korvane_host& host, Callbacks callbacks) : host_(host), callbacks_(std::move(callbacks)) {}
+    ~Shown() { host_.prompt(host_.context, nullptr); }
+    Shown(const Shown&) = delete;
+    Shown& operator=(const Shown&) = delete;
+
+    void tell(std::string_view messageId) const {
+        if (host_.prompt_message) host_.prompt_message(host_.context, std::string{messageId}.c_str());
+    }
+    void setVisible(bool visible) const { callbacks_.visibilityChanged(visible); }
+    void cancel() {
+        if (const auto cancelled = std::exchange(callbacks_.cancelled, nullptr)) cancelled();
+    }
+
+  private:
+    korvane_host host_;
+    Callbacks callbacks_;
+};
+
+std::unique_ptr<BiometricPrompt::Handle> HostPrompt::show(const std::string& reason, Callbacks callbacks) {
+    class ShownHandle final : public Handle {
+      public:
+        explicit ShownHandle(std::shared_ptr<Shown> shown) : shown_(std::move(shown)) {}
+        void tell(std::string_view messageId) override { shown_->tell(messageId); }
+
+      private:
+        std::shared_ptr<Shown> shown_;
+    };
+
+    auto shown = std::make_shared<Shown>(host_, std::move(callbacks));
+    shown_ = shown;
+    host_.prompt(host_.context, reason.c_str());
+    return std::make_unique<ShownHandle>(std::move(shown));
+}
+
+// The host may answer from inside its callback, and a check's callbacks never run from inside `show`.
+
+bool HostPrompt::setVisible(bool visible) {
+    ports().mainQueue->post([weak = shown_, visible] {
+        if (const auto shown = weak.lock()) shown->setVisible(visible);
+    });
+    return !shown_.expired();
+}
+
+bool HostPrompt::cancel() {
+    ports().mainQueue->post([weak = shown_] {
+        if (const auto shown = weak.lock()) shown->cancel();
+    });
+    return !shown_.expired();
+}
+
+HostPorts::HostPorts(const korvane_host& host, GMainContext* context) {
+    CurlUrlSessionOptions session;
+    if (host.ca_file) session.caFile = host.ca_file;
+    ports.mainQueue = std::make_shared<GLibMainQueue>(context);
+    ports.timers = std::make_shared<GLibTimers>(context);
+    ports.urlSession = std::make_shared<CurlUrlSession>(session);
+    ports.console = std::make_shared<StdoutConsole>();
+    if (host.log_line) ports.console = std::make_shared<HostConsole>(host);
+    if (host.mask_secrets) ports.console = std::make_shared<RedactingConsole>(ports.console);
+    if (host.text) ports.stringTable = std::make_shared<HostTexts>(host);
+    if (host.copied) ports.pasteboard = std::make_shared<HostPasteboard>(host);
+    ports.languageCode = host.language ? host.language : localeLanguage();
+    // The store is there with biometrics off too: `initialize` deletes what an earlier run kept.
+    ports.secureItemStore = std::make_shared<SecretServiceStore>();
+    if (!host.prompt) return;
+    prompt = std::make_shared<HostPrompt>(host);
+    ports.biometricContext = std::make_shared<FprintdContext>(ports.mainQueue, prompt);
+}
+
+}  // namespace korvane
