@@ -14,6 +14,8 @@ class LogPiece {
   public:
     template <std::size_t size>
     constexpr LogPiece(const char (&literal)[size]) : text_(literal, size - 1) {}
+    template <std::size_t size>
+    LogPiece(char (&buffer)[size]) = delete;  // its text may end sooner
     constexpr LogPiece(std::string_view value) : text_(value), secret_(true) {}
     LogPiece(const std::string& value) : LogPiece(std::string_view(value)) {}
 

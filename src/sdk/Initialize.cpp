@@ -24,7 +24,8 @@ void adviseOnContrast([[maybe_unused]] const KorvaneColors& colors) {
     for (const ContrastFinding& finding : auditContrast(colors)) {
         char ratios[48];
         std::snprintf(ratios, sizeof ratios, " is %.2f:1, below %.1f:1", finding.ratio, finding.required);
-        log({"contrast advice: ", finding.foreground, " on ", finding.background, ratios});
+        log({"contrast advice: ", inClear(finding.foreground), " on ", inClear(finding.background),
+             inClear(ratios)});
     }
 #endif
 }
