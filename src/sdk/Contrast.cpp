@@ -75,9 +75,9 @@ double luminance(const Color& color) {
 
 }  // namespace
 
-double contrastRatio(const Color& foreground, const Color& background) {
-    const Color ground = over(background, {1, 1, 1});
-    const auto [dark, light] = std::minmax({luminance(over(foreground, ground)), luminance(ground)});
+double contrastRatio(const Color& ink, const Color& ground) {
+    const Color opaque = over(ground, {1, 1, 1});
+    const auto [dark, light] = std::minmax({luminance(over(ink, opaque)), luminance(opaque)});
     return (light + 0.05) / (dark + 0.05);
 }
 
