@@ -15,9 +15,10 @@ std::string withoutCountdowns(const rapidjson::Document& screen) {
     rapidjson::Document rest;
     rest.CopyFrom(screen, rest.GetAllocator());
     auto& state = rest["state"];
-    for (auto member = state.MemberBegin(); member != state.MemberEnd();)
-        member =
-            member->value.IsNumber() && member->name != "digits" ? state.EraseMember(member) : member + 1;
+    for (auto left = state.MemberCount(); left-- > 0;) {
+        const auto member = state.MemberBegin() + left;
+        if (member->value.IsNumber() && member->name != "digits") state.EraseMember(member);
+    }
     return screenEvent(rest);
 }
 
