@@ -82,7 +82,7 @@ bool Hands::tap(const QString& objectName) const {
 
 void Hands::type(const QString& text) const {
     for (const QChar letter : text) {
-        const int key = letter.toUpper().unicode();
+        const int key = letter == u'\b' ? int(Qt::Key_Backspace) : letter.toUpper().unicode();
         send(window_, QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, letter));
         send(window_, QKeyEvent(QEvent::KeyRelease, key, Qt::NoModifier, letter));
     }

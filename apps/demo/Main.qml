@@ -26,7 +26,7 @@ ApplicationWindow {
             text: window.host.result === "" ? "Korvane Bank" : "Result: " + window.host.result
             font: Theme.button
         }
-        CheckBox {
+        Switch {
             objectName: "host.biometrics"
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
             visible: window.host.journey === ""

@@ -102,15 +102,22 @@ class Tour {
     }
 
     void activate() {
-        say("Another security code than the card's activates nothing.");
-        const auto proof = record(newCard);
-        open("activate:", newCard, "ActivateCardAndSetPIN_NoNav");
-        tap("sdk.cardarrived.start");
-        provePossession(proof.number, proof.cvv == "000" ? "111" : "000");
-        enterPinTwice();
-        await("UhOhTryAgainView");
-        tap("sdk.errorPage.tryagain.button");
-        require(record(newCard).status == "P2", "the card is active");
+        say("Another number or security code than the card's activates nothing.");
+        const auto card = record(newCard);
+        const auto wrong = [](std::string digits) {
+            for (char& digit : digits) digit = digit == '0' ? '1' : '0';
+            return digits;
+        };
+        for (const bool wrongNumber : {true, false}) {
+            open("activate:", newCard, "ActivateCardAndSetPIN_NoNav");
+            tap("sdk.cardarrived.start");
+            enterLastFour(wrongNumber ? wrong(card.number) : card.number);
+            enterCvv(wrongNumber ? card.cvv : wrong(card.cvv));
+            enterPinTwice();
+            await("UhOhTryAgainView");
+            tap("sdk.errorPage.tryagain.button");
+            require(record(newCard).status == "P2", "the card is active");
+        }
 
         say("A PIN is asked for a card that is not active yet: it is activated first.");
         open("setPin:", newCard, "CardIsNotYetActivatedView");
@@ -119,7 +126,15 @@ class Tour {
         see("ActivateCardAndSetPIN_NoNav");
         tap("sdk.cardarrived.start");
         see("EnterCardLastFourView");
-        provePossession(proof.number, proof.cvv);
+        say("Other digits first, and back to put them right.");
+        enterLastFour(wrong(card.number));
+        see("EnterCardCVVView");
+        tap("back");
+        await("EnterCardLastFourView");
+        hands_.look();
+        hands_.type("\b\b\b\b");
+        enterLastFour(card.number);
+        enterCvv(card.cvv);
         enterPinTwice();
         see("SuccessCardActivatedAndPinSetView");
         tap("sdk.success.cardActivatedAndSetPin.button");
@@ -204,13 +219,15 @@ class Tour {
         await(view);
     }
 
-    void provePossession(const std::string& number, const std::string& cvv) {
+    void enterLastFour(const std::string& number) {
         await("EnterCardLastFourView");
         typeDigits(QString::fromStdString(number).right(4), "sdk.activatecard.lastfourdigits.button");
         tap("sdk.activatecard.lastfourdigits.button");
+    }
+
+    void enterCvv(const std::string& cvv) {
         await("EnterCardCVVView");
         typeDigits(QString::fromStdString(cvv), "sdk.activatecard.cvv.button");
-        picture("EnterCardCVVView");
         tap("sdk.activatecard.cvv.button");
     }
 

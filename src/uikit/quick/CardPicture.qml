@@ -52,7 +52,7 @@ Item {
         anchors.fill: face
         radius: face.radius
         color: Theme.background
-        opacity: picture.card.frozen ? 0.82 : 0.56
+        opacity: picture.card.frozen ? 0.92 : 0.56
         visible: words.visible
     }
 
