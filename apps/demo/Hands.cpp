@@ -69,11 +69,15 @@ bool Hands::waitFor(const QString& objectName) const {
 bool Hands::tap(const QString& objectName) const {
     if (!waitFor(objectName)) return false;
     look();  // a control that still slides would be missed
-    if (const QQuickItem* const found = find(objectName)) bringIntoView(*found);
-    const QQuickItem* const item = find(objectName);
-    if (!item || !item->isEnabled()) return false;
-    const QPointF at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
-    if (!QRectF(QPointF(), window_.size()).contains(at)) return false;
+    QPointF at;
+    const bool inSight = waitUntil([&] {  // a list that is filled anew takes its place again
+        if (const QQuickItem* const found = find(objectName)) bringIntoView(*found);
+        const QQuickItem* const item = find(objectName);
+        if (!item || !item->isEnabled()) return false;
+        at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+        return QRectF(QPointF(), window_.size()).contains(at);
+    });
+    if (!inSight) return false;
     const QPointF global = window_.mapToGlobal(at);
     send(window_, QMouseEvent(QEvent::MouseButtonPress, at, at, global, Qt::LeftButton, Qt::LeftButton, {}));
     send(window_, QMouseEvent(QEvent::MouseButtonRelease, at, at, global, Qt::LeftButton, Qt::NoButton, {}));

@@ -53,6 +53,7 @@ class QuickViewController final : public ViewController {
         window_->setMinimumSize({320, 480});
         window_->setInitialProperties({{QStringLiteral("cardId"), QString::fromStdString(cardId)}});
         window_->setSource(QUrl(QStringLiteral("qrc:/qt-project.org/imports/Korvane/%1.qml").arg(screen)));
+        nameWindow();
     }
 
     ~QuickViewController() override { window_->dispose(); }
@@ -65,6 +66,18 @@ class QuickViewController final : public ViewController {
     void hide() override { window_->hide(); }
 
   private:
+    /// The window is called what its page is called, for those who switch between windows (WCAG 2.2, 2.4.2).
+    void nameWindow() {
+        auto* const journey = window_->findChild<JourneyModel*>();
+        if (!journey) return;
+        const auto name = [window = window_, journey] {
+            if (const QString& title = journey->current()->title(); !title.isEmpty()) window->setTitle(title);
+        };
+        QObject::connect(journey, &JourneyModel::moved, window_, name);
+        for (const ScreenModel* const each : {journey->even(), journey->odd()})
+            QObject::connect(each, &ScreenModel::titleChanged, window_, name);
+    }
+
     JourneyWindow* const window_ = new JourneyWindow;
 };
 

@@ -108,6 +108,12 @@ TEST_F(JourneyViewTest, TabGoesThroughTheControlsAndSpaceUsesThem) {
     EXPECT_EQ(reached, QStringList({"sdk.setpin.button", "sdk.setpin.fourdigits", "sdk.setpin.input"}));
     key(Qt::Key_Backtab, {}, Qt::ShiftModifier);
     EXPECT_TRUE(window.activeFocusItem()->property("visualFocus").toBool());
+    const QImage ringed = window.grabWindow();
+    QTest::mouseClick(&window, Qt::LeftButton, {}, {5, 5});
+    settle();
+    EXPECT_NE(window.grabWindow(), ringed) << "the ring is for those who use keys";
+    key(Qt::Key_Shift);
+    EXPECT_EQ(window.grabWindow(), ringed);
     key(Qt::Key_Space, " ");
     EXPECT_TRUE(screen()->sheetOpen());
 }

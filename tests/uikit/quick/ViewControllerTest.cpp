@@ -39,6 +39,7 @@ TEST_F(ViewControllerTest, MakingOneStoresTheCardAndShowingItStartsTheJourney) {
     ASSERT_TRUE(journeyWindow());
     EXPECT_EQ(journeyWindow()->size(), QSize(400, 700));
     EXPECT_EQ(service.calls("getCardStatus"), 1);
+    EXPECT_EQ(journeyWindow()->title(), "Choose your PIN");
     controller->hide();
     controller->show();
     settle();
