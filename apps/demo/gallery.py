@@ -21,7 +21,7 @@ from PIL import Image, ImageChops
 PALETTES = ("default", "dark", "brand")
 LANGUAGES = ("en", "es", "fr", "de", "ar")
 SIZES = ("320x568", "390x844", "1280x800")
-NOTABLE = 0.005  # of the pixels: a turning wheel, a countdown and a code by SMS are below it
+NOTABLE = 0.005  # of the pixels: a turning wheel and a countdown are below it; the code of the SMS is told each time
 
 
 def draw(programs, folder, palette, language):
