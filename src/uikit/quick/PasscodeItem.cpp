@@ -6,7 +6,9 @@
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QPainter>
+#include <QPointer>
 #include <QQuickWindow>
+#include <QSet>
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -29,6 +31,29 @@ bool isDigit(const QKeyEvent& event) {
 bool isOurs(const QKeyEvent& event) {
     return isTyping(event) || event.matches(QKeySequence::Paste) || event.key() == Qt::Key_Backspace;
 }
+
+/// Keeps back the release of each key whose press the boxes took. By then they may be gone, or take nothing:
+/// the last digit of a code submits it.
+class TakenKeys : public QObject {
+  public:
+    static void add(int key) {
+        static QPointer<TakenKeys> taken;
+        if (!taken) taken = new TakenKeys;
+        taken->keys_.insert(key);
+        qGuiApp->installEventFilter(taken);  // what is installed last is asked first
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::KeyRelease) return false;
+        const auto& released = *static_cast<QKeyEvent*>(event);
+        return released.isAutoRepeat() ? keys_.contains(released.key()) : keys_.remove(released.key());
+    }
+
+  private:
+    TakenKeys() : QObject(qGuiApp) {}
+
+    QSet<int> keys_;
+};
 
 }  // namespace
 
@@ -167,7 +192,10 @@ bool PasscodeItem::eventFilter(QObject* target, QEvent* event) {
     if (!key || (target != window() && target != QGuiApplication::focusWindow())) return false;
     const auto& typed = *static_cast<QKeyEvent*>(event);
     if (!isForBoxes(typed)) return false;
-    if (event->type() == QEvent::KeyPress) enter(typed.text());
+    if (event->type() == QEvent::KeyPress) {
+        TakenKeys::add(typed.key());
+        enter(typed.text());
+    }
     event->accept();
     return true;
 }
