@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "uikit/quick/CardValue.h"
 
-#include <QAccessible>
-#include <QAccessibleObject>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QQuickWindow>
 #include <cmath>
-#include <mutex>
 #include <string_view>
 
 namespace korvane {
@@ -28,56 +25,10 @@ QString grouped(std::string_view value) {
     return groups;
 }
 
-/// What accessibility learns of the item.
-class CardValueInterface final : public QAccessibleObject {
-  public:
-    explicit CardValueInterface(CardValue* item) : QAccessibleObject(item) {}
-
-    QAccessibleInterface* parent() const override {
-        for (const QQuickItem* above = item().parentItem(); above; above = above->parentItem()) {
-            if (auto* const found = QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(above)))
-                return found;
-        }
-        return QAccessible::queryAccessibleInterface(item().window());
-    }
-    QAccessibleInterface* child(int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
-    QWindow* window() const override { return item().window(); }
-
-    QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Name ? item().spokenDigits() : QString();
-    }
-    QRect rect() const override {
-        if (!item().window()) return {};
-        const QRect area = item().mapRectToScene(item().boundingRect()).toAlignedRect();
-        return {item().window()->mapToGlobal(area.topLeft()), area.size()};
-    }
-    QAccessible::Role role() const override { return QAccessible::StaticText; }
-    QAccessible::State state() const override {
-        QAccessible::State state;
-        state.readOnly = true;
-        state.focusable = item().activeFocusOnTab();
-        state.focused = item().hasActiveFocus();
-        state.invisible = !item().isVisible() || item().spokenDigits().isEmpty();
-        return state;
-    }
-
-  private:
-    const CardValue& item() const { return *static_cast<const CardValue*>(object()); }
-};
-
-QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-    auto* const item =
-        className == QLatin1StringView("korvane::CardValue") ? qobject_cast<CardValue*>(object) : nullptr;
-    return item ? new CardValueInterface(item) : nullptr;
-}
-
 }  // namespace
 
 CardValue::CardValue(QQuickItem* parent) : QQuickPaintedItem(parent) {
-    static std::once_flag installed;
-    std::call_once(installed, [] { QAccessible::installFactory(makeInterface); });
+    ItemAccessible::install();
     setAntialiasing(true);
 }
 
@@ -162,6 +113,23 @@ void CardValue::paint(QPainter* painter) {
     painter->setLayoutDirection(isNumber(detail_->value()) ? Qt::LeftToRight : Qt::LayoutDirectionAuto);
     painter->drawText(QRectF(0, 0, width(), height()), flags(), text);
     text.fill(u'\0');
+}
+
+QString CardValueAccessible::text(QAccessible::Text kind) const {
+    return kind == QAccessible::Name ? value().spokenDigits() : QString();
+}
+
+QAccessible::State CardValueAccessible::state() const {
+    QAccessible::State state = ItemAccessible::state();
+    state.readOnly = true;
+    state.focusable = value().activeFocusOnTab();
+    state.focused = value().hasActiveFocus();
+    state.invisible = state.invisible || value().spokenDigits().isEmpty();
+    return state;
+}
+
+const CardValue& CardValueAccessible::value() const {
+    return *static_cast<CardValue*>(item());
 }
 
 }  // namespace korvane

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include "uikit/quick/CardModel.h"
+#include "uikit/quick/ItemAccessible.h"
 #include "uikit/quick/Theme.h"
 
 namespace korvane {
@@ -53,6 +54,19 @@ class CardValue : public QQuickPaintedItem {
     QPointer<DetailModel> detail_;
     QPointer<Theme> theme_;
     bool mirrored_ = false;
+};
+
+/// A text while the value is revealed, nothing before and after.
+class CardValueAccessible final : public ItemAccessible {
+  public:
+    explicit CardValueAccessible(CardValue* item) : ItemAccessible(item) {}
+
+    QAccessible::Role role() const override { return QAccessible::StaticText; }
+    QString text(QAccessible::Text kind) const override;
+    QAccessible::State state() const override;
+
+  private:
+    const CardValue& value() const;
 };
 
 }  // namespace korvane

@@ -5,6 +5,7 @@
 #include <QQuickWindow>
 
 #include "uikit/quick/Announcement.h"
+#include "uikit/quick/CardValue.h"
 #include "uikit/quick/PasscodeAccessible.h"
 #include "uikit/quick/PasscodeItem.h"
 
@@ -14,6 +15,7 @@ namespace {
 QAccessibleInterface* make(const QString&, QObject* object) {
     if (auto* const boxes = qobject_cast<PasscodeItem*>(object)) return new PasscodeAccessible(boxes);
     if (auto* const words = qobject_cast<Announcement*>(object)) return new AnnouncementAccessible(words);
+    if (auto* const value = qobject_cast<CardValue*>(object)) return new CardValueAccessible(value);
     // Only our own buttons have a control; those of the host are none of our business.
     const bool button =
         object->inherits("QQuickAbstractButton") && object->property("control").canConvert<ControlModel*>();

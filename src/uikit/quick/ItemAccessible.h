@@ -14,8 +14,8 @@ namespace korvane {
 /// properties too, which make it part of the tree. Main thread; Qt owns it.
 class ItemAccessible : public QAccessibleObject, public QAccessibleActionInterface {
   public:
-    /// Makes boxes, announcements and everything that draws a control be met like this. Once is enough; more
-    /// does no harm.
+    /// Makes boxes, card values, announcements and everything that draws a control be met like this. Once is
+    /// enough; more does no harm.
     static void install();
 
     explicit ItemAccessible(QQuickItem* item);
