@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -9,18 +11,20 @@
 namespace korvane {
 
 /// Name of the notification that ends a journey: "NotificationCloseUI".
-extern const std::string NotificationCloseUI;
+KORVANE_API extern const std::string NotificationCloseUI;
 
 /// What a notification carries. `NotificationCloseUI` has one entry: "result", which is "SUCCESS", "CANCELED"
 /// or "FAILURE".
 using NotificationUserInfo = std::map<std::string, std::string>;
 
 /// Where the component posts and the host observes. Main thread only.
-class NotificationCenter {
+class KORVANE_API NotificationCenter {
   public:
+    /// Called at each post, with what it carries. It may end the journey that posts.
     using Observer = std::function<void(const NotificationUserInfo&)>;
-    class Observation;
+    class KORVANE_HIDDEN Observation;
 
+    /// The one that the component posts to. It lives as long as the process.
     static NotificationCenter& defaultCenter();
 
     /// Calls `observer` at each post of `name`, on the main thread, until the returned handle is released.

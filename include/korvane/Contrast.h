@@ -2,6 +2,7 @@
 #pragma once
 
 #include <korvane/Appearance.h>
+#include <korvane/Export.h>
 
 #include <string>
 #include <vector>
@@ -18,12 +19,12 @@ struct ContrastFinding {
 
 /// Contrast ratio of two colours, from 1 to 21 (WCAG 2.2, "contrast ratio" and "relative luminance"). A
 /// translucent `ink` counts as it looks on `ground`, a translucent `ground` as it looks on white. Any thread.
-double contrastRatio(const Color& ink, const Color& ground);
+KORVANE_API double contrastRatio(const Color& ink, const Color& ground);
 
 /// Every pair of the palette that some screen uses and that is below 4.5 to 1 as text (WCAG 2.2, 1.4.3) or
 /// below 3 to 1 as a border, focus ring or symbol (1.4.11); empty when there is none. Any thread.
 ///
 /// `initialize` logs what it finds in debug builds, one line a pair.
-std::vector<ContrastFinding> auditContrast(const KorvaneColors& colors);
+KORVANE_API std::vector<ContrastFinding> auditContrast(const KorvaneColors& colors);
 
 }  // namespace korvane

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <korvane/Appearance.h>
+#include <korvane/Export.h>
 #include <korvane/IvCallback.h>
 
 #include <cstddef>
@@ -9,6 +10,9 @@
 #include <string>
 #include <vector>
 
+/// Journeys of a bank card: set its PIN, activate it, view it. The ports say what the component asks of the
+/// device, `initialize` sets it up, a journey is shown, and a notification tells that it is over. Everything
+/// is used on the main thread unless its comment says otherwise.
 namespace korvane {
 
 /// An encoded image (PNG or JPEG bytes).
@@ -20,17 +24,20 @@ using ImageData = std::vector<std::byte>;
 /// Debug builds log each pair of colours that `auditContrast` finds ("contrast advice: …").
 ///
 /// @param base64EncodedPreSharedKey  the AES key in base64 (RFC 4648, padded, no line breaks): 16, 24 or 32
-/// bytes
-/// @param apiUrl                     the card service's base URL; one "/" at its end is dropped
-/// @param ivCallback                 supplies initialisation vectors
-/// @param useBiometrics              keep the PCI token in the secure store behind a biometric check; false
-/// also
-///                                   deletes what an earlier run kept there
-/// @param wearableName, wearableImage  how a wearable card is named and pictured
+///     bytes. A key of another length is taken here and fails each operation later.
+/// @param apiUrl  the card service's base URL; one "/" at its end is dropped. It is not checked further.
+/// @param ivCallback  supplies initialisation vectors
+/// @param useBiometrics  keep the PCI token in the secure store behind a biometric check, and ask for the
+///     finger now when the device has one; false deletes what an earlier run kept there
+/// @param colors  the palette of everything that is drawn
+/// @param cornerRadii  how round corners are
+/// @param wearableName  how a wearable card is named; absent or "": by its type
+/// @param wearableImage  how a wearable card is pictured; absent, or no picture: as the service sends it
 /// @return false only when the key is not strict base64; then nothing but the stored key text has changed.
-bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback,
-                bool useBiometrics, const KorvaneColors& colors, const KorvaneCornerRadii& cornerRadii,
-                std::optional<std::string> wearableName = std::nullopt,
-                std::optional<ImageData> wearableImage = std::nullopt);
+KORVANE_API bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback,
+                            bool useBiometrics, const KorvaneColors& colors,
+                            const KorvaneCornerRadii& cornerRadii,
+                            std::optional<std::string> wearableName = std::nullopt,
+                            std::optional<ImageData> wearableImage = std::nullopt);
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/Initialize.h>
 
 #include <cstdint>
@@ -14,24 +15,35 @@
 
 namespace korvane {
 
-enum class ControlKind { button, toggle, passcode, row, close, back };
+/// What a control looks like and does.
+enum class ControlKind {
+    button,    ///< runs its action
+    toggle,    ///< a switch: asks for the other state, and shows the new one when it is reached
+    passcode,  ///< digit boxes: typed into by `Journey::insertText` and the like
+    row,       ///< a line that runs its action: of a card's details, it copies the value
+    close,     ///< ends the journey
+    back,      ///< leads to the screen below
+};
 
 /// Something on a screen that a person can use. Its id is the localization key of its label
 /// ("sdk.setpin.button"), the name of its symbol ("xmark"), or "back".
 struct Control {
-    std::string id;
-    ControlKind kind = ControlKind::button;
-    bool enabled = false;
+    std::string id;                          ///< for `Journey::perform`
+    ControlKind kind = ControlKind::button;  ///< how to draw it
+    bool enabled = false;                    ///< it can be used now
     bool on = false;  ///< of a toggle: how it is shown. It follows what it stands for, never the tap.
 };
 
+/// A value of a screen's state.
 using StateValue = std::variant<bool, int, std::string>;
 
+/// One value of a screen's state, for consoles and tests.
 struct StateField {
-    std::string name;
-    StateValue value;
+    std::string name;  ///< "showSpinner"
+    StateValue value;  ///< never a PIN, code, token or anything of the card's data
 };
 
+/// One line of a list: of rules for a PIN, or of advice.
 struct Bullet {
     std::string symbol;  ///< name of the symbol in front: "checkmark.circle", "xmark.octagon"
     std::string text;    ///< localization key
@@ -58,9 +70,9 @@ struct CardFace {
     std::shared_ptr<const ImageData> image;  ///< the same pointer as long as it is the same; null: draw a
                                              ///< placeholder card
     std::string name;  ///< plain text: how the host names a wearable, else the card's type; may be empty
-    std::string networkLogo;  ///< asset name: "mastercard_logo"; empty: none
-    bool activated = false;
-    bool frozen = false;
+    std::string networkLogo;           ///< asset name: "mastercard_logo"; empty: none
+    bool activated = false;            ///< the card is active, frozen or not
+    bool frozen = false;               ///< the card is frozen: draw it so
     std::vector<std::string> message;  ///< localization keys over the card, header first; empty: none
     std::string button;                ///< id of the control over the card; empty: none
 };
@@ -92,31 +104,37 @@ struct ScreenSnapshot {
     std::vector<StateField> state;   ///< holds no PIN, code, token or card data
     std::vector<Control> controls;   ///< in reading order
 
-    std::string image;
-    std::string title;
-    std::vector<std::string> body;
-    std::vector<Bullet> bullets;
-    std::optional<PasscodeBoxes> passcode;
-    std::string message;  ///< inline error message; empty: none
-    std::string toast;    ///< toast over the screen; empty: none. It goes by itself.
-    std::optional<Sheet> sheet;
-    std::optional<CardFace> card;
-    std::vector<DetailRow> rows;
-    std::optional<Popup> popup;
+    std::string image;                      ///< asset name of the picture at the top; empty: none
+    std::string title;                      ///< heading; empty: none
+    std::vector<std::string> body;          ///< paragraphs under the heading, in order
+    std::vector<Bullet> bullets;            ///< list under the paragraphs
+    std::optional<PasscodeBoxes> passcode;  ///< digit boxes, on the screens that have them
+    std::string message;                    ///< inline error message; empty: none
+    std::string toast;             ///< toast over the screen; empty: none. It goes by itself after 4 s.
+    std::optional<Sheet> sheet;    ///< sheet over the screen; its controls are the ones to use
+    std::optional<CardFace> card;  ///< the card, in the viewer
+    std::vector<DetailRow> rows;   ///< the card's details, in the viewer
+    std::optional<Popup> popup;    ///< question over the screen; its controls are the ones to use
     std::string disclosureText;  ///< plain text in the user's language, as the service sends it; empty: none
     bool spinner = false;        ///< a call is under way; what must not be tapped meanwhile is not enabled
 };
 
-enum class JourneyKind { setPIN, activateCardAndSetPIN, getCardImage };
+/// Which journey.
+enum class JourneyKind {
+    setPIN,                 ///< set the PIN of an active card
+    activateCardAndSetPIN,  ///< activate a new card, then set its PIN
+    getCardImage,           ///< view the card: picture, details, freeze
+};
 
 /// One of the component's journeys for one card, without a window: what is shown is read with `screen`, what
 /// a person does is told with `perform` and the passcode calls. Every toolkit, console and test drives this.
 ///
 /// Main thread only. It may be destroyed at any time, from inside its own callbacks too; calls under way then
 /// end unheard. It ends by posting `NotificationCloseUI`, and the host answers by destroying it.
-class Journey {
+class KORVANE_API Journey {
   public:
-    /// Making one stores the card id in the shared state, even if the journey is never shown.
+    /// Making one stores the card id in the shared state, even if the journey is never shown. The id is not
+    /// checked here: the service refuses one that it does not know. Needs installed ports.
     Journey(JourneyKind kind, std::string cardId);
     ~Journey();
     Journey(const Journey&) = delete;
@@ -125,19 +143,28 @@ class Journey {
     /// Tells that the journey came on screen: the first call starts its first decision.
     void appear();
 
+    /// What is on screen now, as a value of the caller's own. Before `appear` it has no view and no controls.
     ScreenSnapshot screen() const;
 
-    enum class Outcome { done, noSuchControl, notEnabled, notDigits };
+    /// What became of a use. Anything but `done` has changed nothing.
+    enum class Outcome {
+        done,           ///< the screen took it
+        noSuchControl,  ///< the screen has no control of that id, or no digit boxes
+        notEnabled,     ///< the control is there and cannot be used now
+        notDigits,      ///< the text holds something else than digits, blanks and dashes
+    };
 
     /// Uses a control of the present screen.
     Outcome perform(std::string_view controlId);
 
-    /// Types or pastes at the focused box of the present screen: digits go in, blanks and dashes are dropped,
-    /// what does not fit is dropped, and a text with anything else in it changes nothing.
+    /// Types or pastes on the present screen: one digit goes into the next box, several take the place of all
+    /// that is there. Blanks and dashes are dropped, so is what does not fit, and a text with anything else
+    /// in it changes nothing.
     Outcome insertText(std::string_view text);
     /// Clears the digit before the focus.
     Outcome deleteBackward();
-    /// Clears all boxes, then inserts.
+    /// The same, but one digit too takes the place of all that is there. A text without a digit changes
+    /// nothing.
     Outcome replaceText(std::string_view text);
 
     /// Puts the masks back over revealed card data. Call it when others may come to see the screen: the
@@ -145,11 +172,11 @@ class Journey {
     void hideSensitive();
 
     /// Calls `changed` on the main queue once after any number of changes to the screen; one observer at a
-    /// time.
+    /// time; an empty function removes it.
     void onChange(std::function<void()> changed);
 
   private:
-    class Impl;
+    class KORVANE_HIDDEN Impl;
     std::shared_ptr<Impl> impl_;
 };
 

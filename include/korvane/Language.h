@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
+
 #include <string>
 #include <vector>
 
@@ -15,7 +17,7 @@ namespace korvane {
 
 /// The languages that the component speaks, as BCP 47 codes in alphabetical order: "ar", "de", "en", "es",
 /// "fr".
-std::vector<std::string> languages();
+KORVANE_API std::vector<std::string> languages();
 
 /// Switches to another language at once: titles, buttons, messages, toasts and accessible names on screen,
 /// their direction too. Which language the next disclosure text comes in follows. Until the first call it is
@@ -25,21 +27,23 @@ std::vector<std::string> languages();
 ///                  region, or one for which the host has given texts with `overrideText`; what those leave
 ///                  out is then English
 /// @return false, and nothing changes, when it is neither
-bool setLanguage(const std::string& language);
+KORVANE_API bool setLanguage(const std::string& language);
 
 /// The language in use, as it was given to `setLanguage` ("fr-CH"); empty when the string table does not
 /// tell.
-std::string language();
+KORVANE_API std::string language();
 
 /// The language in use is written from right to left, and the screens are mirrored.
-bool isRightToLeft();
+KORVANE_API bool isRightToLeft();
 
 /// Puts the host's `text` (UTF-8) in the place of the component's for that key, on screen at once. Keep the
 /// placeholders ("%1") that the component's own text has, see src/uikit/quick/i18n.
 ///
+/// @param key       a localization key, "sdk.setpin.button"
 /// @param text      empty: gives the key its own text back
 /// @param language  "de", or "de-CH" for that region alone; empty: in every language
 /// @return false, and nothing changes, with a string table of the host's
-bool overrideText(const std::string& key, const std::string& text, const std::string& language = {});
+KORVANE_API bool overrideText(const std::string& key, const std::string& text,
+                              const std::string& language = {});
 
 }  // namespace korvane

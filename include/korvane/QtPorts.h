@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/Ports.h>
 
 #include <string>
@@ -16,6 +17,6 @@ namespace korvane {
 ///
 /// @param caFile  PEM file of the certificate authorities to trust instead of the system's; empty: the
 /// system's
-Ports qtPorts(const std::string& caFile = {});
+KORVANE_API Ports qtPorts(const std::string& caFile = {});
 
 }  // namespace korvane

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
+
 #include <memory>
 #include <string>
 
 namespace korvane {
 
 /// A journey in a window of its own, for hosts that have no QML. Main thread only; destroying it closes the
-/// window and ends the journey.
+/// window and ends the journey. A person who closes the window gives up: `NotificationCloseUI` is posted with
+/// "CANCELED".
 class ViewController {
   public:
     virtual ~ViewController() = default;
@@ -20,18 +23,25 @@ class ViewController {
 
 // The factories need Korvane::Quick, a running QGuiApplication and installed ports.
 
-class SetPINFactory {
+/// Makes the journey that sets the PIN of an active card.
+class KORVANE_API SetPINFactory {
   public:
+    /// Stores the card id as the one being worked on. Never null; the caller owns it, and nothing is seen of
+    /// it before `show`.
     static std::unique_ptr<ViewController> create(const std::string& cardId);
 };
 
-class ActivateCardAndSetPINFactory {
+/// Makes the journey that activates a new card and sets its PIN.
+class KORVANE_API ActivateCardAndSetPINFactory {
   public:
+    /// As `SetPINFactory::create`.
     static std::unique_ptr<ViewController> create(const std::string& cardId);
 };
 
-class GetCardImageFactory {
+/// Makes the card viewer.
+class KORVANE_API GetCardImageFactory {
   public:
+    /// As `SetPINFactory::create`.
     static std::unique_ptr<ViewController> create(const std::string& cardId);
 };
 

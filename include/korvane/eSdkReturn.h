@@ -4,6 +4,10 @@
 namespace korvane {
 
 /// Result of a journey, for the host's use: nothing in the component returns it.
-enum class eSdkReturn { eSUCCESS, eCANCELED, eFAILURE };
+enum class eSdkReturn {
+    eSUCCESS,   ///< "SUCCESS": it was done
+    eCANCELED,  ///< "CANCELED": the person gave up, or there was nothing to do
+    eFAILURE,   ///< "FAILURE": it ended on an error page
+};
 
 }  // namespace korvane

@@ -21,6 +21,7 @@ class BiometricPrompt {
         virtual void tell(std::string_view messageId) = 0;
     };
 
+    /// What the prompt tells the reader's adapter. Both run on the main thread.
     struct Callbacks {
         /// The prompt came into view, or went out of it (covered, minimised). The reader is armed only while
         /// a person can see why. Never runs from inside `show`.
@@ -31,7 +32,7 @@ class BiometricPrompt {
 
     virtual ~BiometricPrompt() = default;
 
-    /// Shows `reason` (a text in the person's language) with a way to cancel.
+    /// Shows `reason` (a text in the person's language) with a way to cancel. The caller owns the handle.
     virtual std::unique_ptr<Handle> show(const std::string& reason, Callbacks callbacks) = 0;
 };
 

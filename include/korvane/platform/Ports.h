@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/BiometricContext.h>
 #include <korvane/platform/Console.h>
 #include <korvane/platform/ImageDecoder.h>
@@ -19,14 +20,23 @@ namespace korvane {
 /// Everything that the component asks of the device, as one value. It is put together at one place, the
 /// composition root of an app. The first four have no stand-in; the others start as a device without them.
 struct Ports {
+    /// The main thread's work. No stand-in.
     std::shared_ptr<MainQueue> mainQueue;
+    /// Its timers. No stand-in.
     std::shared_ptr<Timers> timers;
+    /// The way to the card service. No stand-in.
     std::shared_ptr<UrlSession> urlSession;
+    /// The log. No stand-in; a release build puts a `RedactingConsole` in front of it.
     std::shared_ptr<Console> console;
+    /// Where the PCI token is kept when biometrics are on. Without one: the SMS step at each start.
     std::shared_ptr<SecureItemStore> secureItemStore = std::make_shared<NoSecureItemStore>();
+    /// The finger reader. Without one: as with biometrics off.
     std::shared_ptr<BiometricContext> biometricContext = std::make_shared<NoBiometricContext>();
+    /// Texts by key, for the few that the component hands to the device. Without one: the keys.
     std::shared_ptr<StringTable> stringTable = std::make_shared<KeyStringTable>();
+    /// Where a card's details are copied to. Without one: copying fails, and the screen says so.
     std::shared_ptr<Pasteboard> pasteboard = std::make_shared<NoPasteboard>();
+    /// Tells pictures from other bytes. Without one: by their signature, PNG or JPEG.
     std::shared_ptr<ImageDecoder> imageDecoder = std::make_shared<ImageSignatures>();
     std::string languageCode = {};  ///< the user's language (BCP 47: "es-MX"), for a string table that does
                                     ///< not tell its own; empty: not known
@@ -34,18 +44,18 @@ struct Ports {
 
 /// Installs the ports; call it on the main thread, before `initialize`. A later call replaces them, which is
 /// meant for tests between journeys. Returns false, and installs nothing, when a port is missing.
-bool installPorts(Ports ports);
+KORVANE_API bool installPorts(Ports ports);
 
 /// Ports are in use. Main thread.
-bool portsInstalled();
+KORVANE_API bool portsInstalled();
 
 /// Lets go of the ports, at the end of an app's `main` when no journey is left. The adapters then end their
 /// threads while the libraries that they use are still there; without this they run until the process ends.
 /// Main thread.
-void uninstallPorts();
+KORVANE_API void uninstallPorts();
 
 /// The ports in use. Calling it before `installPorts` ends the process with a message on standard error:
 /// there is nothing yet that could carry a failure. Any thread, as long as nobody installs.
-const Ports& ports();
+KORVANE_API const Ports& ports();
 
 }  // namespace korvane

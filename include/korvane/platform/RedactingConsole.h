@@ -15,6 +15,7 @@ namespace korvane {
 ///     ports.console = std::make_shared<korvane::RedactingConsole>(ports.console);
 class RedactingConsole final : public Console {
   public:
+    /// @param behind  gets the masked lines; shared, and must not be null
     explicit RedactingConsole(std::shared_ptr<Console> behind) : behind_(std::move(behind)) {}
 
     void line(std::string_view text) override { behind_->line(text); }

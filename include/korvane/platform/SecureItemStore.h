@@ -11,8 +11,11 @@ namespace korvane {
 /// failure, and the names say which. The numbers are those that the field uses for the same cases.
 using SecureItemStatus = int;
 
+/// Done.
 inline constexpr SecureItemStatus secureItemSuccess = 0;
+/// There is no such item.
 inline constexpr SecureItemStatus secureItemNotFound = -25300;
+/// There is such an item already.
 inline constexpr SecureItemStatus secureItemDuplicate = -25299;
 /// No store on this device, or none that answers.
 inline constexpr SecureItemStatus secureItemNotAvailable = -25291;
@@ -29,9 +32,10 @@ inline constexpr SecureItemStatus secureItemTimedOut = 100110;
 /// The store reported some other failure.
 inline constexpr SecureItemStatus secureItemFailed = -36;
 
+/// What reading an item gave.
 struct SecureItem {
-    SecureItemStatus status = secureItemNotAvailable;
-    std::optional<std::string> value;  ///< raw bytes; set only with status 0
+    SecureItemStatus status = secureItemNotAvailable;  ///< how the reading went
+    std::optional<std::string> value;                  ///< raw bytes; set only with status 0
 };
 
 /// Generic passwords in the device's own secure store, each named by service and account, readable after the
@@ -46,9 +50,12 @@ class SecureItemStore {
     /// `secureItemDuplicate` when the item exists already.
     virtual SecureItemStatus add(std::string_view service, std::string_view account,
                                  std::string_view value) = 0;
+    /// Puts `value` (any bytes) in the place of the item's; `secureItemNotFound` when there is no item.
     virtual SecureItemStatus update(std::string_view service, std::string_view account,
                                     std::string_view value) = 0;
+    /// The item's value; `secureItemNotFound` when there is no item.
     virtual SecureItem copy(std::string_view service, std::string_view account) = 0;
+    /// Deletes the item; `secureItemNotFound` when there is none.
     virtual SecureItemStatus remove(std::string_view service, std::string_view account) = 0;
 };
 

@@ -9,11 +9,13 @@
 
 namespace korvane {
 
+/// One HTTP request, whole.
 struct UrlRequest {
     std::string method;  ///< "POST"
     std::string url;     ///< absolute, "https://…"
+    /// Names and values, beside those that the session sends by itself.
     std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;
+    std::string body;  ///< sent as it is
 };
 
 /// What became of a request: an HTTP answer, or the reason why there is none.
@@ -22,6 +24,7 @@ struct UrlReply {
     std::string body;     ///< the answer's body, as received; empty when no whole answer came
     std::string failure;  ///< why no whole answer came (for the log only); empty when one did
 
+    /// A whole HTTP answer came, whatever its status.
     bool answered() const { return status != 0; }
 };
 

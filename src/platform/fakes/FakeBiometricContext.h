@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/BiometricContext.h>
 #include <korvane/platform/MainQueue.h>
 
@@ -11,8 +12,9 @@ namespace korvane {
 
 /// A check that is answered by hand. Main thread only; replies are posted to the queue it was made with.
 /// While it is not available, a check that is started all the same is answered with false.
-class FakeBiometricContext final : public BiometricContext {
+class KORVANE_API FakeBiometricContext final : public BiometricContext {
   public:
+    /// @param queue  where replies are posted; shared, never null
     explicit FakeBiometricContext(std::shared_ptr<MainQueue> queue);
     ~FakeBiometricContext() override;
 
@@ -20,14 +22,16 @@ class FakeBiometricContext final : public BiometricContext {
     std::unique_ptr<BiometricEvaluation> evaluate(std::string reason,
                                                   std::function<void(bool)> reply) override;
 
+    /// There is a reader and a finger is enrolled; true at first.
     void setAvailable(bool available) { available_ = available; }
     /// Answers the oldest check that is still open; false when there is none.
     bool answer(bool match);
+    /// What each check so far said as its reason, oldest first.
     const std::vector<std::string>& reasons() const { return reasons_; }
 
   private:
-    struct Check;
-    class Evaluation;
+    struct KORVANE_HIDDEN Check;
+    class KORVANE_HIDDEN Evaluation;
     void post(std::shared_ptr<Check> check, bool match);
 
     std::shared_ptr<MainQueue> queue_;

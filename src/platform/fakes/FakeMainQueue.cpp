@@ -4,15 +4,21 @@
 #include <cassert>
 #include <utility>
 
+#include "platform/WorkQueue.h"
+
 namespace korvane {
 
+FakeMainQueue::FakeMainQueue() : work_(std::make_unique<WorkQueue>()) {}
+
+FakeMainQueue::~FakeMainQueue() = default;
+
 void FakeMainQueue::post(std::function<void()> work) {
-    work_.push(std::move(work));
+    work_->push(std::move(work));
 }
 
 bool FakeMainQueue::runOne() {
     assert(isMainThread());
-    const auto work = work_.take();
+    const auto work = work_->take();
     if (!work) return false;
     work();
     return true;
@@ -25,7 +31,7 @@ std::size_t FakeMainQueue::runAll(std::size_t limit) {
 }
 
 std::size_t FakeMainQueue::pending() const {
-    return work_.size();
+    return work_->size();
 }
 
 }  // namespace korvane

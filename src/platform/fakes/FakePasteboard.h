@@ -16,7 +16,9 @@ class FakePasteboard final : public Pasteboard {
         if (text_ == text) text_.clear();
     }
 
+    /// False: `setString` refuses.
     void setAvailable(bool available) { available_ = available; }
+    /// What it holds; empty when nothing was put, or it was cleared.
     const std::string& text() const { return text_; }
 
   private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/SecureItemStore.h>
 
 #include <deque>
@@ -11,7 +12,7 @@
 namespace korvane {
 
 /// A store in memory, with statuses that can be scripted. The port's calls may come from any thread.
-class FakeSecureItemStore final : public SecureItemStore {
+class KORVANE_API FakeSecureItemStore final : public SecureItemStore {
   public:
     SecureItemStatus exists(std::string_view service, std::string_view account) override;
     SecureItemStatus add(std::string_view service, std::string_view account, std::string_view value) override;
