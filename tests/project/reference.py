@@ -10,10 +10,10 @@ import sys
 import tempfile
 
 # One of each kind that the generator treats in its own way.
-TAKEN = [("Initialize.h", r"/// Sets the component up.*?\n(?=bool)", "initialize"),
+TAKEN = [("Initialize.h", r"/// Sets the component up.*?\n(?=KORVANE_API bool)", "initialize"),
          ("Journey.h", r"/// Which journey\.\n", "JourneyKind"),
          ("Journey.h", r"///< digit boxes, on the screens.*?\n", "passcode"),
-         ("platform/UrlSession.h", r"    /// Starts a request\..*?\n(?=    virtual)", "start"),
+         ("platform/UrlSession.h", r"    /// Starts a request\..*?\n(?=    virtual std::unique)", "start"),
          ("korvane.h", r"/\*\* Uses the control of that id\. \*/\n", "korvane_journey_perform")]
 
 
