@@ -4,7 +4,8 @@ add_library(korvane_options INTERFACE)
 target_compile_features(korvane_options INTERFACE cxx_std_20)
 target_compile_options(korvane_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                        -Wold-style-cast -Wconversion -Wno-sign-conversion)
-target_include_directories(korvane_options INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+target_include_directories(korvane_options INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_BINARY_DIR}/include
+                                                     ${PROJECT_SOURCE_DIR}/src)
 if(KORVANE_WARNINGS_AS_ERRORS)
   target_compile_options(korvane_options INTERFACE -Werror)
 endif()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
+
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -9,8 +11,8 @@
 namespace korvane {
 
 /// Overwrites with zeros in a way that the compiler cannot leave out, then empties.
-void wipe(std::string& text);
-void wipe(std::vector<std::uint8_t>& bytes);
+KORVANE_API void wipe(std::string& text);
+KORVANE_API void wipe(std::vector<std::uint8_t>& bytes);
 
 /// Owns a text or bytes that held a secret, and wipes them when it goes.
 template <class Buffer>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/Timers.h>
 
 #include <chrono>
@@ -12,11 +13,12 @@ namespace korvane {
 
 /// `delay` after `now`, rounded up so that no timer fires early: `now` itself when the delay is negative or
 /// not a number, the clock's end when it is too long.
-std::chrono::nanoseconds dueTime(std::chrono::nanoseconds now, std::chrono::duration<double> delay);
+KORVANE_API std::chrono::nanoseconds dueTime(std::chrono::nanoseconds now,
+                                             std::chrono::duration<double> delay);
 
 /// Pending one-shot timers in the order of their due times, then of their starting: what all timers have in
 /// common, whatever clock they go by and whatever wakes their loop. One thread.
-class TimerQueue {
+class KORVANE_API TimerQueue {
   public:
     TimerQueue();
     /// Pending actions never run afterwards; their handles may outlive the queue.
@@ -40,8 +42,8 @@ class TimerQueue {
     std::size_t size() const;
 
   private:
-    struct State;
-    class Handle;
+    struct KORVANE_HIDDEN State;
+    class KORVANE_HIDDEN Handle;
     std::shared_ptr<State> state_;  // shared with the handles, which may outlive the queue
 };
 

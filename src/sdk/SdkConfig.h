@@ -2,6 +2,7 @@
 #pragma once
 
 #include <korvane/Appearance.h>
+#include <korvane/Export.h>
 #include <korvane/Initialize.h>
 #include <korvane/IvCallback.h>
 
@@ -23,7 +24,7 @@ namespace korvane {
 /// Main thread only; debug builds assert it. Nothing is locked.
 class SdkConfig {
   public:
-    static SdkConfig& sharedInstance();
+    KORVANE_API static SdkConfig& sharedInstance();
 
     std::string tokenApiUrl;  // nobody sets it (deliberate)
     std::string preSharedKeyBase64Encoded;

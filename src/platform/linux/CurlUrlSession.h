@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/UrlSession.h>
 
 #include <chrono>
@@ -26,7 +27,7 @@ struct CurlUrlSessionOptions {
 /// HTTP over libcurl, on one thread of its own that the first request starts. TLS 1.2 or better, HTTP/2 where
 /// the server has it, connections kept alive between requests; no cookies, no stored credentials, no content
 /// coding. Replies run on that thread: they must hand on and return, for they hold up all other requests.
-class CurlUrlSession final : public UrlSession {
+class KORVANE_API CurlUrlSession final : public UrlSession {
   public:
     explicit CurlUrlSession(CurlUrlSessionOptions options = {});
     /// Drops the requests under way. Waits for a reply that is running, but not for the network.
@@ -37,8 +38,8 @@ class CurlUrlSession final : public UrlSession {
     std::unique_ptr<UrlTask> start(UrlRequest request, std::function<void(UrlReply)> reply) override;
 
   private:
-    class Worker;
-    class Task;
+    class KORVANE_HIDDEN Worker;
+    class KORVANE_HIDDEN Task;
     CurlUrlSessionOptions options_;
     std::shared_ptr<Worker> worker_;  // shared with its thread and the tasks; none before the first request
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/BiometricContext.h>
 #include <korvane/platform/BiometricPrompt.h>
 #include <korvane/platform/MainQueue.h>
@@ -32,7 +33,7 @@ struct FprintdContextOptions {
 /// the prompt is told "sdk.biometrics.nomatch" before the second and the third, and "sdk.biometrics.retry"
 /// when the reader could not read a finger, which does not count. A reader in use by somebody else is asked
 /// for again for about 5 s.
-class FprintdContext final : public BiometricContext {
+class KORVANE_API FprintdContext final : public BiometricContext {
   public:
     /// Probes at once: the daemon exits when idle and may take seconds to start again.
     FprintdContext(std::shared_ptr<MainQueue> mainQueue, std::shared_ptr<BiometricPrompt> prompt,
@@ -47,9 +48,9 @@ class FprintdContext final : public BiometricContext {
                                                   std::function<void(bool)> reply) override;
 
   private:
-    struct Check;
-    class Evaluation;
-    class Worker;
+    struct KORVANE_HIDDEN Check;
+    class KORVANE_HIDDEN Evaluation;
+    class KORVANE_HIDDEN Worker;
 
     const std::shared_ptr<MainQueue> mainQueue_;
     const std::shared_ptr<BiometricPrompt> prompt_;

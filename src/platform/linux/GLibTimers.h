@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/Timers.h>
 
 #include <memory>
@@ -11,7 +12,7 @@ namespace korvane {
 
 /// Timers of a GLib main loop, on CLOCK_BOOTTIME: a timer that falls due while the device sleeps fires when
 /// it wakes. Delays are kept to the nanosecond and up to the clock's end.
-class GLibTimers final : public Timers {
+class KORVANE_API GLibTimers final : public Timers {
   public:
     /// None stands for the default context. The context is not owned.
     explicit GLibTimers(GMainContext* context = nullptr);
@@ -21,7 +22,7 @@ class GLibTimers final : public Timers {
     std::chrono::nanoseconds now() const override;
 
   private:
-    struct State;
+    struct KORVANE_HIDDEN State;
     std::shared_ptr<State> state_;  // shared with the source: an action may destroy the timers
 };
 

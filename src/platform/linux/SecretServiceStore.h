@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
 #include <korvane/platform/SecureItemStore.h>
 
 #include <chrono>
@@ -35,7 +36,7 @@ namespace korvane {
 /// Another program, or another process of the app at the same moment, may make several items of one service
 /// and account. `copy` reads the first that the daemon lists; `update` and `remove` do them all, so that no
 /// old value stays behind.
-class SecretServiceStore final : public SecureItemStore {
+class KORVANE_API SecretServiceStore final : public SecureItemStore {
   public:
     /// `timeout` is what one call may cost its caller, whatever the daemon does.
     explicit SecretServiceStore(std::chrono::milliseconds timeout = std::chrono::seconds(5));
@@ -50,7 +51,7 @@ class SecretServiceStore final : public SecureItemStore {
     SecureItemStatus remove(std::string_view service, std::string_view account) override;
 
   private:
-    class Worker;
+    class KORVANE_HIDDEN Worker;
     std::unique_ptr<Worker> worker_;
 };
 
