@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "base/TextKernels.h"
+
 namespace korvane {
 namespace {
 
@@ -47,9 +49,20 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
     return true;
 }
 
+bool isAscii(std::string_view bytes) {
+    bytes.remove_prefix(textKernels().ascii(bytes.data(), bytes.size()));
+    return portableTextKernels().ascii(bytes.data(), bytes.size()) == bytes.size();
+}
+
+std::size_t plainJsonLength(std::string_view text) {
+    const std::size_t whole = textKernels().plainJson(text.data(), text.size());
+    text.remove_prefix(whole);
+    return whole + portableTextKernels().plainJson(text.data(), text.size());
+}
+
 bool isUtf8(std::string_view bytes) {
     const auto at = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    std::size_t i = 0;
+    std::size_t i = textKernels().ascii(bytes.data(), bytes.size());
     while (i < bytes.size()) {
         const unsigned lead = at(i);
         if (lead < 0x80) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -17,6 +18,13 @@ bool equalIgnoringCase(std::string_view one, std::string_view other);
 
 /// True when the bytes are well-formed UTF-8 (RFC 3629: no overlong form, no surrogate, at most U+10FFFF).
 bool isUtf8(std::string_view bytes);
+
+/// True when every byte is ASCII.
+bool isAscii(std::string_view bytes);
+
+/// How much of `text`, from its start, is ASCII and stands for itself in a JSON string (RFC 8259, section 7):
+/// no control character, quotation mark or backslash.
+std::size_t plainJsonLength(std::string_view text);
 
 /// UTF-16 to UTF-8. A byte-order mark chooses the order and is dropped; without one the order is
 /// little-endian. An odd number of bytes or an unpaired surrogate gives none.

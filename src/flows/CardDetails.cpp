@@ -20,12 +20,12 @@ bool isWearable(const SdkConfig& config) {
 
 CardPicture decodedPicture(const std::string& base64) {
     if (base64.empty()) return {nullptr, "errors.decodedimgstrempty.failed"};
-    const auto decoded = base64Decode(base64);
-    if (!decoded) return {nullptr, "errors.base64todata.failed"};
-    const auto* const first = reinterpret_cast<const std::byte*>(decoded->data());
-    auto image = std::make_shared<const ImageData>(first, first + decoded->size());
+    const auto image = std::make_shared<ImageData>(base64Room(base64));
+    const auto size = base64Decode(base64, reinterpret_cast<std::uint8_t*>(image->data()));
+    if (!size) return {nullptr, "errors.base64todata.failed"};
+    image->resize(*size);
     if (!ports().imageDecoder->isImage(*image)) return {nullptr, "errors.datatoimage.failed"};
-    return {std::move(image), {}};
+    return {image, {}};
 }
 
 std::string_view disclosureLanguage() {

@@ -9,19 +9,17 @@ namespace korvane {
 namespace {
 
 /// The plain text; "" when the reply has none, and the values behind it are still taken.
-std::string decipherAndLog(const WireText& enciphered, std::string_view name,
-                           const std::vector<std::uint8_t>& iv) {
-    if (!enciphered) return {};
-    log({"theEnc", inClear(name), ": ", *enciphered});
-    std::string plain = decryptField(iv, *enciphered);
-    log({"dec", inClear(name), ": ", plain});
-    return plain;
+std::string decipherAndLog(WireText& value, std::string_view name, const std::vector<std::uint8_t>& iv) {
+    if (!value) return {};
+    log({"theEnc", inClear(name), ": ", *value});
+    decryptFieldInPlace(iv, *value);  // the picture has megabytes
+    log({"dec", inClear(name), ": ", *value});
+    return *std::move(value);
 }
 
-std::optional<std::string> storeCardDetails(const RestGetCardImage& reply,
-                                            const std::vector<std::uint8_t>& iv) {
+std::optional<std::string> storeCardDetails(RestGetCardImage& reply, const std::vector<std::uint8_t>& iv) {
     SdkConfig& config = SdkConfig::sharedInstance();
-    const auto store = [&](std::string SdkConfig::*field, const WireText& enciphered, std::string_view name) {
+    const auto store = [&](std::string SdkConfig::*field, WireText& enciphered, std::string_view name) {
         config.*field = decipherAndLog(enciphered, name, iv);
     };
     std::optional<std::string> report;

@@ -7,8 +7,7 @@
 namespace korvane {
 namespace {
 
-std::optional<std::string> storeCardStatus(const RestGetCardStatus& reply,
-                                           const std::vector<std::uint8_t>& iv) {
+std::optional<std::string> storeCardStatus(RestGetCardStatus& reply, const std::vector<std::uint8_t>& iv) {
     SdkConfig& config = SdkConfig::sharedInstance();
     if (!reply.encryptedCardStatus) return "Encrypted card status nil";
     log({"theEncCardStatus: ", *reply.encryptedCardStatus});

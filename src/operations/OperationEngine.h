@@ -74,22 +74,24 @@ Operation runOperation(const OperationDescription& description, Arguments argume
 /// Takes over texts as arguments and wipes the originals.
 Arguments argumentsFrom(std::initializer_list<std::reference_wrapper<std::string>> texts);
 
-/// A `Store` that still lacks its record.
+/// A `Store` that still lacks its record. Runs once, and may use up the record's texts.
 template <class Record>
-using StoreRecord = std::optional<std::string> (*)(const Record& record, const std::vector<std::uint8_t>& iv);
+using StoreRecord = std::optional<std::string> (*)(Record& record, const std::vector<std::uint8_t>& iv);
 
 /// Turns an endpoint's typed completion into the engine's.
 template <class Record>
 Completion<Record> replyTo(ReplyHandler handler, StoreRecord<Record> store) {
-    return [handler = std::move(handler), store](std::optional<Record> record,
-                                                 std::optional<CallError> error) {
-        if (!record) return handler(std::nullopt, std::move(error));
-        Reply reply{record->encryptedResult, {}};
-        if (store) {
-            reply.store = [record = *std::move(record), store](const auto& iv) { return store(record, iv); };
-        }
-        handler(std::move(reply), std::nullopt);
-    };
+    return
+        [handler = std::move(handler), store](std::optional<Record> record, std::optional<CallError> error) {
+            if (!record) return handler(std::nullopt, std::move(error));
+            Reply reply{record->encryptedResult, {}};
+            if (store) {
+                reply.store = [record = *std::move(record), store](const auto& iv) mutable {
+                    return store(record, iv);
+                };
+            }
+            handler(std::move(reply), std::nullopt);
+        };
 }
 
 /// A description's `send`: calls the method of `API` with the IV's id and the `count` values.

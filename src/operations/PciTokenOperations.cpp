@@ -14,8 +14,7 @@ namespace {
 /// number.
 constexpr double shortestTimeout = 60;
 
-std::optional<std::string> storeSmsToken(const RestPciTokenRequest& reply,
-                                         const std::vector<std::uint8_t>& iv) {
+std::optional<std::string> storeSmsToken(RestPciTokenRequest& reply, const std::vector<std::uint8_t>& iv) {
     if (!reply.encryptedPciSmsToken) return "";
     std::string& token = SdkConfig::sharedInstance().decryptedPciSmsToken;
     log({"theEncPciSmsToken: ", *reply.encryptedPciSmsToken});
@@ -40,8 +39,7 @@ void storeTimeout(const std::string& enciphered, const std::vector<std::uint8_t>
     }
 }
 
-std::optional<std::string> storePciToken(const RestPciTokenSubmission& reply,
-                                         const std::vector<std::uint8_t>& iv) {
+std::optional<std::string> storePciToken(RestPciTokenSubmission& reply, const std::vector<std::uint8_t>& iv) {
     SdkConfig& config = SdkConfig::sharedInstance();
     if (!reply.encryptedPciToken) return "";
     log({"theEncPciToken: ", *reply.encryptedPciToken});

@@ -38,7 +38,7 @@ CancelHandle call(EndpointId id, const std::string& url, const std::string& ivId
     TextMap body;
     body.set("offsetId", ivId);
     auto key = endpoint(id).keys.begin();
-    for (const std::string_view value : values) body.set(*key++, value);
+    for (const std::string_view value : values) body.set(*key++, std::string{value});
 
     const auto send = [id, url, body = std::move(body), completion](std::optional<std::string> authorization,
                                                                     ReAuthClosure reAuthClosure) {

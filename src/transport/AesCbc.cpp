@@ -4,19 +4,16 @@
 #include <openssl/evp.h>
 
 #include <climits>
-#include <memory>
+
+#include "base/Secret.h"
 
 namespace korvane {
 namespace {
 
-constexpr std::size_t blockSize = 16;
-
 struct CipherDeleter {
     void operator()(EVP_CIPHER* cipher) const { EVP_CIPHER_free(cipher); }
-    void operator()(EVP_CIPHER_CTX* context) const { EVP_CIPHER_CTX_free(context); }
 };
 using CipherPtr = std::unique_ptr<EVP_CIPHER, CipherDeleter>;
-using ContextPtr = std::unique_ptr<EVP_CIPHER_CTX, CipherDeleter>;
 
 /// Fetched once, on first use: an implicit fetch by each call costs 190 ns.
 const EVP_CIPHER* cipherFor(std::size_t keySize) {
@@ -35,39 +32,60 @@ const EVP_CIPHER* cipherFor(std::size_t keySize) {
     }
 }
 
-std::optional<std::vector<std::uint8_t>> crypt(bool encrypt, std::span<const std::uint8_t> key,
-                                               std::span<const std::uint8_t> iv,
-                                               std::span<const std::uint8_t> input) {
-    const EVP_CIPHER* const cipher = cipherFor(key.size());
-    if (!cipher || iv.size() != blockSize || input.size() > INT_MAX - blockSize) return std::nullopt;
-    // A context of its own for each call: none is left behind with a key schedule in it.
-    const ContextPtr context{EVP_CIPHER_CTX_new()};
-    if (!context || EVP_CipherInit_ex2(context.get(), cipher, key.data(), iv.data(), encrypt, nullptr) != 1) {
+std::optional<std::vector<std::uint8_t>> whole(AesCbc cipher, std::span<const std::uint8_t> input) {
+    if (input.size() > INT_MAX - AesCbc::blockSize) return std::nullopt;
+    std::vector<std::uint8_t> output(input.size() + AesCbc::blockSize);
+    const auto written = cipher.update(input, output.data());
+    const auto last = written ? cipher.finish(output.data() + *written) : std::nullopt;
+    if (!last) {
+        wipe(output);  // plain bytes up to the wrong padding, may be
         return std::nullopt;
     }
-    std::vector<std::uint8_t> output(input.size() + blockSize);
-    int written = 0;
-    int last = 0;
-    const bool done = EVP_CipherUpdate(context.get(), output.data(), &written, input.data(),
-                                       static_cast<int>(input.size())) == 1 &&
-                      EVP_CipherFinal_ex(context.get(), output.data() + written, &last) == 1;
-    if (!done) return std::nullopt;
-    output.resize(static_cast<std::size_t>(written) + static_cast<std::size_t>(last));
+    output.resize(*written + *last);
     return output;
 }
 
 }  // namespace
 
+void AesCbc::ContextDeleter::operator()(EVP_CIPHER_CTX* context) const {
+    EVP_CIPHER_CTX_free(context);
+}
+
+AesCbc::AesCbc(Direction direction, std::span<const std::uint8_t> key, std::span<const std::uint8_t> iv) {
+    const EVP_CIPHER* const cipher = cipherFor(key.size());
+    if (!cipher || iv.size() != blockSize) return;
+    context_.reset(EVP_CIPHER_CTX_new());
+    const int encrypt = direction == Direction::encrypt ? 1 : 0;
+    if (context_ &&
+        EVP_CipherInit_ex2(context_.get(), cipher, key.data(), iv.data(), encrypt, nullptr) != 1) {
+        context_.reset();
+    }
+}
+
+std::optional<std::size_t> AesCbc::update(std::span<const std::uint8_t> input, std::uint8_t* output) {
+    int written = 0;
+    if (!context_ || input.size() > INT_MAX - blockSize ||
+        EVP_CipherUpdate(context_.get(), output, &written, input.data(), static_cast<int>(input.size())) != 1)
+        return std::nullopt;
+    return static_cast<std::size_t>(written);
+}
+
+std::optional<std::size_t> AesCbc::finish(std::uint8_t* output) {
+    int written = 0;
+    if (!context_ || EVP_CipherFinal_ex(context_.get(), output, &written) != 1) return std::nullopt;
+    return static_cast<std::size_t>(written);
+}
+
 std::optional<std::vector<std::uint8_t>> aesCbcEncrypt(std::span<const std::uint8_t> key,
                                                        std::span<const std::uint8_t> iv,
                                                        std::span<const std::uint8_t> plain) {
-    return crypt(true, key, iv, plain);
+    return whole(AesCbc{AesCbc::Direction::encrypt, key, iv}, plain);
 }
 
 std::optional<std::vector<std::uint8_t>> aesCbcDecrypt(std::span<const std::uint8_t> key,
                                                        std::span<const std::uint8_t> iv,
                                                        std::span<const std::uint8_t> cipher) {
-    return crypt(false, key, iv, cipher);
+    return whole(AesCbc{AesCbc::Direction::decrypt, key, iv}, cipher);
 }
 
 }  // namespace korvane

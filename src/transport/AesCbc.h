@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
+
+struct evp_cipher_ctx_st;  // OpenSSL's cipher context
 
 namespace korvane {
 
@@ -17,5 +20,30 @@ std::optional<std::vector<std::uint8_t>> aesCbcEncrypt(std::span<const std::uint
 std::optional<std::vector<std::uint8_t>> aesCbcDecrypt(std::span<const std::uint8_t> key,
                                                        std::span<const std::uint8_t> iv,
                                                        std::span<const std::uint8_t> cipher);
+
+/// The same for one message in pieces. Its key schedule is made for it and wiped with it: nothing of a key is
+/// kept between messages. One thread at a time.
+class AesCbc {
+  public:
+    enum class Direction { encrypt, decrypt };
+
+    static constexpr std::size_t blockSize = 16;
+
+    AesCbc(Direction direction, std::span<const std::uint8_t> key, std::span<const std::uint8_t> iv);
+
+    /// Puts the next piece through. `output` has room for the piece and one block more, and does not overlap
+    /// it. Gives the number of bytes written; none on failure.
+    std::optional<std::size_t> update(std::span<const std::uint8_t> input, std::uint8_t* output);
+
+    /// Ends the message: writes what is left, at most one block, and gives its size. None on failure; then
+    /// what was written before is worth nothing.
+    std::optional<std::size_t> finish(std::uint8_t* output);
+
+  private:
+    struct ContextDeleter {
+        void operator()(evp_cipher_ctx_st* context) const;
+    };
+    std::unique_ptr<evp_cipher_ctx_st, ContextDeleter> context_;  // null: no such key or IV
+};
 
 }  // namespace korvane

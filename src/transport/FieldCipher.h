@@ -17,6 +17,10 @@ std::string encryptField(const std::vector<std::uint8_t>& iv, std::string_view t
 
 /// Deciphers; the result is UTF-8. Bytes that are not UTF-8 are taken as UTF-16. "" when `base64Text` is not
 /// strict base64, when key, IV, length or padding are wrong, and when the bytes are neither encoding.
+///
+/// The second form puts the plain text in the place of the enciphered one, and so needs no further buffer:
+/// for the texts that are long.
 std::string decryptField(const std::vector<std::uint8_t>& iv, std::string_view base64Text);
+void decryptFieldInPlace(const std::vector<std::uint8_t>& iv, std::string& text);
 
 }  // namespace korvane

@@ -3,12 +3,10 @@
 
 #include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include <algorithm>
 
-#include "base/Text.h"
+#include "transport/FlatJson.h"
 
 namespace korvane {
 namespace {
@@ -16,8 +14,6 @@ namespace {
 // Iterative, so that a hostile depth of nesting cannot run the stack over.
 constexpr unsigned parseFlags =
     rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
-
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
 std::optional<JsonError> parse(rapidjson::Document& document, std::string& json) {
     // In situ the end is a NUL: one inside the text would hide what follows it.
@@ -45,42 +41,39 @@ std::optional<JsonError> fill(const rapidjson::Value& object, std::span<const Te
     return std::nullopt;
 }
 
-std::optional<JsonError> write(Writer& writer, const TextMap& texts) {
-    writer.StartObject();
+std::optional<JsonError> append(std::string& json, const TextMap& texts) {
+    json += '{';
     for (const auto& [key, text] : texts.entries()) {
-        if (!isUtf8(key) || !isUtf8(text)) return JsonError{"the entry \"" + key + "\" is not UTF-8"};
-        writer.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
-        writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+        if (json.back() != '{') json += ',';
+        if (!appendJsonString(json, key) || !appendJsonString(json += ':', text))
+            return JsonError{"the entry \"" + std::string{key} + "\" is not UTF-8"};
     }
-    writer.EndObject();
+    json += '}';
     return std::nullopt;
-}
-
-std::string textOf(const rapidjson::StringBuffer& buffer) {
-    return {buffer.GetString(), buffer.GetSize()};
 }
 
 }  // namespace
 
-void TextMap::set(std::string_view key, std::string_view text) {
+void TextMap::set(std::string_view key, std::string text) {
     const auto entry = std::ranges::find(entries_, key, &Entry::first);
     if (entry == entries_.end()) {
-        entries_.emplace_back(key, text);
+        entries_.emplace_back(key, std::move(text));
     } else {
-        entry->second = text;
+        entry->second = std::move(text);
     }
 }
 
 std::variant<std::string, JsonError> encodeTexts(const TextMap& texts) {
-    rapidjson::StringBuffer buffer;
-    Writer writer{buffer};
-    if (auto error = write(writer, texts)) return *std::move(error);
-    return textOf(buffer);
+    std::string json;
+    if (auto error = append(json, texts)) return *std::move(error);
+    return json;
 }
 
-std::variant<std::monostate, JsonError> decodeTexts(std::string json, std::span<const TextSlot> slots) {
+std::variant<std::monostate, JsonError> decodeTexts(std::string_view json, std::span<const TextSlot> slots) {
+    if (readFlatJson(json, slots)) return std::monostate{};
+    std::string copy{json};
     rapidjson::Document document;
-    if (auto error = parse(document, json)) return *std::move(error);
+    if (auto error = parse(document, copy)) return *std::move(error);
     if (auto error = fill(document, slots)) return *std::move(error);
     return std::monostate{};
 }
@@ -106,19 +99,17 @@ std::variant<DecryptedCardDisclosure, JsonError> decodeDisclosures(std::string j
 }
 
 std::variant<std::string, JsonError> encodeDisclosures(const DecryptedCardDisclosure& disclosures) {
-    rapidjson::StringBuffer buffer;
-    Writer writer{buffer};
-    writer.StartObject();
+    std::string json = "{";
     if (disclosures.CardDisclosures) {
-        writer.Key("CardDisclosures");
-        writer.StartArray();
+        json += "\"CardDisclosures\":[";
         for (const DecryptedCardDisclosureItem& item : *disclosures.CardDisclosures) {
-            if (auto error = write(writer, textsOf(item))) return *std::move(error);
+            if (json.back() != '[') json += ',';
+            if (auto error = append(json, textsOf(item))) return *std::move(error);
         }
-        writer.EndArray();
+        json += ']';
     }
-    writer.EndObject();
-    return textOf(buffer);
+    json += '}';
+    return json;
 }
 
 }  // namespace korvane

@@ -22,13 +22,14 @@ struct JsonError {
     std::string text;
 };
 
-/// A request's body: texts by key, in the order in which the keys came first.
+/// A request's body: texts by key, in the order in which the keys came first. A key is not copied: it is one
+/// of the names that stand in the code.
 class TextMap {
   public:
-    using Entry = std::pair<std::string, std::string>;
+    using Entry = std::pair<std::string_view, std::string>;
 
     /// Adds an entry, or replaces the text of the one with this key.
-    void set(std::string_view key, std::string_view text);
+    void set(std::string_view key, std::string text);
     const std::vector<Entry>& entries() const { return entries_; }
 
   private:
@@ -46,7 +47,7 @@ struct TextSlot {
 
 /// Fills the slots; a key that is missing or null leaves its slot absent. Fails when `json` is not one
 /// well-formed JSON object in UTF-8, or when a value for a slot is not a text; some slots may be filled then.
-std::variant<std::monostate, JsonError> decodeTexts(std::string json, std::span<const TextSlot> slots);
+std::variant<std::monostate, JsonError> decodeTexts(std::string_view json, std::span<const TextSlot> slots);
 
 template <class Record>
 auto slotsOf(Record& record) {
@@ -68,9 +69,9 @@ TextMap textsOf(const Record& record) {
 }
 
 template <class Record>
-std::variant<Record, JsonError> decodeRecord(std::string json) {
+std::variant<Record, JsonError> decodeRecord(std::string_view json) {
     Record record;
-    auto outcome = decodeTexts(std::move(json), slotsOf(record));
+    auto outcome = decodeTexts(json, slotsOf(record));
     if (auto* error = std::get_if<JsonError>(&outcome)) return std::move(*error);
     return record;
 }

@@ -12,8 +12,6 @@
 namespace korvane {
 namespace {
 
-using RawCompletion = std::function<void(std::variant<std::string, RequestError>)>;
-
 class Request;
 
 /// Owns the requests under way: handles are for cancelling alone. Never destroyed, like the state that they
@@ -33,8 +31,8 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
         // The reply comes on the session's thread, which must never own the request: it holds it weakly.
         task_ = ports().urlSession->start(
             std::move(request), [weak = weak_from_this(), queue = ports().mainQueue](UrlReply reply) {
-                queue->post([weak, reply = std::move(reply)] {
-                    if (const auto self = weak.lock()) self->answered(reply);
+                queue->post([weak, reply = std::move(reply)]() mutable {
+                    if (const auto self = weak.lock()) self->answered(std::move(reply));
                 });
             });
     }
@@ -61,7 +59,7 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
         return {std::exchange(reAuthClosure_, nullptr), std::exchange(completion_, nullptr)};
     }
 
-    void answered(const UrlReply& reply) {
+    void answered(UrlReply reply) {
         if (!completion_) return;
         const Callbacks callbacks = end();
         if (!reply.answered()) {
@@ -69,14 +67,18 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
             return callbacks.completion(RequestError{noAnswerCode, reply.failure});
         }
         const std::string status = std::to_string(reply.status);
-        SdkConfig::sharedInstance().lastJsonResponseStr = reply.body;
+        const std::string& body = SdkConfig::sharedInstance().lastJsonResponseStr = std::move(reply.body);
         log("Status code and JSON response at base:\n");
         log(inClear(status));
-        log(isUtf8(reply.body) ? reply.body : std::to_string(reply.body.size()) + " bytes, not UTF-8");
-        if (reply.status == 200) return callbacks.completion(reply.body);
+        if (isUtf8(body)) {
+            log(body);
+        } else {
+            log(std::to_string(body.size()) + " bytes, not UTF-8");
+        }
+        if (reply.status == 200) return callbacks.completion(body);
 
         RequestError error{reply.status, "status code = " + status};
-        error.body = reply.body;
+        error.body = body;
         if (reply.status != 401) return callbacks.completion(std::move(error));
         log("Got 401... calling reAuthClosure...");
         callbacks.reAuthClosure(std::move(error));

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -30,9 +31,11 @@ struct RequestParts {
     std::optional<std::string> authorization;
 };
 
-/// The part of `doRequest` that does not depend on the record: hands over the body of a 200 answer.
-CancelHandle sendRequest(RequestParts parts, ReAuthClosure reAuthClosure,
-                         std::function<void(std::variant<std::string, RequestError>)> completion);
+/// The body of a 200 answer, where the shared state keeps it: to be read before anything else is done.
+using RawCompletion = std::function<void(std::variant<std::string_view, RequestError>)>;
+
+/// The part of `doRequest` that does not depend on the record.
+CancelHandle sendRequest(RequestParts parts, ReAuthClosure reAuthClosure, RawCompletion completion);
 
 /// Sends one request and turns the answer into a record. Errors: -1 for a body that cannot be written, for no
 /// whole answer and for a 200 answer that does not decode; the HTTP status, with the answer's body, for any
@@ -42,10 +45,10 @@ template <class Record>
 CancelHandle doRequest(RequestParts parts, ReAuthClosure reAuthClosure, Completion<Record> completion) {
     return sendRequest(
         std::move(parts), std::move(reAuthClosure),
-        [completion = std::move(completion)](std::variant<std::string, RequestError> outcome) {
+        [completion = std::move(completion)](std::variant<std::string_view, RequestError> outcome) {
             if (auto* error = std::get_if<RequestError>(&outcome))
                 return completion(std::nullopt, std::move(*error));
-            auto decoded = decodeRecord<Record>(std::get<std::string>(std::move(outcome)));
+            auto decoded = decodeRecord<Record>(std::get<std::string_view>(outcome));
             if (auto* error = std::get_if<JsonError>(&decoded)) {
                 log({". JSON decode error: ", error->text});
                 return completion(std::nullopt, RequestError{noAnswerCode, std::move(error->text)});
