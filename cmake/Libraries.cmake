@@ -3,6 +3,11 @@
 # everything in this tree links, and the shared library. A shared library links the shared form of those below it, so a
 # process that uses them holds the component's state once.
 include(GenerateExportHeader)
+# Before Qt asks for it.
+if(CMAKE_LIBRARY_ARCHITECTURE AND EXISTS /etc/debian_version)
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Libraries")  # below any prefix, not /usr alone
+endif()
+include(GNUInstallDirs)
 
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/korvane.map.in ${PROJECT_BINARY_DIR}/korvane.map @ONLY)

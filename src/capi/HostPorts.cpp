@@ -3,16 +3,9 @@
 
 #include <korvane/platform/RedactingConsole.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <utility>
 
-#include "platform/linux/CurlUrlSession.h"
-#include "platform/linux/FprintdContext.h"
-#include "platform/linux/GLibMainQueue.h"
-#include "platform/linux/GLibTimers.h"
-#include "platform/linux/SecretServiceStore.h"
-#include "platform/linux/StdoutConsole.h"
+#include "platform/linux/LinuxPorts.h"
 
 namespace korvane {
 namespace {
@@ -54,16 +47,6 @@ class HostPasteboard final : public Pasteboard {
     korvane_host host_;
     std::string held_;
 };
-
-/// The language of the process's messages ("es_MX.UTF-8" is "es"): POSIX has three variables for it, the
-/// first one that is set counts.
-std::string localeLanguage() {
-    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* const locale = std::getenv(name);
-        if (locale && *locale) return std::string{locale}.substr(0, std::strcspn(locale, "_.@"));
-    }
-    return {};
-}
 
 }  // namespace
 
@@ -120,22 +103,13 @@ bool HostPrompt::cancel() {
 }
 
 HostPorts::HostPorts(const korvane_host& host, GMainContext* context) {
-    CurlUrlSessionOptions session;
-    if (host.ca_file) session.caFile = host.ca_file;
-    ports.mainQueue = std::make_shared<GLibMainQueue>(context);
-    ports.timers = std::make_shared<GLibTimers>(context);
-    ports.urlSession = std::make_shared<CurlUrlSession>(session);
-    ports.console = std::make_shared<StdoutConsole>();
+    if (host.prompt) prompt = std::make_shared<HostPrompt>(host);
+    ports = linuxPorts(host.ca_file ? host.ca_file : "", prompt, context);
     if (host.log_line) ports.console = std::make_shared<HostConsole>(host);
     if (host.mask_secrets) ports.console = std::make_shared<RedactingConsole>(ports.console);
     if (host.text) ports.stringTable = std::make_shared<HostTexts>(host);
     if (host.copied) ports.pasteboard = std::make_shared<HostPasteboard>(host);
-    ports.languageCode = host.language ? host.language : localeLanguage();
-    // The store is there with biometrics off too: `initialize` deletes what an earlier run kept.
-    ports.secureItemStore = std::make_shared<SecretServiceStore>();
-    if (!host.prompt) return;
-    prompt = std::make_shared<HostPrompt>(host);
-    ports.biometricContext = std::make_shared<FprintdContext>(ports.mainQueue, prompt);
+    if (host.language) ports.languageCode = host.language;
 }
 
 }  // namespace korvane
