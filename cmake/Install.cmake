@@ -79,5 +79,5 @@ set_target_properties(korvane-journey PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
 install(TARGETS korvane-sandbox korvane-journey RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT sandbox)
 
 include(cmake/Sbom.cmake)
-install(FILES LICENSE docs/licences.md ${PROJECT_BINARY_DIR}/korvane.spdx.json DESTINATION ${CMAKE_INSTALL_DOCDIR}
+install(FILES LICENSE docs/licences.md ${PROJECT_BINARY_DIR}/korvane.spdx.json DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvane
         COMPONENT runtime)

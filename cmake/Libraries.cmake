@@ -21,15 +21,11 @@ function(korvane_shared target)
   target_link_options(${target} PRIVATE LINKER:--version-script=${arg_MAP} LINKER:--no-undefined)
 endfunction()
 
-# korvane_library(archive [OBJECTS …] [PUBLIC …] [PRIVATE …]): names the archive korvane_core libkorvane-core.a and adds
-# korvane_core_shared, libkorvane-core.so, which links what is listed.
-function(korvane_library archive)
+# korvane_library(archive component [OBJECTS …] [PUBLIC …] [PRIVATE …]): names the archive korvane_core libkorvane-core.a and
+# adds korvane_core_shared, libkorvane-core.so, which links what is listed. Hosts find either as Korvane::<component>.
+function(korvane_library archive component)
   cmake_parse_arguments(arg "" "" "OBJECTS;PUBLIC;PRIVATE" ${ARGN})
   string(REPLACE "_" "-" name ${archive})
-  string(REGEX REPLACE "^korvane_" "" component ${archive})
-  string(SUBSTRING ${component} 0 1 first)
-  string(TOUPPER ${first} first)
-  string(REGEX REPLACE "^." "${first}" component ${component})
   add_library(${archive}_shared SHARED $<TARGET_OBJECTS:${archive}> ${arg_OBJECTS})
   set_target_properties(${archive} ${archive}_shared PROPERTIES OUTPUT_NAME ${name} EXPORT_NAME ${component})
   target_compile_features(${archive} INTERFACE cxx_std_20)
