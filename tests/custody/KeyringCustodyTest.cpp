@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The two items in a real keyring that fails while they are written.
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include <chrono>
 #include <functional>
@@ -10,7 +9,7 @@
 #include "platform/fakes/FakePorts.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "sdk/SdkConfig.h"
-#include "tests/platform/support/Daemons.h"
+#include "tests/platform/support/Devices.h"
 
 namespace korvane {
 namespace {
@@ -38,18 +37,19 @@ class KeyringCustody : public ::testing::Test {
         ports.console = console;
         ports.secureItemStore = std::make_shared<SecretServiceStore>();
         installPorts(ports);
+        devices.ask("start_keyring");
         config.currentPciToken = "token";
         config.decBiometricsAuthenticationTimer = "300.0";
     }
 
     /// Saves twice: whole, and then with a fault between the two writes.
-    void saveWithFault(const std::function<void()>& fault) {
+    void saveWithFault(const std::string& fault) {
         EXPECT_TRUE(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain());
         config.currentPciToken = "newer token";
         config.decBiometricsAuthenticationTimer = "600.0";
         console->lines.clear();
         console->at = "Success writing pci token to keychain";
-        console->act = fault;
+        console->act = [=, this] { devices.ask(fault); };
         const auto begin = std::chrono::steady_clock::now();
         EXPECT_FALSE(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain());
         EXPECT_THAT(console->lines, ElementsAre("Success writing pci token to keychain",
@@ -70,28 +70,25 @@ class KeyringCustody : public ::testing::Test {
         EXPECT_EQ(config.decBiometricsAuthenticationTimer, timeout);
     }
 
-    testing::Keyring keyring{false};
+    testing::Devices devices;
     FakePorts device;
     std::shared_ptr<ActingConsole> console = std::make_shared<ActingConsole>();
     SdkConfig& config = SdkConfig::sharedInstance();
 };
 
 TEST_F(KeyringCustody, AKeyringThatDiesBetweenTheWritesKeepsTheFirst) {
-    keyring.start();
-    saveWithFault([this] { keyring.kill(); });
-    keyring.start();
+    saveWithFault("kill_keyring");
+    devices.ask("start_keyring");
     expectKept("newer token", "300.0");
 }
 
 TEST_F(KeyringCustody, AKeyringThatIsLockedBetweenTheWritesReadsAsFailure) {
-    keyring.start();
-    saveWithFault([this] { keyring.lock(); });
+    saveWithFault("lock");
 }
 
 TEST_F(KeyringCustody, AKeyringThatHangsBetweenTheWritesDoesNotHangTheJourney) {
-    keyring.start();
-    saveWithFault([this] { keyring.signal(SIGSTOP); });
-    keyring.signal(SIGCONT);
+    saveWithFault("stop keyring");
+    devices.ask("go_on keyring");
     expectKept("newer token", "300.0");
 }
 

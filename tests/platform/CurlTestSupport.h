@@ -37,6 +37,12 @@ inline UrlReply fetch(UrlSession& session, UrlRequest request) {
     return future.get();
 }
 
+/// The reply has no answer of the service's, and a text that tells why.
+inline void expectFailure(const UrlReply& reply, const std::string& text) {
+    EXPECT_EQ(std::to_string(reply.status) + reply.body, "0");
+    EXPECT_NE(reply.failure.find(text), std::string::npos) << reply.failure;
+}
+
 inline UrlReply post(UrlSession& session, std::string url, std::string body = "{}") {
     return fetch(session, {"POST", std::move(url), {{"Content-Type", "application/json"}}, std::move(body)});
 }

@@ -2,14 +2,13 @@
 #include "platform/linux/FprintdContext.h"
 
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include <chrono>
 #include <thread>
 
 #include "platform/linux/GLibMainQueue.h"
 #include "tests/platform/BiometricContextContract.h"
-#include "tests/platform/support/Daemons.h"
+#include "tests/platform/support/Devices.h"
 #include "tests/platform/support/ScriptedPrompt.h"
 
 namespace korvane::testing {
@@ -20,9 +19,9 @@ using ::testing::ElementsAre;
 
 struct ReaderDriver {
     explicit ReaderDriver(std::chrono::milliseconds timeout = 60s) {
-        reader.enrol();
-        context = std::make_shared<FprintdContext>(queue, prompt,
-                                                   FprintdContextOptions{reader.bus.address(), timeout});
+        devices.ask("start_reader");
+        devices.ask("enrol");
+        context = std::make_shared<FprintdContext>(queue, prompt, FprintdContextOptions{bus, timeout});
     }
 
     template <class Condition>
@@ -33,28 +32,31 @@ struct ReaderDriver {
             if (!g_main_context_iteration(nullptr, FALSE)) std::this_thread::sleep_for(1ms);
         }
     }
+    void waitUntilArmed(bool armed = true) {
+        runUntil([&] { return devices.is("armed") == armed; });
+    }
     void settle() {
-        runUntil([this] { return !reader.armed(); });
+        waitUntilArmed(false);
         EXPECT_FALSE(prompt->shown());
     }
     void has(Happening happening) {
-        runUntil([this] { return reader.armed(); });
+        waitUntilArmed();
         if (happening == Happening::retryThenMatch) scan("RETRY 1");
-        if (happening == Happening::lostReader) return reader.kill();
+        if (happening == Happening::lostReader) return void(devices.ask("kill_reader"));
         if (happening == Happening::noMatch) return scan("SCAN wrong", 3);
         if (happening != Happening::cancel) return scan("SCAN right");
-        reader.send("SCAN right");
+        devices.ask("send SCAN right");
         prompt->cancel();  // while the reader says yes
     }
-    void forgetFingers() { reader.forgetFingers(); }
+    void forgetFingers() { devices.ask("forget_fingers"); }
 
     /// Has the reader do this while it waits for a finger.
-    void scan(const char* line, int times = 1) {
+    void scan(const std::string& line, int times = 1) {
         for (; times > 0; --times) {
-            runUntil([this] { return reader.armed(); });
+            waitUntilArmed();
             const std::size_t told = prompt->told.size();
-            reader.send(line);
-            runUntil([&] { return prompt->told.size() > told || !reader.armed(); });
+            devices.ask("send " + line);
+            runUntil([&] { return prompt->told.size() > told || !devices.is("armed"); });
         }
     }
     std::unique_ptr<BiometricEvaluation> start() {
@@ -63,7 +65,7 @@ struct ReaderDriver {
     /// Starts a check, and waits until the reader is armed.
     std::unique_ptr<BiometricEvaluation> arm() {
         auto check = start();
-        runUntil([this] { return reader.armed(); });
+        waitUntilArmed();
         return check;
     }
     /// The one check that was started ends so.
@@ -76,7 +78,8 @@ struct ReaderDriver {
         runUntil([&] { return replies.size() == count; });
     }
 
-    VirtualReader reader;
+    Devices devices;
+    const std::string bus = devices.ask("address SYSTEM");
     std::shared_ptr<GLibMainQueue> queue = std::make_shared<GLibMainQueue>();
     std::shared_ptr<ScriptedPrompt> prompt = std::make_shared<ScriptedPrompt>(queue);
     std::shared_ptr<BiometricContext> context;
@@ -92,7 +95,7 @@ TEST(Fprintd, TellsWhatWentWrongUntilAFingerMatchesAndLetsGoOfTheReader) {
     driver.expectAnswer(true);
     EXPECT_THAT(driver.prompt->told, ElementsAre("sdk.biometrics.retry", "sdk.biometrics.nomatch",
                                                  "sdk.biometrics.retry", "sdk.biometrics.nomatch"));
-    driver.runUntil([&] { return driver.reader.allows("Claim", ""); });
+    driver.runUntil([&] { return driver.devices.is("claim"); });
 }
 
 TEST(Fprintd, IsArmedOnlyWhileThePromptIsInSight) {
@@ -100,11 +103,11 @@ TEST(Fprintd, IsArmedOnlyWhileThePromptIsInSight) {
     driver.prompt->comesIntoView = false;
     const auto check = driver.start();
     for (int turn = 0; turn < 3; ++turn) {
-        EXPECT_FALSE(driver.reader.armed());
+        EXPECT_FALSE(driver.devices.is("armed"));
         driver.prompt->setVisible(true);
-        driver.runUntil([&] { return driver.reader.armed(); });
+        driver.waitUntilArmed();
         driver.prompt->setVisible(false);
-        driver.runUntil([&] { return !driver.reader.armed(); });
+        driver.waitUntilArmed(false);
     }
     driver.prompt->setVisible(true);
     driver.expectAnswer(true);
@@ -112,9 +115,9 @@ TEST(Fprintd, IsArmedOnlyWhileThePromptIsInSight) {
 
 TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
     ReaderDriver driver;
-    driver.reader.kill();
-    driver.reader.startOnDemand();
-    FprintdContext context(driver.queue, driver.prompt, {driver.reader.bus.address()});
+    driver.devices.ask("kill_reader");
+    driver.devices.ask("start_reader_on_demand");
+    FprintdContext context(driver.queue, driver.prompt, {driver.bus});
     driver.runUntil([&] { return context.canEvaluate(); });
     const auto check = driver.arm();
     driver.expectAnswer(true);
@@ -123,17 +126,15 @@ TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
 TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
     ReaderDriver driver;
     const auto check = driver.arm();
-    EXPECT_TRUE(g_dbus_connection_emit_signal(driver.reader.bus.connection(), nullptr, VirtualReader::path,
-                                              VirtualReader::interface, "VerifyStatus",
-                                              g_variant_new("(sb)", "verify-match", TRUE), nullptr));
+    driver.devices.ask("pretend_match");
     driver.expectAnswer(false);
 }
 
 TEST(Fprintd, AnErrorAndAnUnpluggedReaderAreFalse) {
     ReaderDriver driver;
-    for (const char* line : {"ERROR 0", "UNPLUG"}) {
+    for (const char* line : {"send ERROR 0", "send UNPLUG"}) {
         const auto check = driver.arm();
-        driver.reader.send(line);
+        driver.devices.ask(line);
         driver.waitForReplies(driver.replies.size() + 1);
     }
     EXPECT_THAT(driver.replies, ElementsAre(false, false));
@@ -141,12 +142,12 @@ TEST(Fprintd, AnErrorAndAnUnpluggedReaderAreFalse) {
 
 TEST(Fprintd, AReaderInUseIsWaitedFor) {
     ReaderDriver driver;
-    driver.reader.device("Claim", "");
+    driver.devices.ask("claim");
     const auto check = driver.start();
     const auto until = std::chrono::steady_clock::now() + 300ms;
     driver.runUntil([&] { return std::chrono::steady_clock::now() > until; });
     EXPECT_TRUE(driver.replies.empty());
-    driver.reader.device("Release");
+    driver.devices.ask("release");
     driver.expectAnswer(true);
 }
 
@@ -156,7 +157,7 @@ TEST(Fprintd, ACheckEndsWhenItsTimeIsUpAlsoWithADaemonThatHangs) {
     driver.waitForReplies();
     driver.settle();
     EXPECT_TRUE(driver.context->canEvaluate());
-    driver.reader.signal(SIGSTOP);
+    driver.devices.ask("stop fprintd");
     const auto begin = std::chrono::steady_clock::now();
     check = driver.start();
     driver.waitForReplies(2);
@@ -171,7 +172,7 @@ TEST(Fprintd, ADestroyedContextDropsItsChecksAndLetsGoOfTheReader) {
     driver.context.reset();
     driver.settle();
     EXPECT_TRUE(driver.replies.empty());
-    EXPECT_TRUE(driver.reader.allows("Claim", ""));
+    EXPECT_TRUE(driver.devices.is("claim"));
 }
 
 }  // namespace

@@ -5,100 +5,68 @@
 
 #include <atomic>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
+#include <set>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
+#include "sandbox/Connection.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace korvane::testing {
 
-struct TestRequest {
-    std::string method;
-    std::string target;
-    std::map<std::string, std::string> headers;  ///< names in lower case
-    std::string body;
-};
-
-/// A connection that a handler misbehaves on. Used on the connection's own thread.
-class TestConnection {
-  public:
-    explicit TestConnection(BIO* bio) : bio_(bio) {}
-
-    /// The next request; none when the other side is gone.
-    std::optional<TestRequest> request();
-    /// Up to `size` bytes; none when the other side is gone.
-    std::string receive(std::size_t size);
-    /// Waits until the other side closes, or the server stops.
-    void waitForClose();
-
-    /// False when the other side is gone.
-    bool send(std::string_view bytes);
-    /// A whole answer, with a Content-Length.
-    bool answer(int status, std::string_view body, const std::string& headers = "");
-    /// Has the connection end with a TCP reset.
-    void reset();
-
-  private:
-    std::string line();
-
-    BIO* const bio_;
-};
+using sandbox::Connection;
 
 struct TestServerOptions {
-    bool tls = true;            ///< with a certificate for the loopback names, made for the run
-    bool oldTlsOnly = false;    ///< at most TLS 1.1
-    std::string protocol = "";  ///< taken when it is offered (ALPN)
+    bool tls = true;          ///< with a certificate for the loopback names, made for the run
+    bool oldTlsOnly = false;  ///< at most TLS 1.1
+    std::function<void(Connection&)> raw = nullptr;  ///< has all of a connection; "h2" is taken (ALPN)
 };
 
 /// An HTTP/1.1 server on a free port of 127.0.0.1, one thread a connection, whose handler has the raw
 /// connection in its hands: it can stall, reset, or send anything.
-class TestServer {
+class TestServer : private httplib::Server {
   public:
-    /// Handles one request; false closes the connection, true keeps it for the next request.
-    using Handler = std::function<bool(TestConnection&, const TestRequest&)>;
+    /// The response goes nowhere when the handler shut the connection down or dropped it.
+    using Handler = std::function<void(Connection&, const httplib::Request&, httplib::Response&)>;
 
     explicit TestServer(Handler handler, TestServerOptions options = {});
-    ~TestServer();
-    TestServer(const TestServer&) = delete;
+    ~TestServer() override;
 
     std::string url(const std::string& path, const std::string& host = "127.0.0.1") const;
     /// PEM file with the authority of the server's certificate.
     std::string caFile() const { return folder_ / "ca.pem"; }
 
-    std::vector<TestRequest> requests() const;
+    std::vector<httplib::Request> requests() const;
     int connections() const { return connections_; }
     int closed() const { return closed_; }
 
+    /// False when the other side is gone.
+    static bool send(Connection& connection, const std::string& bytes) {
+        return connection.httplib::Stream::write(bytes) > 0;
+    }
+    /// What comes up to these bytes and with them, or until the other side is gone.
+    static std::string receiveUntil(Connection& connection, const std::string& end);
+    /// Waits until the other side closes, or the server stops.
+    static void waitForClose(Connection& connection);
+
   private:
-    struct Release {
-        void operator()(BIO* bio) const { BIO_free_all(bio); }
-        void operator()(SSL_CTX* context) const { SSL_CTX_free(context); }
-    };
-
     void useTls();
-    void accept();
-    void serve(BIO* socket, int fd);
+    bool process_and_close_socket(socket_t socket) override;
 
-    const Handler handler_;
     const TestServerOptions options_;
     const TemporaryFolder folder_;
-    const std::unique_ptr<BIO, Release> listener_;
-    std::unique_ptr<SSL_CTX, Release> context_;
-    std::string port_;
+    std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> tls_{nullptr, SSL_CTX_free};
+    int port_ = 0;
     std::atomic<int> connections_ = 0;
     std::atomic<int> closed_ = 0;
 
-    mutable std::mutex mutex_;  // for the next four
+    mutable std::mutex mutex_;  // for the next three
     bool stopping_ = false;
-    std::vector<int> open_;
-    std::vector<std::thread> threads_;
-    std::vector<TestRequest> requests_;
+    std::set<Connection*> open_;
+    std::vector<httplib::Request> requests_;
 
     std::thread acceptor_;  // last: it uses all of the above
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The sheet of a fingerprint check, with the real daemon and a virtual reader behind it.
 // GIO comes first: it has a member of a name that is a keyword of Qt's.
-#include "tests/platform/support/Daemons.h"
+#include "tests/platform/support/Devices.h"
 
 #include <gmock/gmock.h>
 
@@ -42,20 +42,24 @@ class BiometricSheet : public QuickFixture {
 
 class ReaderSheet : public BiometricSheet {
   protected:
-    ReaderSheet() { reader.enrol(); }
+    ReaderSheet() { devices.ask("enrol"); }
 
     /// Starts a check over the PIN entry, and waits until the reader is armed.
     void arm() {
         check = context.evaluate("reason", [this](bool match) { replies.push_back(match); });
-        ASSERT_TRUE(becomes([this] { return find("biometricSheet") && reader.armed(); }));
+        ASSERT_TRUE(becomes([this] { return find("biometricSheet") && devices.is("armed"); }));
+    }
+    bool isArmed(bool armed = true) {
+        return becomes([&] { return devices.is("armed") == armed; });
     }
     bool ends(bool match) {
-        return becomes([this] { return !find("biometricSheet") && !reader.armed(); }) &&
+        return becomes([this] { return !find("biometricSheet") && !devices.is("armed"); }) &&
                std::exchange(replies, {}) == std::vector{match};
     }
 
-    testing::VirtualReader reader;
-    FprintdContext context{std::make_shared<QtMainQueue>(), prompt, {reader.bus.address()}};
+    testing::Devices devices;
+    const std::string started = devices.ask("start_reader");
+    FprintdContext context{std::make_shared<QtMainQueue>(), prompt, {devices.ask("address SYSTEM")}};
     std::unique_ptr<BiometricEvaluation> check;
     std::vector<bool> replies;
 };
@@ -67,27 +71,27 @@ TEST_F(ReaderSheet, ArmsTheReaderWhileItIsInSightAndGivesTheKeysBackAfterAMatch)
     EXPECT_EQ(message(), "Touch the fingerprint reader.");
 
     window.showMinimized();
-    EXPECT_TRUE(becomes([this] { return !reader.armed(); }));
+    EXPECT_TRUE(isArmed(false));
     window.showNormal();
-    EXPECT_TRUE(becomes([this] { return reader.armed(); }));
+    EXPECT_TRUE(isArmed());
     QQuickWindow question;
     question.setModality(Qt::ApplicationModal);
     question.show();
-    EXPECT_TRUE(becomes([this] { return !reader.armed(); }));
+    EXPECT_TRUE(isArmed(false));
     EXPECT_EQ(message(), "Select this window to use the fingerprint reader.");
     question.hide();
     window.requestActivate();
-    EXPECT_TRUE(becomes([this] { return reader.armed(); }));
+    EXPECT_TRUE(isArmed());
 
-    reader.send("SCAN wrong");
+    devices.ask("send SCAN wrong");
     EXPECT_TRUE(becomes([this] { return message() == "That didn’t match. Please try again."; }));
     key(Qt::Key_Tab);
     type("13");
     find("EnterCardPINView")->forceActiveFocus();
     settle();
     EXPECT_EQ(window.activeFocusItem()->objectName(), "sdk.biometrics.cancel");
-    EXPECT_TRUE(becomes([this] { return reader.armed(); }));
-    reader.send("SCAN right");
+    EXPECT_TRUE(isArmed());
+    devices.ask("send SCAN right");
     EXPECT_TRUE(ends(true));
     EXPECT_EQ(window.activeFocusItem(), before);
     type("1357");
