@@ -1,0 +1,200 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Holds the documents against the project: links and paths lead somewhere, code stands in a file that is built, commands
+run and print what is shown, options exist and are told of. `docs_test.py TOP BUILD --write` puts code and output in.
+
+In a document, code comes from a file (a region stands between "// [name]" and "// [/name]"), and output from the
+commands above it, where "…" is any text and any number of lines:
+
+    <!-- snippet: docs/snippets/controller.cpp#ports -->     <!-- output -->
+"""
+
+import json
+import os
+import pathlib
+import re
+import socket
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOP, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+WRITE = "--write" in sys.argv
+DOCS = [path for path in sorted([*TOP.glob("*.md"), *TOP.glob("docs/*.md")])]
+FENCE = re.compile(r"((?:^<!-- [^\n]* -->\n\n?)?)^```(\w*)\n(.*?)^```$", re.M | re.S)
+OURS = {"korvane-sandbox", "korvane-journey", "korvane-demo", "run", "test", "bench"}
+# Too long or too far for this check; what runs them instead.
+ELSEWHERE = {
+    r"\./(run|test|bench)\b": "themselves; their options are compared below",
+    r"cmake |\./cmake/install-packages|cd |cpack |(sudo )?apt(-get)? |git clone ": "the tests of the installed component and of the packages",
+    r"ctest |doxygen$|tests/project/docs_test\.py ": "./test",
+    r"(QT_\w+=\w+ )*build/\w+/bin/korvane-demo ": "./run, and the demo's tests; their options are compared below",
+    r"apps/demo/gallery\.py ": "./run --gallery",
+}
+
+
+def plain(text):
+    """The document without its blocks of code."""
+    return FENCE.sub("", text)
+
+
+def anchors(path):
+    heads = re.findall(r"^#+ (.*)$", plain(path.read_text()), re.M)
+    return {re.sub(r"[^\w\- ]", "", head.lower()).replace(" ", "-") for head in heads}
+
+
+def region(name):
+    file, _, wanted = name.partition("#")
+    text = (TOP / file).read_text()
+    if wanted:
+        inside = re.search(rf"(?m)^ *(?://|#) \[{wanted}\]\n(.*?)^ *(?://|#) \[/{wanted}\]", text, re.S)[1]
+        indent = min(len(line) - len(line.lstrip()) for line in inside.splitlines() if line)
+        return "".join(line[indent:] or "\n" for line in inside.splitlines(True))
+    return re.sub(r"\A(//|#|/\*) SPDX[^\n]*\n", "", text)
+
+
+def elsewhere(line):
+    return any(re.match(start, line) for start in ELSEWHERE)
+
+
+def commands(block):
+    """The lines of a block with continued ones and here-documents joined to their first line."""
+    block = re.sub(r"\\\n\s*", "", block)
+    block = re.sub(r"<<'END'\n.*?^END$", "", block, flags=re.M | re.S)
+    return [line.split("  # ")[0].strip() for line in block.splitlines() if line.strip() and not line.startswith("#")]
+
+
+def options(program):
+    if program in ("run", "test", "bench"):
+        return set(re.findall(rf"(?m)^#   \./{program} (--[\w-]+)", (TOP / program).read_text()))
+    told = subprocess.run([BUILD / "bin" / program, "--help"], capture_output=True, text=True, check=True,
+                          env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}).stdout
+    return set(re.findall(r"(?m)(?:^ +(?:-\w, )?|\[)(--[\w-]+)", told))
+
+
+class Documents(unittest.TestCase):
+    maxDiff = None
+
+    def test_links_lead_somewhere(self):
+        for path in DOCS:
+            with self.subTest(path.name):
+                text = path.read_text()
+                for target in re.findall(r"\]\(([^)\s]+)\)", plain(text)):
+                    if re.match(r"https?:|mailto:", target):
+                        continue
+                    file, _, anchor = target.partition("#")
+                    other = (path.parent / file).resolve() if file else path
+                    self.assertTrue(other.exists(), f"{target} is not there")
+                    if anchor:
+                        self.assertIn(anchor, anchors(other), target)
+
+    def test_files_that_are_named_exist(self):
+        folders = "|".join(sorted(entry.name for entry in TOP.iterdir() if entry.is_dir() and entry.name[0] != "."))
+        for path in DOCS:
+            with self.subTest(path.name):
+                text = path.read_text()
+                for name in re.findall(rf"`((?:{folders})/[\w./*-]+)`", text):
+                    if not name.startswith("build/"):
+                        self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")
+
+    def test_code_stands_in_a_file_that_is_built(self):
+        for path in DOCS:
+            with self.subTest(path.name):
+                text = path.read_text()
+                def checked(found):
+                    marker, language, code = found.groups()
+                    name = re.match(r"<!-- snippet: (\S+) -->", marker)
+                    if not name:
+                        self.assertNotIn(language, ("cpp", "c", "qml", "cmake"), "code of no file:\n" + code)
+                        return found.group()
+                    if not WRITE:
+                        self.assertEqual(code, region(name[1]), name[1])
+                    return f"{marker}```{language}\n{region(name[1])}```"
+                changed = FENCE.sub(checked, text)
+                if WRITE:
+                    path.write_text(changed)
+                self.assertNotRegex(plain(text), r"(?m)^    (\./|build/|cmake|ctest|curl|korvane::)", "a block without a fence")
+
+    def test_commands_run_and_print_what_is_shown(self):
+        for path in DOCS:
+            with self.subTest(path.name):
+                text = path.read_text()
+                blocks = [(marker, language, code) for marker, language, code in FENCE.findall(text)
+                          if language == "sh" or marker.startswith("<!-- output -->")]
+                shells = [code for _, language, code in blocks if language == "sh"]
+                if not any(not elsewhere(line) for code in shells for line in commands(code)):
+                    continue
+                printed = iter(self.play(shells))
+                shown = ""
+                for marker, language, code in blocks:
+                    if language == "sh":
+                        shown = next(printed)
+                        continue
+                    wanted = re.escape(code).replace("…\n", "(?s:.*)").replace("…", ".*")
+                    self.assertRegex(shown.rstrip("\n") + "\n", rf"\A{wanted}\Z")
+
+    def test_wire_examples_are_what_openssl_makes(self):
+        text = (TOP / "docs/services.md").read_text()
+        key, iv = re.findall(r"^\| (?:Key|IV) \| `(\w+)`", text, re.M)
+        sections = text.split("\n### ")[1:]
+        self.assertEqual(len(sections), 10)
+        for section in sections:
+            clear = dict(re.findall(r"^\| `(encrypted\w+)` \| (?:`(.*)`)? ?\|$", section, re.M))
+            fields = [field for _, _, code in FENCE.findall(section) for field in json.loads(code).items()]
+            self.assertEqual({name for name, _ in fields if name.startswith("encrypted")}, set(clear))
+            for name, value in fields:
+                if name in clear:
+                    done = subprocess.run(["openssl", "enc", "-d", "-aes-256-cbc", "-K", key, "-iv", iv, "-base64", "-A"],
+                                          input=value + "\n", capture_output=True, text=True, check=True)
+                    self.assertEqual(done.stdout, clear[name], name)
+
+    def play(self, blocks):
+        """Runs the blocks of a document in one shell, in a folder that looks like the project's. Gives their outputs."""
+        script = "set -e\ntrap 'kill $(jobs -p) 2>/dev/null || true' EXIT\n"
+        for code in blocks:
+            lines = commands(code)
+            mixed = {elsewhere(line) for line in lines}
+            self.assertEqual(len(mixed), 1, "a block is run whole or not at all:\n" + code)
+            script += "" if mixed == {True} else code
+            if re.search(r"--port 8443.*&$", code, re.M):
+                script += "until (: </dev/tcp/localhost/8443) 2>/dev/null; do kill -0 $!; sleep 0.05; done\n"
+            script += "echo '@@@'\n"
+        with tempfile.TemporaryDirectory() as folder, socket.socket() as taken:
+            for entry in TOP.iterdir():
+                if entry.name not in ("build", ".git"):
+                    pathlib.Path(folder, entry.name).symlink_to(entry)
+            for name in ("release", "dev"):
+                pathlib.Path(folder, "build").mkdir(exist_ok=True)
+                pathlib.Path(folder, "build", name).symlink_to(BUILD)
+            taken.bind(("localhost", 0))
+            port = str(taken.getsockname()[1])
+            taken.close()
+            done = subprocess.run(["bash", "-c", script.replace("8443", port)], cwd=folder, text=True, timeout=100,
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL,
+                                  env={**os.environ, "PATH": f"{BUILD}/bin:{os.environ['PATH']}"})
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        return [part.lstrip("\n") for part in done.stdout.replace(port, "8443").split("@@@\n")]
+
+    def test_options_exist_and_are_told_of(self):
+        own = {program: options(program) for program in OURS if (TOP / program).exists() or (BUILD / "bin" / program).exists()}
+        known = {program: existing | {"--help"} for program, existing in own.items()}
+        known["run"] |= own.get("korvane-demo", set())  # which gets them
+        told = set()
+        for path in DOCS:
+            with self.subTest(path.name):
+                text = path.read_text()
+                lines = [line for _, language, code in FENCE.findall(text) if language == "sh" for line in commands(code)]
+                for line in lines + re.findall(r"`([^`\n]+)`", plain(text)):
+                    program = re.match(r"(?:\w+=\S* )*(?:\S*/)?([\w-]+)", line)
+                    used = set(re.findall(r"(?:^|(?<= ))--[a-z][\w-]*", line))
+                    if line.startswith("--"):
+                        self.assertLessEqual(used, set().union(*known.values()), "no program of ours takes it")
+                    elif program and program[1] in known:
+                        self.assertLessEqual(used, known[program[1]], line)
+                    told |= used
+        for program, existing in own.items():
+            self.assertLessEqual(existing - {"--help", "--help-all"}, told, f"{program} has options that no document names")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
