@@ -5,11 +5,13 @@
 
 #include <cassert>
 
+#include "base/Secret.h"
+
 namespace korvane {
 
 SdkConfig::SdkConfig()
     : pciTimer({.interval = [this] { return decBiometricsAuthenticationTimer; },
-                .clearToken = [this] { currentPciToken.clear(); },
+                .clearToken = [this] { wipe(currentPciToken); },
                 .markExpired = [this] { timerPciExpired = true; }}) {}
 
 SdkConfig& SdkConfig::sharedInstance() {
