@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
                              {}))
         return qCritical("The key is not base64."), 2;
     auto engine = std::make_unique<QQmlApplicationEngine>(QUrl("qrc:/Main.qml"));
-    const int status = app.exec();
+    const int status = engine->rootObjects().isEmpty() ? 2 : app.exec();
     engine.reset();
     korvane::uninstallPorts();
     return status;

@@ -9,7 +9,7 @@ import sys
 import tree
 
 
-def main(top, compiler):
+def main(top, build, compiler):
     include = pathlib.Path(top, "include")
     headers = tree.sources(top, "include")
 
@@ -17,7 +17,7 @@ def main(top, compiler):
         name = header.relative_to(include).as_posix()
         return name, subprocess.run(
             [compiler, "-std=" + standard, "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-I", str(include),
-             "-x", language, "-"], input=f"#include <{name}>\n", capture_output=True, text=True)
+             "-I", str(pathlib.Path(build, "include")), "-x", language, "-"], input=f"#include <{name}>\n", capture_output=True, text=True)
 
     jobs = [(header, "c++", "c++20") for header in headers]
     jobs += [(header, "c", "c99") for header in headers if "#ifdef __cplusplus" in header.read_text()]

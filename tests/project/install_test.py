@@ -1,0 +1,162 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The component as a host gets it: installed into a clean prefix, found from there, built against, and run."""
+
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from driver import Sandbox
+
+BUILD = pathlib.Path(os.environ["KORVANE_BUILD"])
+SOURCE = pathlib.Path(__file__).parents[2]
+SCRATCH = BUILD / "outside"
+PREFIX = SCRATCH / "prefix"
+
+
+def run(*command, **options):
+    done = subprocess.run([str(part) for part in command], capture_output=True, text=True, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{command}: {done.returncode}\n{done.stdout[-4000:]}\n{done.stderr[-4000:]}")
+    return done.stdout
+
+
+def libraries():
+    return next(PREFIX.glob("lib/**/libkorvane.so")).parent
+
+
+class Install(unittest.TestCase):
+    def test_a_clean_prefix_that_points_nowhere_else(self):
+        shutil.rmtree(SCRATCH, ignore_errors=True)
+        run("cmake", "--install", BUILD, "--prefix", PREFIX)
+        for path in PREFIX.rglob("*"):
+            if path.suffix in (".cmake", ".pc", ".h", ".json") or path.name == "qmldir":
+                for place in (SOURCE / "src", SOURCE / "include", BUILD / "include", BUILD / "src", BUILD / "lib"):
+                    self.assertNotIn(str(place), path.read_text(), path)
+
+
+def dynamic(path, tag):
+    return re.findall(rf"\({tag}\).*\[(.*)\]", run("readelf", "-d", path))
+
+
+class Materials(unittest.TestCase):
+    def test_every_library_that_is_linked_stands_in_the_bill_of_materials(self):
+        bill = json.loads(next(PREFIX.rglob("korvane.spdx.json")).read_text())
+        self.assertEqual(bill["spdxVersion"], "SPDX-2.3")
+        packages = {package["SPDXID"]: package for package in bill["packages"]}
+        self.assertEqual(len(packages), len(bill["packages"]))
+        needs = {}
+        for relation in bill["relationships"]:
+            self.assertIn(relation["relatedSpdxElement"], packages)
+            if relation["relationshipType"] == "DEPENDS_ON":
+                needs.setdefault(packages[relation["spdxElementId"]]["name"], []).append(relation["relatedSpdxElement"])
+        licences = (SOURCE / "docs/licences.md").read_text()
+        for name in set().union(*needs.values()):
+            package = packages[name]
+            self.assertRegex(package["versionInfo"], r"^\d+\.\d+", name)
+            self.assertIn(f"| {package['name']} | {package['licenseDeclared']} |", licences)
+        shipped = [path for path in [*PREFIX.glob("bin/*"), *libraries().rglob("*.so")]]
+        self.assertGreater(len(shipped), 4)
+        for path in shipped:
+            known = {reference["referenceLocator"] for part in needs[path.name.removesuffix(".so")]
+                     for reference in packages[part].get("externalRefs", [])}
+            linked = {name for name in dynamic(path, "NEEDED") if not name.startswith("libkorvane")}
+            self.assertLessEqual(linked, known, f"{path.name} links what {bill['name']} does not list")
+            for place in dynamic(path, "RUNPATH"):
+                self.assertTrue(place.startswith("$ORIGIN"), (path, place))
+
+
+class Packages(unittest.TestCase):
+    def test_each_package_asks_for_what_it_needs_and_no_file_is_in_two(self):
+        with tempfile.TemporaryDirectory() as folder:
+            run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", folder, "-D", "CPACK_DEBIAN_COMPRESSION_TYPE=gzip")
+            packages, files = {}, []
+            for path in pathlib.Path(folder).glob("*.deb"):
+                name = run("dpkg-deb", "-f", path, "Package").strip()
+                packages[name] = run("dpkg-deb", "-f", path, "Depends")
+                listed = run("dpkg-deb", "-c", path)
+                self.assertIn(f"./usr/share/doc/{name}/copyright\n", listed)
+                files += [line.split()[5] for line in listed.splitlines() if not line.startswith("d")]
+        self.assertEqual(len(files), len(set(files)))
+        runtime, quick = "libkorvane1 (= ", "libkorvane-quick1 (= "
+        expected = {"libkorvane1": ["libcurl4", "libsecret-1-0", "libssl3"], "libkorvane-dev": [runtime],
+                    "libkorvane-quick1": [runtime, "libqt6quick6", "qml6-module-qtquick"],
+                    "qml6-module-korvane": [quick, "libqt6qml6"],
+                    "libkorvane-quick-dev": ["libkorvane-dev (= ", quick, "qt6-declarative-dev"],
+                    "korvane-sandbox": [runtime, "libsqlite3-0", "libcpp-httplib"]}
+        self.assertEqual(packages.keys(), expected.keys())
+        for name, needs in expected.items():
+            for need in needs:
+                self.assertIn(need, packages[name], name)
+        self.assertNotIn("libqt6", packages["libkorvane1"])
+
+
+class Hosts(unittest.TestCase):
+    def built(self, name, *options):
+        """The example built as its own project, in a place where nothing of ours is."""
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="host-")))
+        shutil.copytree(SOURCE / "examples" / name, folder / "source")
+        run("cmake", "-G", "Ninja", "-S", folder / "source", "-B", folder, f"-DCMAKE_PREFIX_PATH={PREFIX}", *options)
+        run("cmake", "--build", folder)
+        self.assertNotIn(str(SOURCE / "include"), (folder / "build.ninja").read_text())
+        return folder / name
+
+    def reaches(self, program, *talk):
+        """Starts it against a card service; each pair is what to wait for on its output, and what to answer."""
+        sandbox = Sandbox()
+        self.addCleanup(sandbox.stop)
+        process = subprocess.Popen(
+            [program, sandbox.url, sandbox.told["key"], sandbox.told["ivUrl"], sandbox.ca], stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, bufsize=1,
+            env={**os.environ, "QT_QPA_PLATFORM": "offscreen", "QT_QUICK_BACKEND": "software"})
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.terminate)
+        for wanted, answer in talk:
+            seen = []
+            while wanted not in (seen[-1:] or [""])[0]:
+                seen.append(process.stdout.readline())
+                if not seen[-1]:
+                    self.fail(f"{program} ended without {wanted!r}: {seen} {process.stderr.read()}")
+            if answer:
+                process.stdin.write(answer + "\n")
+        return process
+
+    def test_a_program_in_cpp(self):
+        for static in "OFF", "ON":
+            program = self.built("cpp-host", "-DKorvane_USE_STATIC_LIBS=" + static)
+            self.reaches(program, ("screen: SMSExplainView", "sdk.sms.explain.button"), ("screen: EnterSMSCodeView", None))
+
+    def test_an_app_in_qml(self):
+        for static in "OFF", "ON":
+            program = self.built("quick-host", "-DKorvane_USE_STATIC_LIBS=" + static)
+            self.assertEqual(any("libkorvane" in name for name in dynamic(program, "NEEDED")), static == "OFF")
+            process = self.reaches(program, ("viewToShow: SMSExplainView", None))
+            process.terminate()
+            self.assertNotIn("qrc:", process.stderr.read())  # nothing of the QML was amiss
+
+    def test_a_program_in_c(self):
+        program = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "c-host"
+        flags = run("pkg-config", "--cflags", "--libs", "korvane", "libcurl",
+                    env={**os.environ, "PKG_CONFIG_PATH": str(libraries() / "pkgconfig")}).split()
+        run("cc", SOURCE / "examples/c-host/main.c", "-o", program, *flags, "-pthread", f"-Wl,-rpath,{libraries()}")
+        self.reaches(program, ('"view":"SMSExplainView"', None))
+
+    def test_the_module_is_imported_by_an_app_that_does_not_link_it(self):
+        screen = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "tst_module.qml"
+        screen.write_text("""import QtTest
+import Korvane
+TestCase {
+    Spinner { id: spinner }
+    function test_module() { verify(spinner); compare(Theme.reducedMotion, false); }
+}""")
+        run("/usr/lib/qt6/bin/qmltestrunner", "-input", screen, "-import", libraries() / "qt6/qml",
+            env={**os.environ, "QT_QPA_PLATFORM": "offscreen"})
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -1,0 +1,50 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Fails when a shared library exports other symbols than its kept list says: hosts may rely on those.
+
+symbols.py [--accept] LIBRARY LIST [LIBRARY LIST …]; --accept writes the lists anew."""
+
+import difflib
+import pathlib
+import subprocess
+import sys
+
+
+def exported(library):
+    """As C++ writes them; what stands for our own libraries alone is marked."""
+    listed = subprocess.run(["nm", "-DC", "--defined-only", "--with-symbol-versions", "--format=posix", library],
+                            capture_output=True, text=True, check=True).stdout.splitlines()
+    names = set()
+    for line in listed:
+        name, _, version = line.partition("@@")
+        if not version:
+            if " A" not in line:  # the versions themselves
+                raise SystemExit(f"{library} exports {line} without a version")
+        elif version.split()[0].endswith("_PRIVATE"):
+            names.add("private " + name)
+        else:
+            names.add(name)
+    return sorted(names)
+
+
+def main(arguments):
+    accept = arguments[0] == "--accept"
+    pairs = list(zip(*[iter(arguments[accept:])] * 2))
+    differs = False
+    for library, kept in pairs:
+        names, path = exported(library), pathlib.Path(kept)
+        if not names:
+            raise SystemExit(f"{library} exports nothing")
+        if accept:
+            path.write_text("\n".join(names) + "\n")
+            continue
+        changes = list(difflib.unified_diff(path.read_text().splitlines(), names, kept, library, lineterm="", n=0))
+        differs |= bool(changes)
+        print("\n".join(changes) or f"{library}: {len(names)} symbols, as listed")
+    if differs:
+        print("\nWhat goes away or changes breaks hosts that are built already: raise the major version for it, and for what is\n"
+              "new the minor one. Then accept the lists:\n    python3 tests/project/symbols.py --accept " + " ".join(sum(pairs, ())))
+    return 1 if differs else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
