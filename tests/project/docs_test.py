@@ -104,6 +104,7 @@ class Documents(unittest.TestCase):
                 def checked(found):
                     marker, language, code = found.groups()
                     name = re.match(r"<!-- snippet: (\S+) -->", marker)
+                    self.assertIn(language, ("sh", "text", "json", "cpp", "c", "qml", "cmake"))
                     if not name:
                         self.assertNotIn(language, ("cpp", "c", "qml", "cmake"), "code of no file:\n" + code)
                         return found.group()
@@ -132,7 +133,7 @@ class Documents(unittest.TestCase):
                         continue
                     wanted = re.escape(code).replace("…\n", "(?s:.*)").replace("…", ".*")
                     if WRITE and "…" not in code:
-                        path.write_text(path.read_text().replace(f"{marker}```{language}\n{code}```", f"{marker}```{language}\n{shown}```"))
+                        path.write_text(path.read_text().replace(f"{marker}```{language}\n{code}```", f"{marker}```{language}\n{shown.rstrip()}\n```"))
                     else:
                         self.assertRegex(shown.rstrip("\n") + "\n", rf"\A{wanted}\Z")
 
@@ -158,9 +159,13 @@ class Documents(unittest.TestCase):
             lines = commands(code)
             mixed = {elsewhere(line) for line in lines}
             self.assertEqual(len(mixed), 1, "a block is run whole or not at all:\n" + code)
-            script += "" if mixed == {True} else code
-            if re.search(r"--port 8443.*&$", code, re.M):
-                script += "until (: </dev/tcp/localhost/8443) 2>/dev/null; do kill -0 $!; sleep 0.05; done\n"
+            if mixed == {False}:
+                # What goes on in the background is waited for: its port is open, and it has told where it is.
+                script += re.sub(r"(?<!null) &$", " >told &", code, flags=re.M)
+                if " &\n" in code:
+                    script += "until (: </dev/tcp/localhost/8443) 2>/dev/null; do kill -0 $!; sleep 0.05; done\n"
+                if re.search(r"(?<!null) &$", code, re.M):
+                    script += "until [ -s told ]; do kill -0 $!; sleep 0.05; done; cat told\n"
             script += "echo '@@@'\n"
         with tempfile.TemporaryDirectory() as folder, socket.socket() as taken:
             for entry in TOP.iterdir():
