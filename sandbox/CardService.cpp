@@ -1,25 +1,52 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sandbox/CardService.h"
 
+#include <arpa/inet.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <mutex>
 
 #include "base/Base64.h"
 #include "sandbox/CardSide.h"
 #include "sandbox/HttpServer.h"
+#include "sandbox/MagicCards.h"
 
 namespace korvane::sandbox {
 namespace {
 
-Outcome<std::vector<std::uint8_t>> keyFor(const CardServiceOptions& options, Random& random) {
-    if (options.keyBase64.empty()) return random.bytes(32);
-    auto key = base64Decode(options.keyBase64);
+/// A database file keeps its key: clients that were given it go on after a
+/// restart.
+Outcome<std::vector<std::uint8_t>> keyFor(const CardServiceOptions& options, State& state) {
+    const std::string kept = state.database.key();
+    const std::string text = !options.keyBase64.empty() ? options.keyBase64
+                             : !kept.empty()            ? kept
+                                                        : base64Encode(state.random.bytes(32));
+    auto key = base64Decode(text);
     if (!key) return Failure{"the key is not base64"};
     if (key->size() != 16 && key->size() != 24 && key->size() != 32) {
         return Failure{"the key has " + std::to_string(key->size()) + " bytes, not 16, 24 or 32"};
     }
+    if (kept.empty()) state.database.putKey(text);
+    if (!kept.empty() && kept != text) {
+        return Failure{"the key is not the one of " + options.databaseFile +
+                       ": leave it out, or use another file"};
+    }
     return *key;
+}
+
+/// The host in the URL, for which the certificate is.
+std::string hostFor(const std::string& address) {
+    if (address == "127.0.0.1" || address == "::1") return "localhost";
+    if (address != "0.0.0.0" && address != "::") return address;
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "localhost";
+}
+
+bool looksAlone(const HttpRequest& request, const HttpAnswer& answer) {
+    return request.method == "GET" && answer.status == 200;
 }
 
 }  // namespace
@@ -52,36 +79,55 @@ struct CardService::Impl {
         const Endpoint* const endpoint = endpointAt(request.path);
         LoggedAnswer logged =
             endpoint ? answerCardSide(shared, *endpoint, request) : answerHostSide(shared, request);
-        log(request.method, request.path, logged.answer.status, logged.note);
+        // A page that asks every second would bury the rest.
+        if (!looksAlone(request, logged.answer)) {
+            log(request.method, request.path, logged.answer.status, logged.note);
+        }
         return std::move(logged.answer);
     }
 
     std::string start() {
         if (server) return "already running";
-        auto fresh = std::make_unique<State>(options);
-        Outcome<std::vector<std::uint8_t>> key = keyFor(options, fresh->random);
+        if (!options.tls && !isLoopback(options.address)) {
+            return "plain HTTP is for the loopback interface alone, not for " + options.address;
+        }
+        auto rules = readFaultRules(options.faultRules.empty() ? "[]" : options.faultRules);
+        if (!rules) return rules.reason();
+        auto fresh = std::make_unique<State>(options, std::move(*rules));
+        Outcome<std::vector<std::uint8_t>> key = keyFor(options, *fresh);
         if (!key) return key.reason();
         fresh->key = std::move(*key);
         fresh->smsCallback = smsCallback;
+        const std::string host = hostFor(options.address);
         ServerCertificate certificate;
         if (options.tls) {
-            Outcome<ServerCertificate> made = makeServerCertificate(options.tlsDirectory);
+            Outcome<ServerCertificate> made =
+                makeServerCertificate(options.tlsDirectory, host == "localhost" ? "" : host);
             if (!made) return made.reason();
             certificate = std::move(*made);
         }
         auto fresher = std::make_unique<HttpServer>(
             [this, shared = fresh.get()](const HttpRequest& request) { return answer(*shared, request); },
             [this](const auto&... refusal) { log(refusal...); });
-        std::string error = fresher->start(options.port, options.tls ? &certificate : nullptr);
+        std::string error =
+            fresher->start(options.address, options.port, options.tls ? &certificate : nullptr);
         if (!error.empty()) return error;
         state = std::move(fresh);
         server = std::move(fresher);
         caPem = certificate.caCertificate;
         keyBase64 = base64Encode(state->key);
-        url = (options.tls ? "https://localhost:" : "http://localhost:") + std::to_string(server->port());
+        const bool numeric = host.find(':') != std::string::npos;  // RFC 3986, 3.2.2: IPv6 in brackets
+        url = (options.tls ? "https://" : "http://") + (numeric ? "[" + host + "]" : host) + ":" +
+              std::to_string(server->port());
         return {};
     }
 };
+
+bool CardService::isLoopback(const std::string& address) {
+    std::array<unsigned char, 4> bytes{};
+    return address == "localhost" || address == "::1" ||
+           (::inet_pton(AF_INET, address.c_str(), bytes.data()) == 1 && bytes[0] == 127);
+}
 
 CardService::CardService(CardServiceOptions options) : impl_(std::make_unique<Impl>()) {
     impl_->options = std::move(options);
@@ -156,7 +202,7 @@ std::vector<CardSummary> CardService::cards() const {
     const std::lock_guard stateLock(impl_->state->mutex);
     try {
         for (const Card& card : impl_->state->database.cards()) {
-            summaries.push_back({card.id, card.type, card.status, displayName(card)});
+            if (!isMagic(card.id)) summaries.push_back({card.id, card.type, card.status, displayName(card)});
         }
     } catch (const DatabaseError&) {
         summaries.clear();

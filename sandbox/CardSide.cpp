@@ -9,14 +9,6 @@ namespace {
 
 using Effect = FaultRule::Effect;
 
-LoggedAnswer malformed(const std::string& reason) {
-    return {{400, writeJson(JsonObject{{"error", reason}})}, reason};
-}
-
-LoggedAnswer unauthorized() {
-    return {{401, "{}"}, "bearer token missing, unknown or expired"};
-}
-
 std::string bearerTokenOf(const HttpRequest& request) {
     constexpr std::string_view scheme = "Bearer ";
     return request.authorization.starts_with(scheme) ? request.authorization.substr(scheme.size())
@@ -26,32 +18,93 @@ std::string bearerTokenOf(const HttpRequest& request) {
 /// One request, with the state's mutex held.
 class Exchange {
   public:
-    Exchange(State& state, const Endpoint& endpoint, const HttpRequest& request, const FaultRule& fault)
-        : state_(state), endpoint_(endpoint), request_(request), fault_(fault) {}
+    Exchange(State& state, const Endpoint& endpoint, const HttpRequest& request)
+        : state_(state), endpoint_(endpoint), request_(request) {
+        entry_.number = state.journal.open(endpoint.name);
+        entry_.endpoint = endpoint.name;
+        read();
+    }
 
-    LoggedAnswer answer() {
-        const Outcome<Fields> body = readWireBody(endpoint_, request_);
-        if (!body) return malformed(body.reason());
-        const std::string& ivId = body->find("offsetId")->second;
-        if (fault_.effect == Effect::expireIv) state_.database.expireIv(ivId, now());
-        const std::optional<Iv> iv = state_.database.iv(ivId);
-        if (fault_.effect == Effect::result) return seal({fault_.status, fault_.text, {}, {}}, iv);
-        if (fault_.effect == Effect::expireIv) return refuseIv(iv);
-
-        if (endpoint_.needsBearerToken && !bearerTokenIsGood()) return unauthorized();
-        if (!iv || iv->expires <= now()) return refuseIv(iv);
-        const Outcome<Fields> plain = decipherFields(*body, state_.key, iv->bytes);
-        if (!plain) return malformed(plain.reason());
-        noteSecrets(*plain);
-        if (fault_.effect == Effect::expirePciToken) {
-            expire(TokenKind::pci, plain->find("encryptedPciToken")->second);
+    /// Chooses the fault. It may match on the card, so the request was read as
+    /// far as it can be.
+    FaultRule& chooseFault() {
+        if (auto rule = state_.faults.take(endpoint_, entry_.card)) {
+            fault_ = std::move(*rule);
+            entry_.fault = fault_.source;
         }
-        return seal(runEndpoint(state_, endpoint_, *plain, *iv), iv);
+        return fault_;
+    }
+
+    /// After a delay: time has passed, and tokens and IVs with it.
+    void read() {
+        if (!body_) return;
+        iv_ = state_.database.iv(body_->find("offsetId")->second);
+        if (!iv_) return;
+        plain_ = decipherFields(*body_, state_.key, iv_->bytes);
+        if (!plain_) return;
+        entry_.request.assign(plain_->begin(), plain_->end());
+        entry_.card = plain_->find("encryptedCardId")->second;
+    }
+
+    void answer() {
+        if (fault_.replacesEndpoint()) {
+            const bool sent =
+                fault_.delivery.kind != Delivery::Kind::none && fault_.delivery.kind != Delivery::Kind::hang;
+            answer_ = {sent ? fault_.status : 0, fault_.effect == Effect::body ? fault_.text : "{}"};
+            entry_.note = "fault";
+        } else {
+            follow();
+        }
+        answer_.delivery = fault_.delivery;
+        close();
+    }
+
+    void stop() {
+        answer_ = {0, {}, {Delivery::Kind::none}};
+        entry_.note = "stopping";
+        close();
+    }
+
+    LoggedAnswer logged() {
+        std::string note = entry_.note;
+        if (!entry_.fault.empty()) note += " by the rule " + writeJson(entry_.fault);
+        if (state_.options.logSecrets) {
+            if (sms_) note += "; SMS for " + sms_->cardId + ": " + sms_->code;
+            for (const auto& [key, value] : entry_.request) note += " " + key + "=\"" + value + "\"";
+        }
+        return {std::move(answer_), std::move(note)};
     }
 
     const std::optional<Sms>& sms() const { return sms_; }
 
   private:
+    void follow() {
+        if (!body_) return refuse(400, body_.reason());
+        const std::string& ivId = body_->find("offsetId")->second;
+        if (fault_.effect == Effect::expireIv) state_.database.expireIv(ivId, now());
+        if (fault_.effect == Effect::unknownIv) state_.database.forgetIv(ivId);
+        const bool ivFault = fault_.effect == Effect::expireIv || fault_.effect == Effect::unknownIv;
+        if (fault_.effect == Effect::result) return seal({fault_.status, fault_.text, {}, {}});
+        if (ivFault) return refuseIv();
+
+        if (endpoint_.needsBearerToken && !bearerTokenIsGood()) {
+            refuse(401, "bearer token missing, unknown or expired");
+            answer_.body = "{}";
+            return;
+        }
+        if (!iv_ || iv_->expires <= now()) return refuseIv();
+        if (!plain_) return refuse(400, plain_.reason());
+        if (fault_.effect == Effect::expirePciToken) {
+            expire(TokenKind::pci, plain_->find("encryptedPciToken")->second);
+        }
+        seal(runEndpoint(state_, endpoint_, *plain_, *iv_));
+    }
+
+    void refuse(int status, const std::string& reason) {
+        answer_ = {status, writeJson(JsonObject{{"error", reason}})};
+        entry_.note = reason;
+    }
+
     bool bearerTokenIsGood() {
         const std::string text = bearerTokenOf(request_);
         if (fault_.effect == Effect::expireBearer) expire(TokenKind::bearer, text);
@@ -66,35 +119,47 @@ class Exchange {
         state_.database.putToken(*token);
     }
 
-    LoggedAnswer refuseIv(const std::optional<Iv>& iv) {
-        // A client asking for its bearer token reads the result word of a failed request alone: only from a
-        // status other than 200 does it learn there that it needs a new IV.
+    void refuseIv() {
+        // A client asking for its bearer token reads the result word of a failed
+        // request alone: only from a status other than 200 does it learn there that
+        // it needs a new IV.
         const int status = endpoint_.needsBearerToken ? 200 : 400;
-        return seal({status, iv ? "Failure: IV is expired" : "Failure: Invalid offsetId", {}, {}}, iv);
+        const bool expired = iv_ && fault_.effect != Effect::unknownIv;
+        seal({status, expired ? "Failure: IV is expired" : "Failure: Invalid offsetId", {}, {}});
     }
 
-    /// Enciphers under the request's IV, expired or not. The bytes of an unknown IV are unknown as well: then
-    /// the newest one handed out stands in, which is the likeliest that the client can read.
-    LoggedAnswer seal(const Reply& reply, std::optional<Iv> iv) {
-        if (!iv) iv = state_.database.newestIv();
-        if (!iv) return malformed("no IV was handed out yet, so the answer cannot be enciphered");
-        std::vector<std::pair<std::string, std::string>> fields{{"encryptedResult", reply.result}};
-        fields.insert(fields.end(), reply.fields.begin(), reply.fields.end());
-        sms_ = reply.sms;
-        return {{reply.status, encipherFields(fields, state_.key, iv->bytes)}, note_ + reply.result};
+    /// Enciphers under the request's IV, expired or not. The bytes of an unknown
+    /// IV are unknown as well: then the newest one handed out stands in, which is
+    /// the likeliest that the client can read.
+    void seal(Reply reply) {
+        const std::optional<Iv> iv = iv_ ? iv_ : state_.database.newestIv();
+        if (!iv) return refuse(400, "no IV was handed out yet, so the answer cannot be enciphered");
+        entry_.answer = {{"encryptedResult", reply.result}};
+        entry_.answer.insert(entry_.answer.end(), reply.fields.begin(), reply.fields.end());
+        if (fault_.effect == Effect::without) {
+            std::erase_if(entry_.answer, [this](const auto& field) { return field.first == fault_.text; });
+        }
+        entry_.note = reply.result;
+        if (reply.sms) entry_.sms = reply.sms->code;
+        sms_ = std::move(reply.sms);
+        answer_ = {reply.status, encipherFields(entry_.answer, state_.key, iv->bytes)};
     }
 
-    void noteSecrets(const Fields& plain) {
-        if (!state_.options.logSecrets) return;
-        for (const auto& [key, value] : plain) note_ += key + "=\"" + value + "\" ";
+    void close() {
+        entry_.status = answer_.status;
+        state_.journal.close(entry_);
     }
 
     State& state_;
     const Endpoint& endpoint_;
     const HttpRequest& request_;
-    const FaultRule& fault_;
+    const Outcome<Fields> body_ = readWireBody(endpoint_, request_);
+    std::optional<Iv> iv_;
+    Outcome<Fields> plain_{Failure{}};
+    FaultRule fault_;
+    HttpAnswer answer_;
+    JournalEntry entry_;
     std::optional<Sms> sms_;
-    std::string note_;
 };
 
 }  // namespace
@@ -105,26 +170,18 @@ LoggedAnswer answerCardSide(State& state, const Endpoint& endpoint, const HttpRe
         return {{405, writeJson(JsonObject{{"error", reason}})}, reason};
     }
     std::unique_lock lock(state.mutex);
-    ++state.requests[std::string(endpoint.name)];
-    const FaultRule fault = state.faults.take(endpoint).value_or(FaultRule{});
-    if (fault.delay.count() > 0 &&
-        state.stop.wait_for(lock, fault.delay, [&state] { return state.stopping; })) {
-        return {{0, {}, true}, "stopping"};
+    Exchange exchange(state, endpoint, request);
+    const FaultRule& fault = exchange.chooseFault();
+    if (fault.delay.count() > 0) {
+        if (state.stop.wait_for(lock, fault.delay, [&state] { return state.stopping; })) {
+            exchange.stop();
+            return exchange.logged();
+        }
+        exchange.read();
     }
-    switch (fault.effect) {
-        case Effect::reset:
-            return {{0, {}, true}, "fault: connection reset"};
-        case Effect::body:
-            return {{fault.status, fault.text}, "fault: raw body"};
-        case Effect::status:
-            return {{fault.status, "{}"}, "fault: status"};
-        default:
-            break;
-    }
-    Exchange exchange(state, endpoint, request, fault);
-    LoggedAnswer answer = exchange.answer();
+    exchange.answer();
+    LoggedAnswer answer = exchange.logged();
     if (const std::optional<Sms>& sms = exchange.sms()) {
-        if (state.options.logSecrets) answer.note += "; SMS for " + sms->cardId + ": " + sms->code;
         const auto callback = state.smsCallback;
         lock.unlock();  // the callback may ask the service for the code
         if (callback) callback(sms->cardId, sms->code);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sandbox/Certificates.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <openssl/ec.h>
 #include <openssl/pem.h>
@@ -8,13 +9,16 @@
 #include <openssl/x509v3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <vector>
 
 namespace korvane::sandbox {
 namespace {
@@ -24,6 +28,7 @@ struct Deleter {
     void operator()(X509* certificate) const { X509_free(certificate); }
     void operator()(X509_EXTENSION* extension) const { X509_EXTENSION_free(extension); }
     void operator()(BIO* bio) const { BIO_free(bio); }
+    void operator()(NAME_CONSTRAINTS* names) const { NAME_CONSTRAINTS_free(names); }
 };
 using Key = std::unique_ptr<EVP_PKEY, Deleter>;
 using Certificate = std::unique_ptr<X509, Deleter>;
@@ -41,33 +46,64 @@ constexpr long renewDays = 30;
 
 struct ExtensionText {
     int nid;
-    const char* value;
+    std::string value;
 };
+using Extensions = std::vector<ExtensionText>;
 
-constexpr std::array<ExtensionText, 4> caExtensions{{
-    {NID_basic_constraints, "critical,CA:TRUE,pathlen:0"},
-    {NID_key_usage, "critical,keyCertSign,cRLSign"},
-    {NID_subject_key_identifier, "hash"},
-    {NID_name_constraints,
-     "critical,permitted;DNS:localhost,permitted;IP:127.0.0.1/255.255.255.255,"
-     "permitted;IP:::1/ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff"},
-}};
-constexpr std::array<ExtensionText, 6> serverExtensions{{
-    {NID_basic_constraints, "critical,CA:FALSE"},
-    {NID_key_usage, "critical,digitalSignature"},
-    {NID_ext_key_usage, "serverAuth"},
-    {NID_subject_key_identifier, "hash"},
-    {NID_authority_key_identifier, "keyid"},
-    {NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1,IP:::1"},
-}};
+/// How OpenSSL's extension texts write a host: "DNS:name" or "IP:address", with
+/// a mask for a constraint. "" when it is neither: nothing of a host may become
+/// another extension.
+std::string named(const std::string& host, bool masked) {
+    std::array<unsigned char, 16> ignored{};
+    if (::inet_pton(AF_INET, host.c_str(), ignored.data()) == 1) {
+        return "IP:" + host + (masked ? "/255.255.255.255" : "");
+    }
+    if (::inet_pton(AF_INET6, host.c_str(), ignored.data()) == 1) {
+        return "IP:" + host + (masked ? "/ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff" : "");
+    }
+    const bool isName = std::ranges::all_of(
+        host, [](unsigned char c) { return c < 0x80 && (std::isalnum(c) || c == '.' || c == '-'); });
+    return isName && !host.empty() ? "DNS:" + host : std::string{};
+}
 
-template <class Extensions>
+/// "DNS:localhost,IP:127.0.0.1,…", each with what goes before it.
+std::string names(const std::string& host, bool constraint) {
+    std::string list;
+    for (const std::string& name :
+         {std::string("localhost"), std::string("127.0.0.1"), std::string("::1"), host}) {
+        if (name.empty()) continue;
+        list +=
+            (list.empty() ? "" : ",") + std::string(constraint ? "permitted;" : "") + named(name, constraint);
+    }
+    return list;
+}
+
+Extensions caExtensions(const std::string& host) {
+    return {
+        {NID_basic_constraints, "critical,CA:TRUE,pathlen:0"},
+        {NID_key_usage, "critical,keyCertSign,cRLSign"},
+        {NID_subject_key_identifier, "hash"},
+        {NID_name_constraints, "critical," + names(host, true)},
+    };
+}
+
+Extensions serverExtensions(const std::string& host) {
+    return {
+        {NID_basic_constraints, "critical,CA:FALSE"},
+        {NID_key_usage, "critical,digitalSignature"},
+        {NID_ext_key_usage, "serverAuth"},
+        {NID_subject_key_identifier, "hash"},
+        {NID_authority_key_identifier, "keyid"},
+        {NID_subject_alt_name, names(host, false)},
+    };
+}
+
 bool extend(X509* certificate, X509* issuer, const Extensions& extensions) {
     for (const auto& [nid, value] : extensions) {
         X509V3_CTX context;
         X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
         const std::unique_ptr<X509_EXTENSION, Deleter> extension{
-            X509V3_EXT_conf_nid(nullptr, &context, nid, value)};
+            X509V3_EXT_conf_nid(nullptr, &context, nid, value.c_str())};
         if (!extension || X509_add_ext(certificate, extension.get(), -1) != 1) return false;
     }
     return true;
@@ -83,7 +119,6 @@ bool setSerial(X509* certificate) {
 }
 
 /// Self-signed when there is no issuer. Null members when OpenSSL fails.
-template <class Extensions>
 Pair make(const char* commonName, long days, const Extensions& extensions, const Pair* issuer) {
     Pair pair{Certificate{X509_new()}, Key{EVP_EC_gen("P-256")}};
     X509* const certificate = pair.certificate.get();
@@ -162,7 +197,7 @@ bool lasts(X509* certificate) {
     return X509_cmp_time(X509_get0_notAfter(certificate), &renewal) > 0;
 }
 
-Outcome<Pair> authority(const std::string& directory) {
+Outcome<Pair> authority(const std::string& directory, const std::string& host) {
     const std::filesystem::path certificateFile = std::filesystem::path(directory) / "ca.pem";
     const std::filesystem::path keyFile = std::filesystem::path(directory) / "ca-key.pem";
     std::error_code ignored;
@@ -171,7 +206,7 @@ Outcome<Pair> authority(const std::string& directory) {
         Outcome<Pair> stored = storedAuthority(certificateFile, keyFile);
         if (!stored || lasts(stored->certificate.get())) return stored;
     }
-    Pair made = make("Korvane sandbox CA", caDays, caExtensions, nullptr);
+    Pair made = make("Korvane sandbox CA", caDays, caExtensions(host), nullptr);
     if (!made.certificate) return Failure{"cannot make the CA certificate"};
     if (directory.empty()) return made;
     std::error_code failure;
@@ -183,13 +218,25 @@ Outcome<Pair> authority(const std::string& directory) {
     return made;
 }
 
+/// A CA that is kept was made for the names of its time.
+bool permits(X509* ca, X509* server) {
+    X509_check_purpose(server, -1, 0);  // has OpenSSL look at the extensions of a certificate that it made
+    const std::unique_ptr<NAME_CONSTRAINTS, Deleter> names{
+        static_cast<NAME_CONSTRAINTS*>(X509_get_ext_d2i(ca, NID_name_constraints, nullptr, nullptr))};
+    return !names || NAME_CONSTRAINTS_check(server, names.get()) == X509_V_OK;
+}
+
 }  // namespace
 
-Outcome<ServerCertificate> makeServerCertificate(const std::string& directory) {
-    const Outcome<Pair> ca = authority(directory);
+Outcome<ServerCertificate> makeServerCertificate(const std::string& directory, const std::string& host) {
+    if (!host.empty() && named(host, false).empty()) return Failure{host + " is neither address nor name"};
+    const Outcome<Pair> ca = authority(directory, host);
     if (!ca) return Failure{ca.reason()};
-    const Pair server = make("localhost", serverDays, serverExtensions, &*ca);
+    const Pair server = make("localhost", serverDays, serverExtensions(host), &*ca);
     if (!server.certificate) return Failure{"cannot make the server certificate"};
+    if (!permits(ca->certificate.get(), server.certificate.get())) {
+        return Failure{"the CA in " + directory + " is not for " + host + ": use another directory for it"};
+    }
     return ServerCertificate{pem(ca->certificate.get()), pem(server.certificate.get()),
                              pem(server.key.get())};
 }

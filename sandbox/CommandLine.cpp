@@ -4,7 +4,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <fstream>
+#include <iterator>
 #include <limits>
+
+#include "sandbox/FaultRule.h"
+#include "sandbox/MagicCards.h"
 
 namespace korvane::sandbox {
 namespace {
@@ -51,7 +56,16 @@ std::string seed(std::string_view value, std::optional<std::uint64_t>& result) {
 using Line = CommandLine&;
 using Value = std::string_view;
 
-constexpr std::array<Option, 14> options{{
+std::string faults(std::string_view path, std::string& result) {
+    std::ifstream file{std::string(path), std::ios::binary};
+    result.assign(std::istreambuf_iterator<char>(file), {});
+    if (!file) return "cannot read " + std::string(path);
+    const auto rules = readFaultRules(result);
+    return rules ? "" : std::string(path) + ": " + rules.reason();
+}
+
+constexpr std::array<Option, 16> options{{
+    {"--listen", true, [](Line line, Value value) { return text(value, line.service.address); }},
     {"--port", true, [](Line line, Value value) { return whole(value, 0, 65535, line.service.port); }},
     {"--http", false, [](Line line, Value) { return line.service.tls = false, std::string{}; }},
     {"--tls-dir", true, [](Line line, Value value) { return text(value, line.service.tlsDirectory); }},
@@ -59,6 +73,7 @@ constexpr std::array<Option, 14> options{{
     {"--db", true, [](Line line, Value value) { return text(value, line.service.databaseFile); }},
     {"--key", true, [](Line line, Value value) { return text(value, line.service.keyBase64); }},
     {"--seed", true, [](Line line, Value value) { return seed(value, line.service.seed); }},
+    {"--fault", true, [](Line line, Value value) { return faults(value, line.service.faultRules); }},
     {"--iv-seconds", true, [](Line line, Value value) { return seconds(value, line.service.ivLife); }},
     {"--pci-token-seconds", true,
      [](Line line, Value value) { return seconds(value, line.service.pciTokenLife); }},
@@ -90,26 +105,34 @@ Outcome<CommandLine> readCommandLine(std::span<char*> arguments) {
     if (!line.service.tls && (!line.caOut.empty() || !line.service.tlsDirectory.empty())) {
         return Failure{"--http has no certificate: leave out --tls-dir and --ca-out"};
     }
+    if (!line.service.tls && !CardService::isLoopback(line.service.address)) {
+        return Failure{"--http is for the loopback interface alone: leave out --listen " +
+                       line.service.address};
+    }
     return line;
 }
 
-std::string_view helpText() {
-    return R"(Usage: korvane-sandbox [OPTION]...
+std::string helpText() {
+    std::string help = R"(Usage: korvane-sandbox [OPTION]...
 
-The card service for development. It listens on the loopback interface alone, writes one line on standard output,
+The card service for development. It writes one line on standard output,
   {"url":"https://localhost:PORT","ca":"FILE","key":"BASE64","ivUrl":"https://localhost:PORT/host/iv"}
-and serves until SIGINT or SIGTERM. One line for each request goes to standard error.
+and serves until SIGINT or SIGTERM. Open the URL in a browser to see cards, requests and the last SMS code.
+One line for each request goes to standard error.
 
 Connection
+  --listen ADDRESS       an address or name of this machine, for which the certificate is too; 0.0.0.0 and :: are
+                         all of them. Without it, the loopback interface. Whoever reaches it can see every card
   --port N               port to listen on; 0, the default, takes a free one
-  --http                 plain HTTP instead of HTTPS
+  --http                 plain HTTP instead of HTTPS, on the loopback interface alone
   --tls-dir DIR          keep the CA in DIR (ca.pem, ca-key.pem), so that clients go on trusting it;
                          without it, each start makes a new CA
   --ca-out FILE          write the CA's certificate (PEM) to FILE
 
 State
-  --db FILE              keep cards, IVs and tokens in the SQLite database FILE; without it, in memory
-  --key BASE64           pre-shared key of 16, 24 or 32 bytes; without it, a new one of 32 bytes
+  --db FILE              keep cards, IVs, tokens and the key in the SQLite database FILE; without it, in memory
+  --key BASE64           pre-shared key of 16, 24 or 32 bytes; without it, that of FILE or a new one of 32 bytes
+  --fault FILE           fault rules from the start: a JSON object or a list of them, see below
   --seed N               make key, IVs, tokens and SMS codes repeatable. For tests alone: they are no secret then
 
 Lifetimes in seconds
@@ -123,11 +146,27 @@ Other
   -h, --help             show this text
 
 Host side, plain JSON
-  POST /host/iv          a new IV                 GET    /host/cards       all cards
-  POST /host/sms         the last SMS code        GET    /host/cards/ID    one card with its PIN
-  POST /host/faults      add fault rules          DELETE /host/faults      forget them
-  GET  /host/requests    requests so far
+  POST /host/iv          a new IV                 GET    /host/cards        all cards, with status and PIN
+  POST /host/sms         the last SMS code        GET    /host/cards/ID     one card with all details
+  POST /host/faults      add fault rules          GET    /host/magic        the cards that force a failure
+  GET  /host/faults      those in force           GET    /host/faults/keys  what a rule may say
+  DELETE /host/faults    forget them              POST   /host/reset        everything as at the start
+  GET  /host/journal     counts, and the last 1000 requests deciphered; ?endpoint=NAME&card=ID&since=N&last=N
+
+Keys of a fault rule. The first rule that fits a request acts. It may say one thing to answer or to do, one way
+of sending it, and a delay.
 )";
+    const auto row = [&help](std::string_view name, std::string_view takes, std::string_view meaning) {
+        const auto pad = [](std::string_view text, std::size_t width) {
+            return std::string(text) + std::string(width > text.size() ? width - text.size() : 1, ' ');
+        };
+        help.append("  ").append(pad(name, 27)).append(takes.empty() ? "" : pad(takes, 21)).append(meaning) +=
+            '\n';
+    };
+    for (const FaultKey& key : faultKeys()) row(key.name, key.takes, key.meaning);
+    help += "\nCards that force a failure without any rule\n";
+    for (const MagicCard& card : magicCards()) row(card.id, "", card.does);
+    return help;
 }
 
 }  // namespace korvane::sandbox

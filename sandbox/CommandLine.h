@@ -21,6 +21,6 @@ struct CommandLine {
 /// value or one that is out of range.
 Outcome<CommandLine> readCommandLine(std::span<char*> arguments);
 
-std::string_view helpText();
+std::string helpText();
 
 }  // namespace korvane::sandbox

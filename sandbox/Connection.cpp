@@ -35,7 +35,7 @@ Connection::Connection(int socket, SSL_CTX* tls) : socket_(socket), tls_(tls ? S
 }
 
 Connection::~Connection() {
-    if (dropped_) {
+    if (end_ == End::reset) {
         setOption(socket_, SOL_SOCKET, SO_LINGER, linger{1, 0});
     } else if (tls_ && !tlsFailed_) {
         SSL_shutdown(tls_.get());
@@ -52,9 +52,14 @@ bool Connection::open() {
 }
 
 bool Connection::waitForRequest(std::chrono::milliseconds time) {
-    if (begin_ < end_ || (tls_ && SSL_pending(tls_.get()) > 0)) return true;
+    if (readFrom_ < readTo_ || (tls_ && SSL_pending(tls_.get()) > 0)) return true;
     pollfd waiting{socket_, POLLIN, 0};
     return ::poll(&waiting, 1, static_cast<int>(time.count())) == 1;
+}
+
+bool Connection::waitForHangUp(std::optional<std::chrono::milliseconds> time) {
+    pollfd waiting{socket_, POLLIN | POLLRDHUP, 0};
+    return ::poll(&waiting, 1, time ? static_cast<int>(time->count()) : -1) != 0;
 }
 
 void Connection::shutDown() {
@@ -70,20 +75,20 @@ ssize_t Connection::receive(char* data, std::size_t size) {
 }
 
 ssize_t Connection::read(char* data, std::size_t size) {
-    if (begin_ == end_) {
+    if (readFrom_ == readTo_) {
         const ssize_t count = receive(buffer_.data(), buffer_.size());
         if (count <= 0) return count;
-        begin_ = 0;
-        end_ = static_cast<std::size_t>(count);
+        readFrom_ = 0;
+        readTo_ = static_cast<std::size_t>(count);
     }
-    const std::size_t count = std::min(size, end_ - begin_);
-    std::memcpy(data, buffer_.data() + begin_, count);
-    begin_ += count;
+    const std::size_t count = std::min(size, readTo_ - readFrom_);
+    std::memcpy(data, buffer_.data() + readFrom_, count);
+    readFrom_ += count;
     return static_cast<ssize_t>(count);
 }
 
 ssize_t Connection::write(const char* data, std::size_t size) {
-    if (dropped_) return -1;
+    if (isOver()) return -1;
     if (!tls_) return ::send(socket_, data, size, MSG_NOSIGNAL);
     if (size == 0) return 0;  // SSL_write takes no empty text
     const int count = SSL_write(tls_.get(), data, static_cast<int>(std::min<std::size_t>(size, INT_MAX)));
@@ -92,7 +97,7 @@ ssize_t Connection::write(const char* data, std::size_t size) {
 }
 
 void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
-    ip = "127.0.0.1";  // the server listens nowhere else
+    ip = "127.0.0.1";  // nobody asks
     port = 0;
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace korvane::sandbox {
 
@@ -24,15 +25,22 @@ class Connection : public httplib::Stream {
     /// True when the client sent something within `time`; false when it did not, or hung up.
     bool waitForRequest(std::chrono::milliseconds time);
 
-    /// From now on nothing is sent, and the client sees the connection reset.
-    void drop() { dropped_ = true; }
-    bool isDropped() const { return dropped_; }
+    /// Waits until the client closes the connection or `shutDown` is called, for
+    /// ever without a time. False when the time went by. Bytes that the client
+    /// sends count as its end: it has its answer to wait for.
+    bool waitForHangUp(std::optional<std::chrono::milliseconds> time);
+
+    /// From now on nothing is sent: the client sees the connection reset, or
+    /// closed in good order.
+    void drop() { end_ = End::reset; }
+    void finish() { end_ = End::closed; }
+    bool isOver() const { return end_ != End::none; }
 
     /// Ends what waits on the connection; any thread, while the connection lives.
     void shutDown();
 
     bool is_readable() const override { return true; }
-    bool is_writable() const override { return !dropped_; }
+    bool is_writable() const override { return !isOver(); }
     ssize_t read(char* data, std::size_t size) override;
     ssize_t write(const char* data, std::size_t size) override;
     void get_remote_ip_and_port(std::string& ip, int& port) const override;
@@ -49,10 +57,10 @@ class Connection : public httplib::Stream {
     int socket_;
     std::unique_ptr<SSL, TlsDeleter> tls_;
     bool tlsFailed_ = false;
-    bool dropped_ = false;
+    enum class End { none, closed, reset } end_ = End::none;
     std::array<char, 16384> buffer_;  // the library reads headers byte by byte
-    std::size_t begin_ = 0;
-    std::size_t end_ = 0;
+    std::size_t readFrom_ = 0;
+    std::size_t readTo_ = 0;
 };
 
 }  // namespace korvane::sandbox

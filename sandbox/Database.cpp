@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sandbox/Database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include "sandbox/SeedCards.h"
 #include "sandbox/Statement.h"
@@ -20,7 +22,9 @@ constexpr const char* schema =
     " code TEXT NOT NULL, wrong_codes INTEGER NOT NULL, expires INTEGER NOT NULL, PRIMARY KEY (kind, text)) "
     "STRICT;"
     "CREATE TABLE IF NOT EXISTS messages (number INTEGER PRIMARY KEY AUTOINCREMENT, card_id TEXT NOT NULL,"
-    " code TEXT NOT NULL) STRICT;";
+    " code TEXT NOT NULL) STRICT;"
+    "CREATE TABLE IF NOT EXISTS keys (number INTEGER PRIMARY KEY CHECK (number = 1), base64 TEXT NOT NULL) "
+    "STRICT;";
 
 constexpr std::string_view cardColumns =
     "SELECT id, type, status, status_before_freeze, pin, pan, cvv, expiry, first_name, middle_name, "
@@ -48,6 +52,8 @@ void Database::Closer::operator()(sqlite3* database) const {
 }
 
 Database::Database(const std::string& file) {
+    constexpr int ownerOnly = 0600;
+    if (!file.empty()) ::close(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ownerOnly));
     sqlite3* handle = nullptr;
     // The caller holds a lock already, so SQLite needs none of its own.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
@@ -56,9 +62,30 @@ Database::Database(const std::string& file) {
     if (opened != SQLITE_OK || sqlite3_exec(handle, schema, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw DatabaseError("database " + file + ": " + (handle ? sqlite3_errmsg(handle) : "out of memory"));
     }
-    if (cards().empty()) {
-        for (const Card& seed : seedCards()) putCard(seed);
+    addMissingCards();
+}
+
+void Database::addMissingCards() {
+    for (const Card& seed : seedCards()) {
+        if (!card(seed.id)) putCard(seed);
     }
+}
+
+void Database::reset(std::int64_t now) {
+    for (const char* const table : {"cards", "tokens", "messages"}) {
+        Statement(handle_.get(), std::string("DELETE FROM ") + table).step();
+    }
+    Statement(handle_.get(), "UPDATE ivs SET expires = ?1 WHERE expires > ?1", now).step();
+    addMissingCards();
+}
+
+std::string Database::key() {
+    Statement row(handle_.get(), "SELECT base64 FROM keys");
+    return row.step() ? row.text(0) : std::string{};
+}
+
+void Database::putKey(const std::string& base64) {
+    Statement(handle_.get(), "INSERT INTO keys VALUES (1, ?)", base64).step();
 }
 
 std::vector<Card> Database::cards() {
@@ -88,8 +115,8 @@ void Database::putCard(const Card& card) {
 }
 
 void Database::addIv(const Iv& iv) {
-    Statement(handle_.get(), "INSERT INTO ivs (id, bytes, expires) VALUES (?, ?, ?)", iv.id, iv.bytes,
-              iv.expires)
+    Statement(handle_.get(), "INSERT OR REPLACE INTO ivs (id, bytes, expires) VALUES (?, ?, ?)", iv.id,
+              iv.bytes, iv.expires)
         .step();
 }
 
@@ -103,6 +130,10 @@ std::optional<Iv> Database::newestIv() {
 
 void Database::expireIv(std::string_view id, std::int64_t now) {
     Statement(handle_.get(), "UPDATE ivs SET expires = ? WHERE id = ?", now, id).step();
+}
+
+void Database::forgetIv(std::string_view id) {
+    Statement(handle_.get(), "UPDATE ivs SET id = '-' || number WHERE id = ?", id).step();
 }
 
 void Database::putToken(const Token& token) {

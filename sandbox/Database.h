@@ -58,8 +58,17 @@ struct Sms {
 /// The service's whole state, in memory or in a file. Every method throws DatabaseError. Not thread-safe.
 class Database {
   public:
-    /// In memory when `file` is empty. Puts the seed cards into a new database.
+    /// In memory when `file` is empty. A file is made readable by its owner
+    /// alone, as it holds the key. Puts in the seed cards that are missing.
     explicit Database(const std::string& file);
+
+    /// Cards as at the start; no token, no SMS; every IV handed out so far is
+    /// expired, so that a client that still holds one learns it.
+    void reset(std::int64_t now);
+
+    /// The pre-shared key in base64; "" before one is put.
+    std::string key();
+    void putKey(const std::string& base64);
 
     std::vector<Card> cards();
     std::optional<Card> card(std::string_view id);
@@ -71,6 +80,8 @@ class Database {
     std::optional<Iv> newestIv();
     /// The bytes stay: the answer that says so is enciphered under them.
     void expireIv(std::string_view id, std::int64_t now);
+    /// Gives the IV another id; its bytes stay for the answer.
+    void forgetIv(std::string_view id);
 
     /// Replaces the token of the same text, or adds it.
     void putToken(const Token& token);
@@ -86,6 +97,8 @@ class Database {
     void forgetExpiredBefore(std::int64_t time);
 
   private:
+    void addMissingCards();
+
     struct Closer {
         void operator()(sqlite3* database) const;
     };

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "base/Base64.h"
 #include "sandbox/CardSide.h"
+#include "sandbox/InspectionPage.h"
 #include "sandbox/Json.h"
+#include "sandbox/MagicCards.h"
 
 namespace korvane::sandbox {
 namespace {
@@ -38,11 +41,31 @@ LoggedAnswer lastCode(State& state, const HttpRequest& request) {
     return json({{"code", sms->code}, {"cardId", sms->cardId}});
 }
 
+JsonObject summaryOf(const Card& card) {
+    return {{"id", card.id},
+            {"type", card.type},
+            {"status", card.status},
+            {"pin", card.pin},
+            {"name", displayName(card)}};
+}
+
 LoggedAnswer listCards(State& state, const HttpRequest&) {
     std::vector<JsonObject> list;
     for (const Card& card : state.database.cards()) {
-        list.push_back(
-            {{"id", card.id}, {"type", card.type}, {"status", card.status}, {"name", displayName(card)}});
+        if (!isMagic(card.id)) list.push_back(summaryOf(card));
+    }
+    return {{200, writeJson(list)}, {}};
+}
+
+LoggedAnswer listMagic(State& state, const HttpRequest&) {
+    std::vector<JsonObject> list;
+    for (const MagicCard& magic : magicCards()) {
+        const std::optional<Card> card = state.database.card(magic.id);
+        if (!card) continue;
+        JsonObject entry = summaryOf(*card);
+        entry.emplace_back("does", std::string(magic.does));
+        entry.emplace_back("fault", RawJson{magicRule(magic)});
+        list.push_back(std::move(entry));
     }
     return {{200, writeJson(list)}, {}};
 }
@@ -65,16 +88,31 @@ LoggedAnswer showCard(State& state, const std::string& id) {
 }
 
 LoggedAnswer addFaults(State& state, const HttpRequest& request) {
-    const Outcome<std::vector<JsonObject>> objects = readJsonObjects(request.body);
-    if (!objects) return problem(400, objects.reason());
-    std::vector<FaultRule> rules;
-    for (const JsonObject& object : *objects) {
-        Outcome<FaultRule> rule = readFaultRule(object);
-        if (!rule) return problem(400, rule.reason());
-        rules.push_back(std::move(*rule));
-    }
-    for (FaultRule& rule : rules) state.faults.add(std::move(rule));  // all of a list or none
+    Outcome<std::vector<FaultRule>> rules = readFaultRules(request.body);
+    if (!rules) return problem(400, rules.reason());
+    state.faults.add(std::move(*rules));  // all of a list or none
     return json({});
+}
+
+LoggedAnswer listFaults(State& state, const HttpRequest&) {
+    std::vector<JsonObject> list;
+    for (const FaultRule& rule : state.faults.rules()) {
+        JsonObject entry = rule.source;
+        const bool ends = rule.count != FaultRule::forever;
+        entry.emplace_back("left", ends ? JsonValue{rule.count} : JsonValue{std::string("forever")});
+        list.push_back(std::move(entry));
+    }
+    return {{200, writeJson(list)}, {}};
+}
+
+LoggedAnswer listFaultKeys(State&, const HttpRequest&) {
+    std::vector<JsonObject> list;
+    for (const FaultKey& key : faultKeys()) {
+        list.push_back({{"key", std::string(key.name)},
+                        {"takes", std::string(key.takes)},
+                        {"meaning", std::string(key.meaning)}});
+    }
+    return {{200, writeJson(list)}, {}};
 }
 
 LoggedAnswer clearFaults(State& state, const HttpRequest&) {
@@ -82,13 +120,38 @@ LoggedAnswer clearFaults(State& state, const HttpRequest&) {
     return json({});
 }
 
-LoggedAnswer countRequests(State& state, const HttpRequest&) {
-    JsonObject counts;
-    for (const Endpoint& endpoint : endpoints()) {
-        const auto found = state.requests.find(endpoint.name);
-        counts.emplace_back(endpoint.name, found == state.requests.end() ? std::int64_t{0} : found->second);
+LoggedAnswer showJournal(State& state, const HttpRequest& request) {
+    JournalQuery query;
+    for (const auto& [name, value] : request.query) {
+        std::int64_t* const number = name == "since" ? &query.since : name == "last" ? &query.last : nullptr;
+        if (number) {
+            const char* const end = value.data() + value.size();
+            const auto [rest, failure] = std::from_chars(value.data(), end, *number);
+            if (failure != std::errc{} || rest != end || *number < 0) {
+                return problem(400, "\"" + name + "\" is no whole number from 0 on");
+            }
+        } else if (name == "card") {
+            query.card = value;
+        } else if (name == "endpoint" && endpointNamed(value)) {
+            query.endpoint = value;
+        } else if (name == "endpoint") {
+            return problem(400, "\"endpoint\" is not the name of an endpoint");
+        } else {
+            return problem(400, "the query takes endpoint, card, since and last, not \"" + name + "\"");
+        }
     }
-    return json(counts);
+    return {{200, state.journal.toJson(query)}, {}};
+}
+
+LoggedAnswer resetAll(State& state, const HttpRequest&) {
+    state.database.reset(now());
+    state.faults.reset();
+    state.journal.clear();
+    return json({});
+}
+
+LoggedAnswer showPage(State&, const HttpRequest&) {
+    return {inspectionPage(), {}};
 }
 
 struct Route {
@@ -97,13 +160,18 @@ struct Route {
     LoggedAnswer (*run)(State&, const HttpRequest&);
 };
 
-constexpr std::array<Route, 6> routes{{
+constexpr std::array<Route, 11> routes{{
+    {"GET", "/", showPage},
     {"POST", "/host/iv", giveIv},
     {"POST", "/host/sms", lastCode},
     {"GET", "/host/cards", listCards},
+    {"GET", "/host/magic", listMagic},
+    {"GET", "/host/faults", listFaults},
+    {"GET", "/host/faults/keys", listFaultKeys},
     {"POST", "/host/faults", addFaults},
     {"DELETE", "/host/faults", clearFaults},
-    {"GET", "/host/requests", countRequests},
+    {"GET", "/host/journal", showJournal},
+    {"POST", "/host/reset", resetAll},
 }};
 
 }  // namespace

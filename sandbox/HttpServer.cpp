@@ -5,6 +5,7 @@
 #include <openssl/ssl.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -15,7 +16,6 @@
 namespace korvane::sandbox {
 namespace {
 
-constexpr const char* address = "127.0.0.1";
 constexpr std::size_t threads = 32;
 constexpr std::size_t longestBody = 1024 * 1024;
 constexpr std::chrono::seconds idleTime{60};
@@ -57,7 +57,33 @@ std::string reasonFor(int status) {
     }
 }
 
-/// The connection that this thread serves: a handler's answer has no other way to it through the library.
+/// Sends what the delivery lets through. The connection is over then: what the
+/// library writes goes nowhere.
+void deliver(Connection& connection, const HttpAnswer& answer) {
+    using Kind = Delivery::Kind;
+    const auto& [kind, bytes, interval] = answer.delivery;
+    if (kind == Kind::hang) connection.waitForHangUp(std::nullopt);
+    if (kind == Kind::hang || kind == Kind::none) return connection.drop();
+
+    const auto send = [&connection](std::string_view text) { connection.write(text.data(), text.size()); };
+    const std::string_view body = answer.body;
+    const auto size = std::min(static_cast<std::size_t>(bytes), body.size());
+    send("HTTP/1.1 " + std::to_string(answer.status) + " \r\nContent-Type: " + answer.type +
+         "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n");
+    send(body.substr(0, size));
+    if (kind == Kind::drip) {
+        for (std::size_t sent = size; sent < body.size() && !connection.waitForHangUp(interval);
+             sent += size) {
+            send(body.substr(sent, size));
+        }
+    }
+    if (kind != Kind::reset) return connection.finish();
+    connection.waitForHangUp(std::chrono::milliseconds(20));  // a reset may overtake what was sent
+    connection.drop();
+}
+
+/// The connection that this thread serves: a handler's answer has no other way
+/// to it through the library.
 thread_local Connection* current = nullptr;
 
 }  // namespace
@@ -102,15 +128,16 @@ class HttpServer::Impl : public httplib::Server {
         });
     }
 
-    std::string start(int port, const ServerCertificate* certificate, int& boundPort) {
+    std::string start(const std::string& address, int port, const ServerCertificate* certificate,
+                      int& boundPort) {
         if (certificate) {
             tls_ = contextOf(*certificate);
             if (!tls_) return "the server certificate is of no use";
         }
         boundPort = port == 0 ? bind_to_any_port(address) : bind_to_port(address, port) ? port : -1;
         if (boundPort < 0) {
-            return "cannot listen on " + std::string(address) + " port " + std::to_string(port) +
-                   ": it is in use or not allowed";
+            return "cannot listen on " + address + " port " + std::to_string(port) +
+                   ": it is in use, not allowed, or not of this machine";
         }
         // The library lets five clients wait; a burst of new connections is more.
         ::listen(svr_sock_, SOMAXCONN);
@@ -133,14 +160,20 @@ class HttpServer::Impl : public httplib::Server {
 
   private:
     void answer(const httplib::Request& request, httplib::Response& response) {
-        const HttpAnswer answer = handler_(
-            {request.method, request.path, request.get_header_value("Content-Type"),
-             request.get_header_value("Accept"), request.get_header_value("Authorization"), request.body});
-        if (answer.drop) current->drop();
+        const HttpAnswer answer = handler_({request.method,
+                                            request.path,
+                                            {request.params.begin(), request.params.end()},
+                                            request.get_header_value("Content-Type"),
+                                            request.get_header_value("Accept"),
+                                            request.get_header_value("Authorization"),
+                                            request.body});
+        if (answer.delivery.kind != Delivery::Kind::whole) deliver(*current, answer);
         response.status = answer.status;
+        for (const auto& [name, value] : answer.headers) response.set_header(name, value);
+        response.set_header("Cache-Control", "no-store");
         // RFC 9110, 15.5.2: a 401 names the scheme that is asked for.
         if (answer.status == 401) response.set_header("WWW-Authenticate", "Bearer");
-        response.set_content(answer.body, "application/json");
+        response.set_content(answer.body, answer.type);
     }
 
     bool process_and_close_socket(socket_t socket) override {
@@ -160,8 +193,7 @@ class HttpServer::Impl : public httplib::Server {
         bool going = connection.open();
         while (going && connection.waitForRequest(idleTime)) {
             bool closed = false;
-            going =
-                process_request(connection, false, closed, complete) && !closed && !connection.isDropped();
+            going = process_request(connection, false, closed, complete) && !closed && !connection.isOver();
         }
         current = nullptr;
         const std::lock_guard lock(mutex_);
@@ -185,8 +217,8 @@ HttpServer::~HttpServer() {
     stop();
 }
 
-std::string HttpServer::start(int port, const ServerCertificate* certificate) {
-    return impl_->start(port, certificate, port_);
+std::string HttpServer::start(const std::string& address, int port, const ServerCertificate* certificate) {
+    return impl_->start(address, port, certificate, port_);
 }
 
 void HttpServer::stop() {

@@ -2,16 +2,19 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
 #include "sandbox/Certificates.h"
+#include "sandbox/Delivery.h"
 
 namespace korvane::sandbox {
 
 struct HttpRequest {
     std::string method;
-    std::string path;
+    std::string path;                          ///< without the query
+    std::map<std::string, std::string> query;  ///< the first value of each name
     std::string contentType;
     std::string accept;
     std::string authorization;
@@ -20,12 +23,15 @@ struct HttpRequest {
 
 struct HttpAnswer {
     int status = 200;
-    std::string body;   ///< sent as application/json
-    bool drop = false;  ///< answer nothing: reset the connection
+    std::string body;
+    Delivery delivery{};
+    std::string type = "application/json";
+    std::map<std::string, std::string> headers{};  ///< beside those that every answer has
 };
 
-/// HTTP/1.1 on 127.0.0.1, in clear or over TLS 1.2 and later. Each connection has a thread of the server's
-/// pool, which is kept alive between requests. Makes the process ignore SIGPIPE.
+/// HTTP/1.1, in clear or over TLS 1.2 and later. Each connection has a thread
+/// of the server's pool, which is kept alive between requests. Makes the
+/// process ignore SIGPIPE.
 class HttpServer {
   public:
     /// Called on a thread of the pool, on several at once. An exception becomes status 500 with its text.
@@ -41,9 +47,10 @@ class HttpServer {
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;
 
-    /// Binds and serves; port 0 takes a free one. Without a certificate the server speaks plain HTTP. Answers
+    /// Binds to an address of this machine, or its name, and serves; port 0 takes
+    /// a free one. Without a certificate the server speaks plain HTTP. Answers
     /// the reason of a failure, or "". Once only.
-    std::string start(int port, const ServerCertificate* certificate);
+    std::string start(const std::string& address, int port, const ServerCertificate* certificate);
 
     int port() const { return port_; }
 

@@ -18,7 +18,11 @@ constexpr unsigned parseFlags = rapidjson::kParseIterativeFlag | rapidjson::kPar
 Failure parse(rapidjson::Document& document, std::string_view text) {
     document.Parse<parseFlags>(text.data(), text.size());
     if (!document.HasParseError()) return {};
-    return {std::string("not JSON: ") + rapidjson::GetParseError_En(document.GetParseError())};
+    const std::string_view before = text.substr(0, document.GetErrorOffset());
+    const auto line = 1 + std::ranges::count(before, '\n');
+    const auto column = before.size() - (before.rfind('\n') + 1) + 1;  // npos + 1 is 0
+    return {std::string("not JSON: ") + rapidjson::GetParseError_En(document.GetParseError()) + " (line " +
+            std::to_string(line) + ", column " + std::to_string(column) + ")"};
 }
 
 Outcome<JsonObject> objectOf(const rapidjson::Value& value) {
@@ -54,6 +58,8 @@ void write(Writer& writer, const JsonObject& object) {
             writer.Bool(*flag);
         } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
             writer.Int64(*number);
+        } else if (const auto* raw = std::get_if<RawJson>(&value)) {
+            writer.RawValue(raw->text.data(), raw->text.size(), rapidjson::kObjectType);
         } else {
             text(std::get<std::string>(value),
                  [&writer](auto... characters) { writer.String(characters...); });
@@ -84,7 +90,9 @@ Outcome<std::vector<JsonObject>> readJsonObjects(std::string_view text) {
         return objects;
     }
     for (const auto& element : document.GetArray()) {
-        if (std::string reason = append(element); !reason.empty()) return Failure{reason};
+        if (std::string reason = append(element); !reason.empty()) {
+            return Failure{"element " + std::to_string(objects.size() + 1) + ": " + reason};
+        }
     }
     return objects;
 }

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include "sandbox/MagicCards.h"
+
 namespace korvane::sandbox {
 namespace {
 
@@ -20,8 +22,8 @@ std::string withCheckDigit(std::string digits) {
 }
 
 std::string padded(int number, std::size_t width) {
-    const std::string text = std::to_string(number);
-    return std::string(width - text.size(), '0') + text;
+    const std::string text = std::string(width, '0') + std::to_string(number);
+    return text.substr(text.size() - width);
 }
 
 struct Name {
@@ -68,6 +70,9 @@ std::vector<Card> seedCards() {
     }
     add("card-unknown-type", "sticker", "A1");
     add("card-unknown-status", "physical", "X9");
+    for (const MagicCard& magic : magicCards()) {
+        add(std::string(magic.id), "physical", std::string(magic.status));
+    }
     return cards;
 }
 

@@ -3,7 +3,6 @@
 
 #include <condition_variable>
 #include <cstdint>
-#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -11,6 +10,7 @@
 #include "sandbox/CardService.h"
 #include "sandbox/Database.h"
 #include "sandbox/Faults.h"
+#include "sandbox/Journal.h"
 #include "sandbox/Random.h"
 
 namespace korvane::sandbox {
@@ -18,8 +18,8 @@ namespace korvane::sandbox {
 /// All that the request handlers share. Whoever touches a field holds `mutex`, but for the options, which
 /// never change.
 struct State {
-    explicit State(const CardServiceOptions& given)
-        : options(given), random(given.seed), database(given.databaseFile) {}
+    State(const CardServiceOptions& given, std::vector<FaultRule> startFaults)
+        : options(given), random(given.seed), database(given.databaseFile), faults(std::move(startFaults)) {}
 
     const CardServiceOptions options;
     std::mutex mutex;
@@ -29,7 +29,7 @@ struct State {
     Random random;
     Database database;
     Faults faults;
-    std::map<std::string, std::int64_t, std::less<>> requests;  ///< by endpoint name
+    Journal journal;
     std::function<void(std::string cardId, std::string code)> smsCallback;
 };
 

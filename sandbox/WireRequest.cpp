@@ -15,28 +15,46 @@ constexpr std::string_view pciToken = "encryptedPciToken";
 
 const std::vector<Endpoint>& table() {
     static const std::vector<Endpoint> rows{
-        {"getBearerToken", "/api/sdk/token", false, {"encryptedUsername", "encryptedPassword"}},
-        {"pciTokenRequest", "/api/sdk/pciTokenRequest", true, {}},
+        {"getBearerToken",
+         "/api/sdk/token",
+         false,
+         {"encryptedUsername", "encryptedPassword"},
+         {"encryptedAccessToken", "encryptedExpiration"}},
+        {"pciTokenRequest", "/api/sdk/pciTokenRequest", true, {}, {"encryptedPciSmsToken"}},
         {"pciTokenSubmission",
          "/api/sdk/pciTokenSubmission",
          true,
-         {"encryptedPciSmsToken", "encryptedTwoFactorCode", "encryptedUseBiometrics"}},
-        {"pinSet", "/api/sdk/pinSet", true, {"encryptedPIN", pciToken}},
-        {"getCardStatus", "/api/sdk/getCardStatus", true, {pciToken}},
-        {"setCardStatus", "/api/sdk/cardStatus", true, {"encryptedStatus", pciToken}},
-        {"getCardImage", "/api/sdk/cardImage", true, {pciToken}},
+         {"encryptedPciSmsToken", "encryptedTwoFactorCode", "encryptedUseBiometrics"},
+         {pciToken, "encryptedPciTokenExpiration", "encryptedBiometricsAuthenticationTimer"}},
+        {"pinSet", "/api/sdk/pinSet", true, {"encryptedPIN", pciToken}, {}},
+        {"getCardStatus",
+         "/api/sdk/getCardStatus",
+         true,
+         {pciToken},
+         {"encryptedCardStatus", "encryptedCardType"}},
+        {"setCardStatus", "/api/sdk/cardStatus", true, {"encryptedStatus", pciToken}, {}},
+        {"getCardImage",
+         "/api/sdk/cardImage",
+         true,
+         {pciToken},
+         {"encryptedCardImage", "encryptedCardDisclosures", "encryptedPan", "encryptedCvv",
+          "encryptedExpiryDate", "encryptedFirstName", "encryptedMiddleName", "encryptedLastName",
+          "encryptedCardNetwork"}},
         {"physicalCardActivationAndPinSet",
          "/api/sdk/physicalCardActivationAndPinSet",
          true,
-         {"encryptedCVV", "encryptedPIN", "encryptedLastFourOfPan", pciToken}},
+         {"encryptedCVV", "encryptedPIN", "encryptedLastFourOfPan", pciToken},
+         {}},
         {"virtualCardActivationAndPinSet",
          "/api/sdk/virtualCardActivationAndPinSet",
          true,
-         {"encryptedPIN", pciToken}},
+         {"encryptedPIN", pciToken},
+         {}},
         {"wearableCardActivationAndPinSet",
          "/api/sdk/wearableCardActivationAndPinSet",
          true,
-         {"encryptedPIN", pciToken}},
+         {"encryptedPIN", pciToken},
+         {}},
     };
     return rows;
 }
@@ -59,6 +77,10 @@ std::span<const std::uint8_t> bytesOf(std::string_view text) {
 
 bool Endpoint::carriesPciToken() const {
     return std::ranges::find(keys, pciToken) != keys.end();
+}
+
+bool Endpoint::answersKey(std::string_view key) const {
+    return key == "encryptedResult" || std::ranges::find(answers, key) != answers.end();
 }
 
 std::span<const Endpoint> endpoints() {

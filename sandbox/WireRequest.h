@@ -16,12 +16,14 @@ namespace korvane::sandbox {
 
 /// A row of the wire format. Every request also carries "offsetId", "encryptedCardId", "UUID" and "brandId".
 struct Endpoint {
-    std::string_view name;  ///< the client's name for it; faults and counts go by it
+    std::string_view name;  ///< the client's name for it; faults and the journal go by it
     std::string_view path;
     bool needsBearerToken;
-    std::vector<std::string_view> keys;  ///< the endpoint's own
+    std::vector<std::string_view> keys;     ///< the endpoint's own
+    std::vector<std::string_view> answers;  ///< the keys of a good answer beside the result
 
     bool carriesPciToken() const;
+    bool answersKey(std::string_view key) const;
 };
 
 std::span<const Endpoint> endpoints();

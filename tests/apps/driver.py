@@ -25,7 +25,7 @@ class Sandbox:
         self.url = self.told["url"]
 
     def ask(self, method, path, body=None):
-        command = ["curl", "-sS", "--cacert", self.ca, "-X", method, self.url + path, "-H", "Content-Type: application/json"]
+        command = ["curl", "-sS", "--fail-with-body", "--cacert", self.ca, "-X", method, self.url + path, "-H", "Content-Type: application/json"]
         if body is not None:
             command += ["-d", json.dumps(body)]
         return json.loads(subprocess.run(command, capture_output=True, text=True, check=True).stdout or "null")
@@ -33,14 +33,14 @@ class Sandbox:
     def fault(self, **rule):
         self.ask("POST", "/host/faults", rule)
 
-    def code(self):
-        return self.ask("POST", "/host/sms", {})["code"]
+    def code(self, card=None):
+        return self.ask("POST", "/host/sms", {"cardId": card} if card else {})["code"]
 
     def card(self, card):
         return self.ask("GET", "/host/cards/" + card)
 
     def requests(self):
-        return self.ask("GET", "/host/requests")
+        return self.ask("GET", "/host/journal?last=0")["counts"]
 
     def stop(self):
         self.process.terminate()
@@ -140,10 +140,10 @@ class Journey:
         for pipe in (self.process.stdin, self.process.stdout, self.process.stderr):
             pipe.close()
 
-    def verify_by_sms(self, sandbox):
+    def verify_by_sms(self, sandbox, card=None):
         self.at("SMSExplainView", "sdk.sms.explain.button")
         self.shows("EnterSMSCodeView")
-        self.type(sandbox.code())
+        self.type(sandbox.code(card))
 
     def enter_and_confirm(self, pin, confirmed=None):
         self.at("EnterCardPINView", "sdk.setpin.button", pin)

@@ -76,6 +76,22 @@ TEST(CurlSecurity, AGivenProxySeesATunnelAndNoToken) {
     EXPECT_FALSE(proxy.requests()[0].has_header("Authorization"));
 }
 
+TEST(CurlSecurity, PlainHttpGoesToThisMachineAlone) {
+    TestServer server(greetBack, {.tls = false});
+    CurlUrlSession session, proxied({.proxy = server.url("")});
+    for (const char* host : {"127.0.0.1", "LOCALHOST", "127.0.0.2"}) {
+        const UrlReply reply = post(session, server.url("/", host));
+        EXPECT_EQ(reply.failure.find("plain HTTP"), std::string::npos) << host << ": " << reply.failure;
+    }
+    EXPECT_EQ(server.requests().size(), 2u);
+    for (const char* url : {"http://192.0.2.1/", "HTTP://bank.test/", "http://127.0.0.1.bank.test/",
+                            "http://localhost@bank.test/", "http://[2001:db8::1]/", "http://0.0.0.0/"}) {
+        expectFailure(post(session, url), "plain HTTP is for a service on this machine alone");
+    }
+    expectFailure(post(proxied, server.url("/")), "plain HTTP");
+    EXPECT_EQ(server.requests().size(), 2u);
+}
+
 TEST(CurlSecurity, ALineBreakCannotMakeAHeaderOfAValue) {
     TestServer server(greetBack, {.tls = false});
     CurlUrlSession session;

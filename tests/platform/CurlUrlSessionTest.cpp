@@ -117,7 +117,7 @@ TEST(CurlUrlSession, ANameLookUpThatHangsHoldsUpNeitherReleaseNorOtherRequestsNo
     std::unique_ptr<UrlTask> tasks[2];
     for (auto& task : tasks) {
         task =
-            driver.session->start({"POST", "http://hanging.test/", {}, ""}, [](UrlReply) { ADD_FAILURE(); });
+            driver.session->start({"POST", "https://hanging.test/", {}, ""}, [](UrlReply) { ADD_FAILURE(); });
     }
     std::this_thread::sleep_for(50ms);  // into the look-up
     tasks[0].reset();

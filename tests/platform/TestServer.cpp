@@ -104,7 +104,7 @@ bool TestServer::process_and_close_socket(socket_t socket) {
     if (going && options_.raw) options_.raw(connection);
     going = going && !options_.raw;
     while (going && connection.waitForRequest(std::chrono::seconds(60)))
-        going = process_request(connection, false, closed, nullptr) && !closed && !connection.isDropped();
+        going = process_request(connection, false, closed, nullptr) && !closed && !connection.isOver();
     const std::lock_guard lock(mutex_);
     open_.erase(&connection);
     ++closed_;

@@ -6,6 +6,7 @@
 #include <set>
 #include <thread>
 
+#include "base/Base64.h"
 #include "tests/sandbox/TestClient.h"
 
 namespace korvane::sandbox {
@@ -26,7 +27,7 @@ TEST(CardServiceTest, HoldsACardOfEveryTypeAndStatus) {
     EXPECT_EQ(kinds.size(), 14U) << "and one of an unknown type, and one of an unknown status";
     EXPECT_EQ(bench.client.send("GET", "/host/cards/none").reply.status, 404);
     EXPECT_EQ(bench.client.send("POST", "/host/cards").reply.status, 405);
-    EXPECT_EQ(bench.client.send("GET", "/").reply.status, 404);
+    EXPECT_EQ(bench.client.send("GET", "/host").reply.status, 404);
     EXPECT_EQ(bench.client.send("POST", "/host/sms").reply.status, 404) << "no code yet";
 }
 
@@ -79,9 +80,35 @@ TEST(CardServiceTest, KeepsStateAndCaInFilesAcrossRestarts) {
     EXPECT_EQ(after.pinSet(id, "2468", token).result(), "Success") << "tokens last, too";
     EXPECT_EQ(std::filesystem::status(folder / "tls/ca-key.pem").permissions(), std::filesystem::perms{0600});
     service.stop();
+    const std::filesystem::path file = folder / "cards.db";
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms{0600})
+        << "it holds the key";
+    CardService unseeded({.databaseFile = file});
+    ASSERT_EQ(unseeded.start(), "");
+    EXPECT_EQ(unseeded.keyBase64(), base64Encode(before.key)) << "the key is kept";
+    EXPECT_EQ(CardService({.databaseFile = file, .keyBase64 = unseeded.keyBase64()}).start(), "");
+    EXPECT_THAT(CardService({.databaseFile = file, .keyBase64 = "AAAAAAAAAAAAAAAAAAAAAA=="}).start(),
+                HasSubstr("the key is not the one of"));
 
     std::filesystem::remove(folder / "tls/ca-key.pem");
     EXPECT_THAT(service.start(), HasSubstr("cannot read")) << "half a CA must not be replaced in silence";
+}
+
+TEST(CardServiceTest, ListensElsewhereOnlyOverTlsAndItsCertificateIsForThatAddress) {
+    const testing::TemporaryFolder folder;
+    // The whole block is this machine's, but only 127.0.0.1 is in every certificate.
+    CardService service({.address = "127.0.0.9", .tlsDirectory = folder / "tls"});
+    ASSERT_EQ(service.start(), "");
+    EXPECT_THAT(service.url(), HasSubstr("https://127.0.0.9:"));
+    EXPECT_EQ(TestClient(service).send("POST", "/host/iv").reply.status, 200);
+    EXPECT_THAT(CardService({.address = "127.0.0.8", .tlsDirectory = folder / "tls"}).start(),
+                HasSubstr("is not for 127.0.0.8"));
+    Bench everywhere({.address = "0.0.0.0"});
+    EXPECT_THAT(everywhere.client.send("POST", "/host/iv").reply.failure, ::testing::Not(HasSubstr("name")));
+    EXPECT_THAT(CardService({.address = "0.0.0.0", .tls = false}).start(),
+                HasSubstr("loopback interface alone"));
+    EXPECT_THAT(CardService({.address = "192.0.2.1"}).start(), HasSubstr("cannot listen"));
+    EXPECT_THAT(CardService({.address = "a,DNS:b"}).start(), HasSubstr("neither address nor name"));
 }
 
 TEST(CardServiceTest, ReportsWhatItCannotUse) {

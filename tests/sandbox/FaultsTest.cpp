@@ -45,10 +45,8 @@ TEST_F(FaultRules, AnswersAreReplacedAsOftenAsAskedFor) {
     add(R"({"endpoint":"*","status":503,"count":9})");
     EXPECT_EQ(client.send("DELETE", "/host/faults").reply.status, 200);
     EXPECT_EQ(pinSet().reply.status, 200);
-    const Texts counts = client.send("GET", "/host/requests").fields;
-    EXPECT_EQ(counts.at("pinSet"), "5");
-    EXPECT_EQ(counts.at("getCardStatus"), "1");
-    EXPECT_EQ(counts.at("getCardImage"), "0");
+    const std::string journal = client.send("GET", "/host/journal?last=0").reply.body;
+    EXPECT_THAT(journal, ::testing::HasSubstr(R"("pinSet":5,"getCardStatus":1,"setCardStatus":0)"));
 }
 
 TEST_F(FaultRules, ConnectionsAreResetAndAnswersDelayed) {
@@ -66,6 +64,80 @@ TEST_F(FaultRules, ConnectionsAreResetAndAnswersDelayed) {
     waiting.join();
     EXPECT_LT(steady_clock::now() - stopping, std::chrono::seconds(5))
         << "stopping must not wait for a delay";
+}
+
+TEST_F(FaultRules, AnswersBreakOnTheirWay) {
+    for (const auto& [rule, failure] :
+         {std::pair{R"({"endpoint":"pinSet","cutAfter":9})", "remaining"},
+          {R"({"endpoint":"pinSet","body":"0123456789","cutAfter":9})", "1 bytes remaining"},
+          {R"({"endpoint":"pinSet","resetAfter":9})", "reset"}}) {
+        add(rule);
+        EXPECT_THAT(pinSet().reply.failure, ::testing::HasSubstr(failure)) << rule;
+    }
+    EXPECT_EQ(client.card(id).at("pin"), "1357") << "the work was done, its answer is lost";
+    add(R"({"endpoint":"pinSet","body":"0123456789","dripBytes":2,"dripMs":50})");
+    const auto begin = steady_clock::now();
+    EXPECT_EQ(pinSet().reply.body, "0123456789");
+    EXPECT_GE(steady_clock::now() - begin, std::chrono::milliseconds(200));
+}
+
+TEST_F(FaultRules, AHangEndsWithItsClientOrTheService) {
+    add(R"({"endpoint":"pinSet","hang":true,"count":"forever"})");
+    std::thread waiting([this] { EXPECT_FALSE(pinSet().reply.answered()); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const auto stopping = steady_clock::now();
+    bench_.service.stop();
+    waiting.join();
+    EXPECT_LT(steady_clock::now() - stopping, std::chrono::seconds(5));
+}
+
+TEST_F(FaultRules, AreToldWithWhatIsLeftAndResetLeavesThoseOfTheStart) {
+    Bench bench({.faultRules = R"({"endpoint":"pinSet","status":418})"});
+    TestClient& other = bench.client;
+    const std::string token = other.pciToken(id);
+    other.send("POST", "/host/faults", R"({"endpoint":"pinSet","card":"x","status":500,"count":"forever"})");
+    EXPECT_EQ(other.send("GET", "/host/faults").reply.body,
+              R"([{"endpoint":"pinSet","status":418,"left":1},{"endpoint":"pinSet","card":"x","status":500,)"
+              R"("count":"forever","left":"forever"}])");
+    EXPECT_EQ(other.pinSet(id, "1357", token).reply.status, 418);
+    EXPECT_EQ(other.pinSet(id, "1357", token).result(), "Success");
+    EXPECT_EQ(other.send("POST", "/host/reset").reply.status, 200);
+    EXPECT_EQ(other.send("GET", "/host/faults").reply.body,
+              R"([{"endpoint":"pinSet","status":418,"left":1}])");
+    EXPECT_NE(other.card(id).at("pin"), "1357");
+    EXPECT_THAT(other.send("GET", "/host/journal").reply.body, ::testing::HasSubstr(R"("entries":[])"));
+    EXPECT_EQ(other.send("POST", "/host/sms").reply.status, 404);
+    other.send("DELETE", "/host/faults");
+    EXPECT_EQ(other.pinSet(id, "1357", token).reply.status, 401) << "tokens are gone";
+    EXPECT_EQ(other.signIn().result(), "Failure: IV is expired") << "and a client learns that its IV is";
+    EXPECT_EQ(CardService({.faultRules = "[{}]"}).start(), "rule 1: missing key \"endpoint\"");
+}
+
+TEST_F(FaultRules, TheJournalTellsRequestsDecipheredAndIsBounded) {
+    ASSERT_EQ(pinSet().result(), "Success");
+    client.card(id);
+    const auto ask = [this](const std::string& query) {
+        return client.send("GET", "/host/journal?" + query).reply.body;
+    };
+    EXPECT_THAT(
+        ask("endpoint=pinSet&card=" + id),
+        ::testing::ContainsRegex(R"("endpoint":"pinSet","card":"card-virtual-active","request":\{)"
+                                 R"("encryptedCardId":"card-virtual-active","encryptedPIN":"1357",)"));
+    EXPECT_THAT(ask("last=1"), ::testing::HasSubstr(R"("answer":{"encryptedResult":"Success"})"));
+    EXPECT_THAT(ask("card=another"), ::testing::HasSubstr(R"("entries":[])"));
+    EXPECT_THAT(ask("endpoint=pciTokenRequest"), ::testing::HasSubstr("\"sms\":\"" + client.lastCode(id)));
+    for (const char* bad : {"endpoint=none", "since=-1", "last=x", "colour=red"}) {
+        EXPECT_THAT(ask(bad), ::testing::HasSubstr("error")) << bad;
+    }
+    client.call("cardImage", {{"CardId", id}, {"PciToken", token_}});
+    EXPECT_LT(ask("endpoint=getCardImage").size(), 3000U) << "a picture is clipped";
+    add(R"({"endpoint":"pinSet","status":418,"count":"forever"})");
+    for (int i = 0; i < 1100; ++i) client.send("POST", "/api/sdk/pinSet", "{}");
+    const std::string all = ask("last=5000");
+    EXPECT_THAT(all, ::testing::HasSubstr("\"pinSet\":1101"));
+    EXPECT_THAT(all, ::testing::Not(::testing::HasSubstr("\"number\":105,")));
+    EXPECT_THAT(all, ::testing::HasSubstr("\"number\":106,"));
+    EXPECT_THAT(ask("since=1104"), ::testing::Not(::testing::HasSubstr("\"number\":1104,")));
 }
 
 TEST_F(FaultRules, WhatAClientHoldsExpires) {
@@ -92,13 +164,22 @@ TEST_F(FaultRules, BadRulesAreRefusedWithAReasonAndAListWhole) {
         {R"({"endpoint":"pinSet","status":"500"})", "status"},
         {R"({"endpoint":"pinSet","status":100})", "status"},
         {R"({"endpoint":"pinSet","result":"a","body":"b"})", "more than one effect"},
-        {R"({"endpoint":"pinSet","reset":true,"status":500})", "goes with"},
+        {R"({"endpoint":"pinSet","reset":true,"status":500})", "go with no answer"},
         {R"({"endpoint":"pinSet","reset":false})", "takes true"},
         {R"({"endpoint":"pinSet","delayMs":-1})", "delayMs"},
         {R"({"endpoint":"pinSet","explode":true})", "unexpected key"},
+        {R"({"endpoint":"pinSet","count":"always","status":500})", "\"forever\""},
+        {R"({"endpoint":"pinSet","card":"","status":500})", "\"card\" is empty"},
+        {R"({"endpoint":"pinSet","percent":101,"status":500})", "from 1 to 100"},
+        {R"({"endpoint":"pinSet","seed":1,"status":500})", "goes with \"percent\""},
+        {R"({"endpoint":"pinSet","cutAfter":1,"resetAfter":1})", "more than one delivery"},
+        {R"({"endpoint":"pinSet","dripBytes":0,"dripMs":1})", "from 1 to"},
+        {R"({"endpoint":"pinSet","dripBytes":1})", "go together"},
+        {R"({"endpoint":"pinSet","without":"encryptedPan"})", "no answer of pinSet has the key"},
         {R"({"endpoint":"getBearerToken","expireBearer":true})", "no such token"},
-        {R"([{"endpoint":"pinSet","status":500},{"endpoint":"pinSet"}])", "no effect"},
-        {"nonsense", "not JSON"},
+        {R"([{"endpoint":"pinSet","status":500},{"endpoint":"pinSet"}])", "rule 2: the rule has no effect"},
+        {"[{},\n {]", "(line 2, column 3)"},
+        {"[{}, 1]", "element 2: not a JSON object"},
     };
     for (const auto& [rule, reason] : rules) {
         const auto answer = client.send("POST", "/host/faults", rule);

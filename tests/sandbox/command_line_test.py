@@ -13,6 +13,13 @@ PROGRAM = sys.argv.pop(1)
 
 
 class CommandLine(unittest.TestCase):
+    def rules(self, text):
+        file = tempfile.NamedTemporaryFile("w", suffix=".json")
+        self.addCleanup(file.close)
+        file.write(text)
+        file.flush()
+        return file.name
+
     def test_serves_until_it_is_told(self):
         key = "AAAAAAAAAAAAAAAAAAAAAA=="
         with tempfile.TemporaryDirectory() as folder:
@@ -36,7 +43,9 @@ class CommandLine(unittest.TestCase):
                  "--port takes a whole number from 0 to 65535": ["--port", "65536"], "--port takes": ["--port", "12x"],
                  "--iv-seconds takes": ["--iv-seconds", "0"], "--seed takes": ["--seed", "-1"],
                  "--db takes a value": ["--db", ""], "--http has no certificate": ["--http", "--ca-out", "ca.pem"],
-                 "not 16, 24 or 32": ["--key", "AAAA"]}
+                 "not 16, 24 or 32": ["--key", "AAAA"], "--http is for the loopback": ["--http", "--listen", "0.0.0.0"],
+                 "cannot read /none": ["--fault", "/none"], "(line 2, column 1)": ["--fault", self.rules("[\n")],
+                 "rule 2: unexpected key \"x\"": ["--fault", self.rules('[{"endpoint":"*","status":500},{"x":1}]')]}
         for message, arguments in cases.items():
             run = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, timeout=20)
             self.assertEqual((run.stdout, run.returncode), ("", 1 if "--key" in arguments else 2), arguments)

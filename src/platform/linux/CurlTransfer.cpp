@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/CurlTransfer.h"
 
+#include <arpa/inet.h>
 #include <openssl/ssl.h>
 #include <strings.h>
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <utility>
 
 #include "base/Secret.h"
+#include "base/Text.h"
 
 namespace korvane {
 namespace {
@@ -22,6 +25,29 @@ bool hasControlCharacter(std::string_view text) {
 CURLcode keepTlsSecrets(CURL*, void* context, void*) {
     SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
     return CURLE_OK;
+}
+
+bool isLoopback(std::string host) {
+    if (host.starts_with('[')) host = host.substr(1, host.size() - 2);
+    std::array<unsigned char, 4> address{};
+    return equalIgnoringCase(host, "localhost") || host == "::1" ||
+           (inet_pton(AF_INET, host.c_str(), address.data()) == 1 && address[0] == 127);
+}
+
+/// True when others than this machine would see the request in clear. A URL that libcurl cannot read is left
+/// for it to refuse.
+bool showsItself(const std::string& url, const std::string& proxy) {
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parts{curl_url(), &curl_url_cleanup};
+    const auto part = [&parts](CURLUPart which) {
+        char* text = nullptr;
+        std::string copy = curl_url_get(parts.get(), which, &text, 0) == CURLUE_OK ? text : "";
+        curl_free(text);
+        return copy;
+    };
+    if (!parts || curl_url_set(parts.get(), CURLUPART_URL, url.c_str(), CURLU_DEFAULT_SCHEME) != CURLUE_OK) {
+        return false;
+    }
+    return part(CURLUPART_SCHEME) == "http" && !(proxy.empty() && isLoopback(part(CURLUPART_HOST)));
 }
 
 /// Appends, and wipes what a growing text leaves behind.
@@ -46,6 +72,10 @@ CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& opti
     }
     if (hasControlCharacter(request_.url) || hasControlCharacter(request_.method)) {
         refusal_ = "the URL or the method has a control character";
+        return;
+    }
+    if (showsItself(request_.url, options.proxy)) {
+        refusal_ = "plain HTTP is for a service on this machine alone: the URL needs https";
         return;
     }
     set(CURLOPT_ERRORBUFFER, error_.data());

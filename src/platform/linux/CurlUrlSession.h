@@ -26,7 +26,9 @@ struct CurlUrlSessionOptions {
 
 /// HTTP over libcurl, on one thread of its own that the first request starts. TLS 1.2 or better, HTTP/2 where
 /// the server has it, connections kept alive between requests; no cookies, no stored credentials, no content
-/// coding. Replies run on that thread: they must hand on and return, for they hold up all other requests.
+/// coding. Plain HTTP goes to a service on this machine alone: a card's data in clear on a network is no
+/// option that a host should have. Replies run on that thread: they must hand on and return, for they hold up
+/// all other requests.
 class KORVANE_API CurlUrlSession final : public UrlSession {
   public:
     explicit CurlUrlSession(CurlUrlSessionOptions options = {});

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "sandbox/InspectionPage.h"
+
+#include "sandbox/Random.h"
+
+namespace korvane::sandbox {
+
+HttpAnswer inspectionPage() {
+    constexpr std::string_view placeholder = "{{nonce}}";
+    const std::string nonce = Random(std::nullopt).hex(16);  // of the system: a seed is for keys and codes
+    std::string text(inspectionPageText);
+    for (std::size_t at; (at = text.find(placeholder)) != std::string::npos;) {
+        text.replace(at, placeholder.size(), nonce);
+    }
+    const std::string policy = "default-src 'none'; connect-src 'self'; script-src 'nonce-" + nonce +
+                               "'; style-src 'nonce-" + nonce +
+                               "'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
+    return {200,
+            std::move(text),
+            {},
+            "text/html; charset=utf-8",
+            {{"Content-Security-Policy", policy},
+             {"Referrer-Policy", "no-referrer"},
+             {"X-Content-Type-Options", "nosniff"}}};
+}
+
+}  // namespace korvane::sandbox

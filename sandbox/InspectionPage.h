@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string_view>
+
+#include "sandbox/HttpServer.h"
+
+namespace korvane::sandbox {
+
+/// The text of inspection.html.
+extern const std::string_view inspectionPageText;
+
+/// The page that shows in a browser what the service holds and hears. Its
+/// script and its style alone run, each time under a nonce of its own (Content
+/// Security Policy, level 3), and it talks to its own origin alone.
+HttpAnswer inspectionPage();
+
+}  // namespace korvane::sandbox
