@@ -29,9 +29,13 @@ def main(top, out):
     failures = complaints(top, out)
     if not failures and not (out / "index.html").exists():
         failures = "no page was made"
+    installed = re.search(r"KORVANE_LINUX_HEADERS ([^)]*?) CACHE", (top / "src/platform/linux/CMakeLists.txt").read_text())[1]
+    for header in installed.split():
+        if f"/linux/{header}" not in (top / "Doxyfile").read_text():
+            failures += f"{header} is installed and stands not in the Doxyfile\n"
     with tempfile.TemporaryDirectory() as folder:
         copy = pathlib.Path(folder)
-        for name in ("include", "src/platform/fakes", "docs"):
+        for name in ("include", "src/platform", "docs"):
             shutil.copytree(top / name, copy / name)
         shutil.copy(top / "Doxyfile", copy)
         for header, comment, name in TAKEN:

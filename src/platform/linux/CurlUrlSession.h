@@ -10,6 +10,7 @@
 
 namespace korvane {
 
+/// How a session trusts, and how long it waits. The defaults are meant for use.
 struct CurlUrlSessionOptions {
     /// PEM file of the authorities to trust in place of the system's; "" trusts the system's.
     std::string caFile = {};
@@ -31,6 +32,7 @@ struct CurlUrlSessionOptions {
 /// all other requests.
 class KORVANE_API CurlUrlSession final : public UrlSession {
   public:
+    /// Costs nothing: thread and libcurl start with the first request.
     explicit CurlUrlSession(CurlUrlSessionOptions options = {});
     /// Drops the requests under way. Waits for a reply that is running, but not for the network.
     ~CurlUrlSession() override;

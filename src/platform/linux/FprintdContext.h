@@ -13,6 +13,7 @@
 
 namespace korvane {
 
+/// Where the daemon is, and how long a check may take. The defaults are meant for use.
 struct FprintdContextOptions {
     /// D-Bus address of the bus that the daemon is on; "" stands for the system bus.
     std::string busAddress;
