@@ -7,8 +7,6 @@
 namespace korvane {
 namespace {
 
-constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
 /// The last four characters, which alone may be padded: one byte for each that is not padding, but one.
 std::optional<std::size_t> decodeLastGroup(std::string_view group, std::uint8_t* bytes) {
     const std::size_t padding = group[3] != '=' ? 0 : group[2] != '=' ? 1 : 2;
@@ -27,18 +25,23 @@ std::optional<std::size_t> decodeLastGroup(std::string_view group, std::uint8_t*
 
 }  // namespace
 
+void appendBase64(std::string& text, std::span<const std::uint8_t> bytes, const TextKernels& kernels) {
+    const std::size_t before = text.size();
+    text.resize(before + (bytes.size() + 2) / 3 * 4, '=');
+    char* const out = text.data() + before;
+    const std::size_t done = kernels.encodeBase64(bytes.data(), bytes.size(), out);
+    if (done == bytes.size()) return;
+    std::array<std::uint8_t, 3> group{};
+    const std::size_t rest = bytes.size() - done;
+    std::copy_n(bytes.data() + done, rest, group.begin());
+    std::array<char, 4> last;
+    portableTextKernels().encodeBase64(group.data(), group.size(), last.data());
+    std::copy_n(last.begin(), rest + 1, out + done / 3 * 4);
+}
+
 std::string base64Encode(std::span<const std::uint8_t> bytes) {
-    std::string text((bytes.size() + 2) / 3 * 4, '=');
-    char* out = text.data();
-    std::size_t in = 0;
-    const auto put = [&out](std::uint32_t group, std::size_t characters) {
-        for (std::size_t i = 0; i < characters; ++i) *out++ = alphabet[group >> (18 - 6 * i) & 63];
-    };
-    for (; in + 3 <= bytes.size(); in += 3)
-        put(static_cast<std::uint32_t>(bytes[in] << 16 | bytes[in + 1] << 8 | bytes[in + 2]), 4);
-    const std::size_t rest = bytes.size() - in;
-    if (rest == 1) put(static_cast<std::uint32_t>(bytes[in] << 16), 2);
-    if (rest == 2) put(static_cast<std::uint32_t>(bytes[in] << 16 | bytes[in + 1] << 8), 3);
+    std::string text;
+    appendBase64(text, bytes);
     return text;
 }
 

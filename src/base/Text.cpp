@@ -50,14 +50,13 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
 }
 
 bool isAscii(std::string_view bytes) {
-    bytes.remove_prefix(textKernels().ascii(bytes.data(), bytes.size()));
-    return portableTextKernels().ascii(bytes.data(), bytes.size()) == bytes.size();
+    const std::size_t whole = textKernels().ascii(bytes.data(), bytes.size());
+    return portableTextKernels().ascii(bytes.data() + whole, bytes.size() - whole) == bytes.size() - whole;
 }
 
 std::size_t plainJsonLength(std::string_view text) {
     const std::size_t whole = textKernels().plainJson(text.data(), text.size());
-    text.remove_prefix(whole);
-    return whole + portableTextKernels().plainJson(text.data(), text.size());
+    return whole + portableTextKernels().plainJson(text.data() + whole, text.size() - whole);
 }
 
 bool isUtf8(std::string_view bytes) {

@@ -20,6 +20,9 @@ struct TextKernels {
     /// decoded, a multiple of four, or `invalidBase64`: then `bytes` holds nothing of worth.
     std::size_t (*decodeBase64)(const char* text, std::size_t size, std::uint8_t* bytes);
 
+    /// Writes the whole groups of three of `bytes` as base64. Returns how many bytes those are.
+    std::size_t (*encodeBase64)(const std::uint8_t* bytes, std::size_t size, char* text);
+
     /// How many bytes from the start are ASCII and stand for themselves in a JSON string: no control
     /// character, quotation mark or backslash (RFC 8259, section 7). May stop up to a block too early.
     std::size_t (*plainJson)(const char* text, std::size_t size);

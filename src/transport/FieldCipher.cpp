@@ -18,13 +18,10 @@ namespace {
 /// Whole groups of base64, which are whole blocks when enciphered bytes come in this size.
 constexpr std::size_t pieceSize = 3 * 4 * 1024;
 
-/// Enciphered bytes alone: nothing to wipe.
-using Piece = std::array<std::uint8_t, pieceSize>;
-
 /// Puts the plain bytes in the place of the base64 text that they were; the size they have, none on failure.
 /// They never reach what is still to be read, since each piece is shorter than its base64 text.
 std::optional<std::size_t> decipherInPlace(AesCbc cipher, std::string& text, bool& ascii) {
-    Piece piece;
+    std::array<std::uint8_t, pieceSize> piece;  // enciphered bytes alone: nothing to wipe
     auto* const plain = reinterpret_cast<std::uint8_t*>(text.data());
     std::size_t written = 0;
     constexpr std::size_t step = pieceSize / 3 * 4;
@@ -50,9 +47,19 @@ std::string encryptField(const std::vector<std::uint8_t>& iv, std::string_view t
     const std::vector<std::uint8_t>& key = SdkConfig::sharedInstance().preSharedKeyByteArray;
     // Checked here in this direction alone (deliberate): deciphering leaves the lengths to the cipher.
     if ((key.size() != 16 && key.size() != 24 && key.size() != 32) || iv.size() != 16) return {};
-    const auto cipher =
-        aesCbcEncrypt(key, iv, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-    return cipher ? base64Encode(*cipher) : std::string{};
+    AesCbc cipher{AesCbc::Direction::encrypt, key, iv};
+    std::array<std::uint8_t, pieceSize + AesCbc::blockSize> enciphered;  // nothing to wipe
+    std::string base64;
+    do {
+        const std::string_view piece = text.substr(0, pieceSize);
+        text.remove_prefix(piece.size());
+        const auto size = cipher.update({reinterpret_cast<const std::uint8_t*>(piece.data()), piece.size()},
+                                        enciphered.data());
+        const auto rest = !size ? std::nullopt : text.empty() ? cipher.finish(enciphered.data() + *size) : 0;
+        if (!rest) return {};
+        appendBase64(base64, {enciphered.data(), *size + *rest});
+    } while (!text.empty());
+    return base64;
 }
 
 void decryptFieldInPlace(const std::vector<std::uint8_t>& iv, std::string& text) {

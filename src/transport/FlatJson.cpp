@@ -63,7 +63,7 @@ bool readFlatJson(std::string_view json, std::span<const TextSlot> slots) {
 
 bool appendJsonString(std::string& json, std::string_view text) {
     if (plainJsonLength(text) == text.size()) {
-        json.append(1, '"').append(text).append(1, '"');
+        json.append("\"").append(text).append("\"");
         return true;
     }
     if (!isUtf8(text)) return false;

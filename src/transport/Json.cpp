@@ -42,10 +42,14 @@ std::optional<JsonError> fill(const rapidjson::Value& object, std::span<const Te
 }
 
 std::optional<JsonError> append(std::string& json, const TextMap& texts) {
+    std::size_t size = 2;
+    for (const auto& [key, text] : texts.entries()) size += key.size() + text.size() + 6;
+    json.reserve(json.size() + size);  // growing step by step took as long as one field's cipher
     json += '{';
     for (const auto& [key, text] : texts.entries()) {
         if (json.back() != '{') json += ',';
-        if (!appendJsonString(json, key) || !appendJsonString(json += ':', text))
+        json.append("\"").append(key).append("\":");
+        if (!appendJsonString(json, text))
             return JsonError{"the entry \"" + std::string{key} + "\" is not UTF-8"};
     }
     json += '}';

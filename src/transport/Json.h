@@ -23,10 +23,12 @@ struct JsonError {
 };
 
 /// A request's body: texts by key, in the order in which the keys came first. A key is not copied: it is one
-/// of the names that stand in the code.
+/// of the names that stand in the code, and needs no escape.
 class TextMap {
   public:
     using Entry = std::pair<std::string_view, std::string>;
+
+    TextMap() { entries_.reserve(9); }  // as many as the longest body has
 
     /// Adds an entry, or replaces the text of the one with this key.
     void set(std::string_view key, std::string text);
@@ -36,7 +38,7 @@ class TextMap {
     std::vector<Entry> entries_;
 };
 
-/// Fails when a key or a text is not UTF-8.
+/// Fails when a text is not UTF-8.
 std::variant<std::string, JsonError> encodeTexts(const TextMap& texts);
 
 /// A key, and where its text is.
