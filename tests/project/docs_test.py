@@ -20,13 +20,13 @@ import unittest
 
 TOP, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 WRITE = "--write" in sys.argv
-DOCS = [path for path in sorted([*TOP.glob("*.md"), *TOP.glob("docs/*.md")])]
+DOCS = sorted([*TOP.glob("*.md"), *TOP.glob("docs/*.md")])
 FENCE = re.compile(r"((?:^<!-- [^\n]* -->\n\n?)?)^```(\w*)\n(.*?)^```$", re.M | re.S)
 OURS = {"korvane-sandbox", "korvane-journey", "korvane-demo", "run", "test", "bench"}
 # Too long or too far for this check; what runs them instead.
 ELSEWHERE = {
     r"\./(run|test|bench)\b": "themselves; their options are compared below",
-    r"cmake |\./cmake/install-packages|cd |cpack |(sudo )?apt(-get)? |git clone ": "the tests of the installed component and of the packages",
+    r"cmake |\./cmake/install-packages|cd |cc |cpack |(sudo )?apt(-get)? |git clone ": "the tests of the installed component and of the packages",
     r"ctest |doxygen$|tests/project/docs_test\.py ": "./test",
     r"(QT_\w+=\w+ )*build/\w+/bin/korvane-demo ": "./run, and the demo's tests; their options are compared below",
     r"apps/demo/gallery\.py ": "./run --gallery",
@@ -65,77 +65,78 @@ def commands(block):
 
 
 def options(program):
-    if program in ("run", "test", "bench"):
+    if (TOP / program).is_file():
         return set(re.findall(rf"(?m)^#   \./{program} (--[\w-]+)", (TOP / program).read_text()))
     told = subprocess.run([BUILD / "bin" / program, "--help"], capture_output=True, text=True, check=True,
                           env={**os.environ, "QT_QPA_PLATFORM": "offscreen"}).stdout
     return set(re.findall(r"(?m)(?:^ +(?:-\w, )?|\[)(--[\w-]+)", told))
 
 
+def of_each_document(test):
+    def run(self):
+        for path in DOCS:
+            with self.subTest(path.name):
+                test(self, path, path.read_text())
+    return run
+
+
 class Documents(unittest.TestCase):
     maxDiff = None
 
-    def test_links_lead_somewhere(self):
-        for path in DOCS:
-            with self.subTest(path.name):
-                text = path.read_text()
-                for target in re.findall(r"\]\(([^)\s]+)\)", plain(text)):
-                    if re.match(r"https?:|mailto:", target):
-                        continue
-                    file, _, anchor = target.partition("#")
-                    other = (path.parent / file).resolve() if file else path
-                    self.assertTrue(other.exists(), f"{target} is not there")
-                    if anchor:
-                        self.assertIn(anchor, anchors(other), target)
+    @of_each_document
+    def test_links_lead_somewhere(self, path, text):
+        for target in re.findall(r"\]\(([^)\s]+)\)", plain(text)):
+            if re.match(r"https?:|mailto:", target):
+                continue
+            file, _, anchor = target.partition("#")
+            other = (path.parent / file).resolve() if file else path
+            self.assertTrue(other.exists(), f"{target} is not there")
+            if anchor:
+                self.assertIn(anchor, anchors(other), target)
 
-    def test_files_that_are_named_exist(self):
+    @of_each_document
+    def test_files_that_are_named_exist(self, path, text):
         folders = "|".join(sorted(entry.name for entry in TOP.iterdir() if entry.is_dir() and entry.name[0] != "."))
-        for path in DOCS:
-            with self.subTest(path.name):
-                text = path.read_text()
-                for name in re.findall(rf"`((?:{folders})/[\w./*-]+)`", text):
-                    if not name.startswith("build/"):
-                        self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")
+        for name in re.findall(rf"`((?:{folders})/[\w./*-]+)`", text):
+            if not name.startswith("build/"):
+                self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")
 
-    def test_code_stands_in_a_file_that_is_built(self):
-        for path in DOCS:
-            with self.subTest(path.name):
-                text = path.read_text()
-                def checked(found):
-                    marker, language, code = found.groups()
-                    name = re.match(r"<!-- snippet: (\S+) -->", marker)
-                    self.assertIn(language, ("sh", "text", "json", "cpp", "c", "qml", "cmake"))
-                    if not name:
-                        self.assertNotIn(language, ("cpp", "c", "qml", "cmake"), "code of no file:\n" + code)
-                        return found.group()
-                    if not WRITE:
-                        self.assertEqual(code, region(name[1]), name[1])
-                    return f"{marker}```{language}\n{region(name[1])}```"
-                changed = FENCE.sub(checked, text)
-                if WRITE:
-                    path.write_text(changed)
-                self.assertNotRegex(plain(text), r"(?m)^    (\./|build/|cmake|ctest|curl|korvane::)", "a block without a fence")
+    @of_each_document
+    def test_code_stands_in_a_file_that_is_built(self, path, text):
+        def checked(found):
+            marker, language, code = found.groups()
+            name = re.match(r"<!-- snippet: (\S+) -->", marker)
+            self.assertIn(language, ("sh", "text", "json", "cpp", "c", "qml", "cmake"))
+            self.assertEqual(language == "text", marker.startswith("<!-- output -->"), "neither command nor output:\n" + code)
+            if not name:
+                self.assertNotIn(language, ("cpp", "c", "qml", "cmake"), "code of no file:\n" + code)
+                return found.group()
+            if not WRITE:
+                self.assertEqual(code, region(name[1]), name[1])
+            return f"{marker}```{language}\n{region(name[1])}```"
+        changed = FENCE.sub(checked, text)
+        if WRITE:
+            path.write_text(changed)
+        self.assertNotRegex(plain(text), r"(?m)^    (\./|build/|cmake|ctest|curl|korvane::)", "a block without a fence")
 
-    def test_commands_run_and_print_what_is_shown(self):
-        for path in DOCS:
-            with self.subTest(path.name):
-                text = path.read_text()
-                blocks = [(marker, language, code) for marker, language, code in FENCE.findall(text)
-                          if language == "sh" or marker.startswith("<!-- output -->")]
-                shells = [code for _, language, code in blocks if language == "sh"]
-                if not any(not elsewhere(line) for code in shells for line in commands(code)):
-                    continue
-                printed = iter(self.play(shells))
-                shown = ""
-                for marker, language, code in blocks:
-                    if language == "sh":
-                        shown = next(printed)
-                        continue
-                    wanted = re.escape(code).replace("…\n", "(?s:.*)").replace("…", ".*")
-                    if WRITE and "…" not in code:
-                        path.write_text(path.read_text().replace(f"{marker}```{language}\n{code}```", f"{marker}```{language}\n{shown.rstrip()}\n```"))
-                    else:
-                        self.assertRegex(shown.rstrip("\n") + "\n", rf"\A{wanted}\Z")
+    @of_each_document
+    def test_commands_run_and_print_what_is_shown(self, path, text):
+        blocks = [(marker, language, code) for marker, language, code in FENCE.findall(text)
+                  if language == "sh" or marker.startswith("<!-- output -->")]
+        shells = [code for _, language, code in blocks if language == "sh"]
+        if not any(not elsewhere(line) for code in shells for line in commands(code)):
+            return
+        printed = iter(self.play(shells))
+        shown = ""
+        for marker, language, code in blocks:
+            if language == "sh":
+                shown = next(printed)
+                continue
+            wanted = re.escape(code).replace("…\\\n", "(?s:.*)").replace("…", ".*")
+            if WRITE and "…" not in code:
+                path.write_text(path.read_text().replace(f"{marker}```{language}\n{code}```", f"{marker}```{language}\n{shown.rstrip()}\n```"))
+            else:
+                self.assertRegex(shown.rstrip("\n") + "\n", rf"\A{wanted}\Z")
 
     def test_wire_examples_are_what_openssl_makes(self):
         text = (TOP / "docs/services.md").read_text()
@@ -161,18 +162,19 @@ class Documents(unittest.TestCase):
             self.assertEqual(len(mixed), 1, "a block is run whole or not at all:\n" + code)
             if mixed == {False}:
                 # What goes on in the background is waited for: its port is open, and it has told where it is.
-                script += re.sub(r"(?<!null) &$", " >told &", code, flags=re.M)
+                told, waited = re.subn(r"(?<!null) &$", " >told &", code, flags=re.M)
+                script += told
                 if " &\n" in code:
-                    script += "until (: </dev/tcp/localhost/8443) 2>/dev/null; do kill -0 $!; sleep 0.05; done\n"
-                if re.search(r"(?<!null) &$", code, re.M):
-                    script += "until [ -s told ]; do kill -0 $!; sleep 0.05; done; cat told\n"
+                    tells = "&& [ -s told ]" if waited else ""
+                    script += f"until (: </dev/tcp/localhost/8443) 2>/dev/null {tells}; do kill -0 $!; sleep 0.05; done\n"
+                    script += "cat told\n" if waited else ""
             script += "echo '@@@'\n"
         with tempfile.TemporaryDirectory() as folder, socket.socket() as taken:
             for entry in TOP.iterdir():
                 if entry.name not in ("build", ".git"):
                     pathlib.Path(folder, entry.name).symlink_to(entry)
+            pathlib.Path(folder, "build").mkdir()
             for name in ("release", "dev"):
-                pathlib.Path(folder, "build").mkdir(exist_ok=True)
                 pathlib.Path(folder, "build", name).symlink_to(BUILD)
             taken.bind(("localhost", 0))
             port = str(taken.getsockname()[1])
