@@ -25,23 +25,16 @@ std::optional<std::size_t> decodeLastGroup(std::string_view group, std::uint8_t*
 
 }  // namespace
 
-void appendBase64(std::string& text, std::span<const std::uint8_t> bytes, const TextKernels& kernels) {
-    const std::size_t before = text.size();
-    text.resize(before + (bytes.size() + 2) / 3 * 4, '=');
-    char* const out = text.data() + before;
-    const std::size_t done = kernels.encodeBase64(bytes.data(), bytes.size(), out);
-    if (done == bytes.size()) return;
+std::string base64Encode(std::span<const std::uint8_t> bytes, const TextKernels& kernels) {
+    std::string text((bytes.size() + 2) / 3 * 4, '=');
+    const std::size_t done = kernels.encodeBase64(bytes.data(), bytes.size(), text.data());
+    if (done == bytes.size()) return text;
     std::array<std::uint8_t, 3> group{};
     const std::size_t rest = bytes.size() - done;
     std::copy_n(bytes.data() + done, rest, group.begin());
     std::array<char, 4> last;
     portableTextKernels().encodeBase64(group.data(), group.size(), last.data());
-    std::copy_n(last.begin(), rest + 1, out + done / 3 * 4);
-}
-
-std::string base64Encode(std::span<const std::uint8_t> bytes) {
-    std::string text;
-    appendBase64(text, bytes);
+    std::copy_n(last.begin(), rest + 1, text.data() + done / 3 * 4);
     return text;
 }
 

@@ -13,10 +13,7 @@
 namespace korvane {
 
 /// Standard base64 with padding and without line breaks (RFC 4648, section 4). Any thread.
-std::string base64Encode(std::span<const std::uint8_t> bytes);
-/// The same behind what `text` holds.
-void appendBase64(std::string& text, std::span<const std::uint8_t> bytes,
-                  const TextKernels& kernels = textKernels());
+std::string base64Encode(std::span<const std::uint8_t> bytes, const TextKernels& kernels = textKernels());
 
 /// Strict decoding: the length is a multiple of four, padding stands at the end only, no other character
 /// occurs, and the bits that padding leaves over are zero. Anything else gives none. "" decodes to no bytes.

@@ -56,6 +56,7 @@ bool isAscii(std::string_view bytes) {
 
 std::size_t plainJsonLength(std::string_view text) {
     const std::size_t whole = textKernels().plainJson(text.data(), text.size());
+    if (whole == text.size()) return whole;
     return whole + portableTextKernels().plainJson(text.data() + whole, text.size() - whole);
 }
 

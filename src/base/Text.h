@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -14,7 +16,7 @@ namespace korvane {
 std::string lowercased(std::string_view text);
 
 /// True when the texts are equal but for the case of ASCII letters.
-bool equalIgnoringCase(std::string_view one, std::string_view other);
+KORVANE_API bool equalIgnoringCase(std::string_view one, std::string_view other);
 
 /// True when the bytes are well-formed UTF-8 (RFC 3629: no overlong form, no surrogate, at most U+10FFFF).
 bool isUtf8(std::string_view bytes);

@@ -353,9 +353,4 @@ std::span<const TextKernels> runnableTextKernels() {
     return forms;
 }
 
-const TextKernels& textKernels() {
-    static const TextKernels best = runnableTextKernels().back();
-    return best;
-}
-
 }  // namespace korvane

@@ -33,13 +33,16 @@ struct TextKernels {
 
 inline constexpr std::size_t invalidBase64 = SIZE_MAX;
 
-/// The fastest form that this processor runs; chosen at the first call.
-const TextKernels& textKernels();
-
 /// The form for any processor. It goes to the very end, or to the first byte that stops it.
 const TextKernels& portableTextKernels();
 
 /// Every form that this processor runs, the portable one first, the fastest last.
 std::span<const TextKernels> runnableTextKernels();
+
+/// The fastest form that this processor runs; chosen at the first call.
+inline const TextKernels& textKernels() {
+    static const TextKernels& best = runnableTextKernels().back();
+    return best;
+}
 
 }  // namespace korvane

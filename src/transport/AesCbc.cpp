@@ -4,6 +4,7 @@
 #include <openssl/evp.h>
 
 #include <climits>
+#include <utility>
 
 #include "base/Secret.h"
 
@@ -30,19 +31,6 @@ const EVP_CIPHER* cipherFor(std::size_t keySize) {
         default:
             return nullptr;
     }
-}
-
-std::optional<std::vector<std::uint8_t>> whole(AesCbc cipher, std::span<const std::uint8_t> input) {
-    if (input.size() > INT_MAX - AesCbc::blockSize) return std::nullopt;
-    std::vector<std::uint8_t> output(input.size() + AesCbc::blockSize);
-    const auto written = cipher.update(input, output.data());
-    const auto last = written ? cipher.finish(output.data() + *written) : std::nullopt;
-    if (!last) {
-        wipe(output);  // plain bytes up to the wrong padding, may be
-        return std::nullopt;
-    }
-    output.resize(*written + *last);
-    return output;
 }
 
 }  // namespace
@@ -76,16 +64,43 @@ std::optional<std::size_t> AesCbc::finish(std::uint8_t* output) {
     return static_cast<std::size_t>(written);
 }
 
+namespace {
+
+std::optional<std::size_t> run(AesCbc cipher, std::span<const std::uint8_t> input, std::uint8_t* output) {
+    const auto written = cipher.update(input, output);
+    const auto last = written ? cipher.finish(output + *written) : std::nullopt;
+    if (!last) return std::nullopt;
+    return *written + *last;
+}
+
+std::optional<std::vector<std::uint8_t>> run(AesCbc cipher, std::span<const std::uint8_t> input) {
+    std::vector<std::uint8_t> output(input.size() + AesCbc::blockSize);
+    const auto size = run(std::move(cipher), input, output.data());
+    if (!size) {
+        wipe(output);  // plain bytes up to a wrong padding, maybe
+        return std::nullopt;
+    }
+    output.resize(*size);
+    return output;
+}
+
+}  // namespace
+
 std::optional<std::vector<std::uint8_t>> aesCbcEncrypt(std::span<const std::uint8_t> key,
                                                        std::span<const std::uint8_t> iv,
                                                        std::span<const std::uint8_t> plain) {
-    return whole(AesCbc{AesCbc::Direction::encrypt, key, iv}, plain);
+    return run(AesCbc{AesCbc::Direction::encrypt, key, iv}, plain);
+}
+
+std::optional<std::size_t> aesCbcEncrypt(std::span<const std::uint8_t> key, std::span<const std::uint8_t> iv,
+                                         std::span<const std::uint8_t> plain, std::uint8_t* cipher) {
+    return run(AesCbc{AesCbc::Direction::encrypt, key, iv}, plain, cipher);
 }
 
 std::optional<std::vector<std::uint8_t>> aesCbcDecrypt(std::span<const std::uint8_t> key,
                                                        std::span<const std::uint8_t> iv,
                                                        std::span<const std::uint8_t> cipher) {
-    return whole(AesCbc{AesCbc::Direction::decrypt, key, iv}, cipher);
+    return run(AesCbc{AesCbc::Direction::decrypt, key, iv}, cipher);
 }
 
 }  // namespace korvane

@@ -21,6 +21,10 @@ std::optional<std::vector<std::uint8_t>> aesCbcDecrypt(std::span<const std::uint
                                                        std::span<const std::uint8_t> iv,
                                                        std::span<const std::uint8_t> cipher);
 
+/// Enciphers into `cipher`, which has room for the text and one block more, and gives the size.
+std::optional<std::size_t> aesCbcEncrypt(std::span<const std::uint8_t> key, std::span<const std::uint8_t> iv,
+                                         std::span<const std::uint8_t> plain, std::uint8_t* cipher);
+
 /// The same for one message in pieces. Its key schedule is made for it and wiped with it: nothing of a key is
 /// kept between messages. One thread at a time.
 class AesCbc {

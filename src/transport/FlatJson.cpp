@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/FlatJson.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <algorithm>
 #include <optional>
 
@@ -61,17 +58,25 @@ bool readFlatJson(std::string_view json, std::span<const TextSlot> slots) {
     return reader.take("}") && reader.atEnd();
 }
 
-bool appendJsonString(std::string& json, std::string_view text) {
-    if (plainJsonLength(text) == text.size()) {
-        json.append("\"").append(text).append("\"");
-        return true;
+std::optional<std::string> writeFlatJson(const TextMap& texts) {
+    if (texts.entries().empty()) return "{}";
+    std::size_t size = 1;
+    for (const auto& [key, text] : texts.entries()) {
+        if (plainJsonLength(text) < text.size()) return std::nullopt;
+        size += key.size() + text.size() + std::string_view{R"("":"",)"}.size();
     }
-    if (!isUtf8(text)) return false;
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer writer{buffer};
-    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-    json.append(buffer.GetString(), buffer.GetSize());
-    return true;
+    std::string json(size, '{');
+    char* out = json.data() + 1;
+    const auto put = [&out](std::string_view piece) { out += piece.copy(out, piece.size()); };
+    for (const auto& [key, text] : texts.entries()) {
+        put("\"");
+        put(key);
+        put("\":\"");
+        put(text);
+        put("\",");
+    }
+    json.back() = '}';
+    return json;
 }
 
 }  // namespace korvane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +18,7 @@ namespace korvane {
 /// wrong: then the JSON library has to tell, and some slots may be filled.
 bool readFlatJson(std::string_view json, std::span<const TextSlot> slots);
 
-/// Appends `text` as a JSON string. False, and nothing appended, when it is not UTF-8.
-bool appendJsonString(std::string& json, std::string_view text);
+/// Such an object; none when some text is anything else.
+std::optional<std::string> writeFlatJson(const TextMap& texts);
 
 }  // namespace korvane

@@ -3,9 +3,12 @@
 
 #include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include <algorithm>
 
+#include "base/Text.h"
 #include "transport/FlatJson.h"
 
 namespace korvane {
@@ -14,6 +17,8 @@ namespace {
 // Iterative, so that a hostile depth of nesting cannot run the stack over.
 constexpr unsigned parseFlags =
     rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
 std::optional<JsonError> parse(rapidjson::Document& document, std::string& json) {
     // In situ the end is a NUL: one inside the text would hide what follows it.
@@ -41,19 +46,19 @@ std::optional<JsonError> fill(const rapidjson::Value& object, std::span<const Te
     return std::nullopt;
 }
 
-std::optional<JsonError> append(std::string& json, const TextMap& texts) {
-    std::size_t size = 2;
-    for (const auto& [key, text] : texts.entries()) size += key.size() + text.size() + 6;
-    json.reserve(json.size() + size);  // growing step by step took as long as one field's cipher
-    json += '{';
+std::optional<JsonError> write(Writer& writer, const TextMap& texts) {
+    writer.StartObject();
     for (const auto& [key, text] : texts.entries()) {
-        if (json.back() != '{') json += ',';
-        json.append("\"").append(key).append("\":");
-        if (!appendJsonString(json, text))
-            return JsonError{"the entry \"" + std::string{key} + "\" is not UTF-8"};
+        if (!isUtf8(text)) return JsonError{"the entry \"" + std::string{key} + "\" is not UTF-8"};
+        writer.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
+        writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
     }
-    json += '}';
+    writer.EndObject();
     return std::nullopt;
+}
+
+std::string textOf(const rapidjson::StringBuffer& buffer) {
+    return {buffer.GetString(), buffer.GetSize()};
 }
 
 }  // namespace
@@ -68,9 +73,11 @@ void TextMap::set(std::string_view key, std::string text) {
 }
 
 std::variant<std::string, JsonError> encodeTexts(const TextMap& texts) {
-    std::string json;
-    if (auto error = append(json, texts)) return *std::move(error);
-    return json;
+    if (auto json = writeFlatJson(texts)) return *std::move(json);
+    rapidjson::StringBuffer buffer;
+    Writer writer{buffer};
+    if (auto error = write(writer, texts)) return *std::move(error);
+    return textOf(buffer);
 }
 
 std::variant<std::monostate, JsonError> decodeTexts(std::string_view json, std::span<const TextSlot> slots) {
@@ -103,17 +110,19 @@ std::variant<DecryptedCardDisclosure, JsonError> decodeDisclosures(std::string j
 }
 
 std::variant<std::string, JsonError> encodeDisclosures(const DecryptedCardDisclosure& disclosures) {
-    std::string json = "{";
+    rapidjson::StringBuffer buffer;
+    Writer writer{buffer};
+    writer.StartObject();
     if (disclosures.CardDisclosures) {
-        json += "\"CardDisclosures\":[";
+        writer.Key("CardDisclosures");
+        writer.StartArray();
         for (const DecryptedCardDisclosureItem& item : *disclosures.CardDisclosures) {
-            if (json.back() != '[') json += ',';
-            if (auto error = append(json, textsOf(item))) return *std::move(error);
+            if (auto error = write(writer, textsOf(item))) return *std::move(error);
         }
-        json += ']';
+        writer.EndArray();
     }
-    json += '}';
-    return json;
+    writer.EndObject();
+    return textOf(buffer);
 }
 
 }  // namespace korvane

@@ -23,7 +23,7 @@ struct JsonError {
 };
 
 /// A request's body: texts by key, in the order in which the keys came first. A key is not copied: it is one
-/// of the names that stand in the code, and needs no escape.
+/// of the names that stand in the code, ASCII that needs no escape.
 class TextMap {
   public:
     using Entry = std::pair<std::string_view, std::string>;
