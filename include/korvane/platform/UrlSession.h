@@ -35,8 +35,8 @@ class UrlTask {
     virtual ~UrlTask() = default;
 };
 
-/// HTTP data tasks. Implementations verify the server's certificate and host name, follow no redirect,
-/// give up after 60 s, and refuse an answer of more than 32 MiB.
+/// HTTP data tasks. Implementations verify the server's certificate and host name, send plain HTTP to this
+/// machine alone, follow no redirect, give up after 60 s, and refuse an answer of more than 32 MiB.
 class UrlSession {
   public:
     virtual ~UrlSession() = default;
