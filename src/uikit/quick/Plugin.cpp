@@ -1,19 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <QQmlEngineExtensionPlugin>
+#include "uikit/quick/Plugin.h"
 
 void qml_register_types_Korvane();
 
-/// What "import Korvane" loads in an app that does not link the library: all types are registered by the
-/// library when it is loaded, and the call keeps the linker from leaving the library out.
-class KorvanePlugin : public QQmlEngineExtensionPlugin {
-    Q_OBJECT
-    Q_PLUGIN_METADATA(IID QQmlEngineExtensionInterface_iid)
-
-  public:
-    explicit KorvanePlugin(QObject* parent = nullptr) : QQmlEngineExtensionPlugin(parent) {
-        volatile auto registration = &qml_register_types_Korvane;
-        Q_UNUSED(registration)
-    }
-};
-
-#include "Plugin.moc"
+KorvanePlugin::KorvanePlugin(QObject* parent) : QQmlEngineExtensionPlugin(parent) {
+    volatile auto registration = &qml_register_types_Korvane;  // or the linker leaves the library out
+    Q_UNUSED(registration)
+}
