@@ -47,11 +47,13 @@ class Exchange {
     }
 
     void answer() {
-        if (fault_.replacesEndpoint()) {
-            const bool sent =
-                fault_.delivery.kind != Delivery::Kind::none && fault_.delivery.kind != Delivery::Kind::hang;
-            answer_ = {sent ? fault_.status : 0, fault_.effect == Effect::body ? fault_.text : "{}"};
-            entry_.note = "fault";
+        using Kind = Delivery::Kind;
+        if (fault_.delivery.kind == Kind::none || fault_.delivery.kind == Kind::hang) {
+            answer_.status = 0;
+            entry_.note = fault_.delivery.kind == Kind::none ? "connection reset" : "no answer";
+        } else if (fault_.effect == Effect::status || fault_.effect == Effect::body) {
+            answer_ = {fault_.status, fault_.effect == Effect::body ? fault_.text : "{}"};
+            entry_.note = fault_.effect == Effect::body ? "raw body" : "status alone";
         } else {
             follow();
         }

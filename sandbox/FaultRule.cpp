@@ -191,11 +191,6 @@ bool FaultRule::fits(const Endpoint& candidate, std::string_view cardId) const {
     return true;
 }
 
-bool FaultRule::replacesEndpoint() const {
-    return delivery.kind == Kind::none || delivery.kind == Kind::hang || effect == Effect::status ||
-           effect == Effect::body;
-}
-
 std::vector<FaultKey> faultKeys() {
     return {keys.begin(), keys.end()};
 }

@@ -45,7 +45,6 @@ struct FaultRule {
     JsonObject source;  ///< as it was given
 
     bool fits(const Endpoint& candidate, std::string_view cardId) const;
-    bool replacesEndpoint() const;
 };
 
 /// A key of a rule, for whoever writes one.

@@ -79,6 +79,7 @@ std::string Journal::toJson(const JournalQuery& query) const {
         if (static_cast<std::int64_t>(found.size()) > query.last) found.pop_front();
     }
     std::vector<JsonObject> list;
+    list.reserve(found.size());
     for (const JournalEntry* const entry : found) list.push_back(objectOf(*entry));
     JsonObject counts;
     for (const Endpoint& endpoint : endpoints()) {
