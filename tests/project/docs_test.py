@@ -8,6 +8,7 @@ commands above it, where "…" is any text and any number of lines:
     <!-- snippet: docs/snippets/controller.cpp#ports -->     <!-- output -->
 """
 
+import fnmatch
 import json
 import os
 import pathlib
@@ -100,6 +101,14 @@ class Documents(unittest.TestCase):
         for name in re.findall(rf"`((?:{folders})/[\w./*-]+)`", text):
             if not name.startswith("build/"):
                 self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")
+
+    @of_each_document
+    def test_tests_that_are_named_exist(self, path, text):
+        listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], capture_output=True, text=True, check=True).stdout
+        for name in re.findall(r"`((?:access|docs|install|journey|project)\.[\w*]+)`", text):
+            self.assertTrue(fnmatch.filter(re.findall(r"#\d+: (\S+)", listed), name), f"no test {name}")
+        for name in re.findall(r"`(\w+Test)`", text):
+            self.assertTrue(list(TOP.glob(f"tests/**/{name}.*")), f"no test {name}")
 
     @of_each_document
     def test_code_stands_in_a_file_that_is_built(self, path, text):

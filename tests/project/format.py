@@ -9,7 +9,7 @@ import tree
 
 
 def main(top):
-    files = tree.sources(top, "include", "src", "sandbox", "apps", "tests", "examples")
+    files = tree.sources(top, "include", "src", "sandbox", "apps", "tests", "examples", "docs")
     tool = shutil.which("clang-format") or shutil.which("clang-format-14")
     check = subprocess.run([tool, "--dry-run", "--Werror", *map(str, files)], capture_output=True, text=True, cwd=top)
     print(check.stderr or f"{len(files)} files are formatted")
