@@ -147,6 +147,16 @@ class Documents(unittest.TestCase):
             else:
                 self.assertRegex(shown.rstrip("\n") + "\n", rf"\A{wanted}\Z")
 
+    @of_each_document
+    def test_builds_name_what_there_is_to_build(self, path, text):
+        presets = {preset["name"] for preset in json.loads((TOP / "CMakePresets.json").read_text())["configurePresets"]}
+        ours = set(re.findall(r"option\((KORVANE_\w+)", (TOP / "CMakeLists.txt").read_text()))
+        for line in [line for _, _, code in FENCE.findall(text) for line in commands(code) if line.startswith("cmake ")]:
+            self.assertLessEqual(set(re.findall(r"--preset (\w+)", line)), presets, line)
+            self.assertLessEqual(set(re.findall(r"-D(KORVANE_\w+)=", line)), ours, line)
+            for target in re.findall(r"--target (\S+)", line):
+                self.assertRegex((BUILD / "build.ninja").read_text(), rf"(?m)^build {target}: phony", line)
+
     def test_wire_examples_are_what_openssl_makes(self):
         text = (TOP / "docs/services.md").read_text()
         key, iv = re.findall(r"^\| (?:Key|IV) \| `(\w+)`", text, re.M)
