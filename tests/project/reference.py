@@ -25,7 +25,8 @@ def complaints(top, out):
 
 def main(top, out):
     top, out = pathlib.Path(top), pathlib.Path(out)
-    out.mkdir(parents=True, exist_ok=True)
+    shutil.rmtree(out, ignore_errors=True)  # pages of names that are gone
+    out.mkdir(parents=True)
     failures = complaints(top, out)
     if not failures and not (out / "index.html").exists():
         failures = "no page was made"
