@@ -32,7 +32,7 @@ struct Ports {
     std::shared_ptr<SecureItemStore> secureItemStore = std::make_shared<NoSecureItemStore>();
     /// The finger reader. Without one: as with biometrics off.
     std::shared_ptr<BiometricContext> biometricContext = std::make_shared<NoBiometricContext>();
-    /// Texts by key, for the few that the component hands to the device. Without one: the keys.
+    /// Texts by key: what the screens show, and why a finger is wanted. Without one: the keys.
     std::shared_ptr<StringTable> stringTable = std::make_shared<KeyStringTable>();
     /// Where a card's details are copied to. Without one: copying fails, and the screen says so.
     std::shared_ptr<Pasteboard> pasteboard = std::make_shared<NoPasteboard>();
