@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <korvane/CloseNotification.h>
 #include <korvane/Initialize.h>
 #include <korvane/Language.h>
 #include <korvane/QtPorts.h>
+#include <korvane/ViewController.h>
 
 #include <QCommandLineParser>
 #include <QQmlApplicationEngine>
@@ -14,6 +16,25 @@
 #include "WatchPicture.h"
 #include "common/BackEnd.h"
 #include "common/HostIv.h"
+
+namespace {
+
+/// One journey in a window of its own; the exit status tells how it ended, as korvane-journey's does.
+int showJourney(const QString& kind, const std::string& card) {
+    auto controller = kind == "card"       ? korvane::GetCardImageFactory::create(card)
+                      : kind == "activate" ? korvane::ActivateCardAndSetPINFactory::create(card)
+                                           : korvane::SetPINFactory::create(card);
+    const auto closing = korvane::NotificationCenter::defaultCenter().observe(
+        korvane::NotificationCloseUI, [&](const korvane::NotificationUserInfo& info) {
+            const std::string& result = info.at("result");
+            controller.reset();
+            QCoreApplication::exit(result == "SUCCESS" ? 0 : result == "CANCELED" ? 3 : 4);
+        });
+    controller->show();
+    return QCoreApplication::exec();
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     QGuiApplication app(argc, argv);
@@ -28,6 +49,8 @@ int main(int argc, char** argv) {
          {"language", "Language of the journeys: ar, de, en, es, fr (default: the user's).", "CODE"},
          {"palette", "Look of the journeys: default, dark, brand.", "NAME", "default"},
          {"biometrics", "Keep the PCI token behind a fingerprint check.", "on|off", "off"},
+         {"journey", "Show this journey alone: set-pin, activate, card.", "KIND"},
+         {"card", "The card of that journey.", "ID", "card-physical-active"},
          {"finger-tour", "Play a visit with biometrics on, with pictures in DIR.", "DIR"},
          {"tour", "Play all journeys by themselves, with pictures in DIR: of three sizes, or of one.",
           "DIR"}});
@@ -51,6 +74,7 @@ int main(int argc, char** argv) {
     const bool biometrics = option("biometrics") == "on";
     if (!initialize(biometrics)) return qCritical("The key is not base64."), 2;
 
+    if (options.isSet("journey")) return showJourney(options.value("journey"), option("card"));
     korvane::HostService service(backEnd.hostUrl());
     DemoHost host(service, biometrics, initialize);
     QQmlApplicationEngine engine;

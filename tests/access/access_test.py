@@ -73,9 +73,8 @@ class Access(unittest.TestCase):
             return [e for e in self.window.events if e[0] == "object:state-changed:showing" and e[1:3] == ("notification", words)]
         self.window.wait(heard, f"the announcement '{words}'")
 
-    def closes(self, result):
-        self.window.wait(lambda: self.window.closed, "the end of the journey")
-        self.assertEqual(self.window.closed, [result])
+    def succeeds(self):
+        self.assertEqual(self.window.process.wait(screen_reader.PATIENCE), 0)
 
     # Two ways to do the same: keys, and accessible actions.
 
@@ -116,15 +115,6 @@ class Access(unittest.TestCase):
         enter(PIN, "New PIN, again")
         use("Set PIN")
 
-    def set_pin(self, use, enter):
-        self.open("set-pin", "card-physical-active")
-        self.verify_by_sms(use, enter)
-        self.choose_pin(use, enter)
-        self.page("Your PIN is set")
-        use("Done")
-        self.closes("SUCCESS")
-        self.assertEqual(self.box.card("card-physical-active")["pin"], PIN)
-
     def activate(self, use, enter):
         card = self.box.card("card-physical-new")
         self.open("activate", "card-physical-new")
@@ -140,8 +130,9 @@ class Access(unittest.TestCase):
         self.choose_pin(use, enter)
         self.page("Your card is ready")
         use("Done")
-        self.closes("SUCCESS")
-        self.assertEqual(self.box.card("card-physical-new")["status"], "A1")
+        self.succeeds()
+        stored = self.box.card("card-physical-new")
+        self.assertEqual((stored["status"], stored["pin"]), ("A1", PIN))
 
     def view_card(self, use, enter):
         self.open("card", "card-physical-active")
@@ -152,14 +143,8 @@ class Access(unittest.TestCase):
         use("Freeze card")
         self.window.wait(lambda: "checked" in self.window.states(self.window.find("check box", "Freeze my card")), "the freeze")
         use("Close")
-        self.closes("SUCCESS")
+        self.succeeds()
         self.assertEqual(self.box.card("card-physical-active")["status"], "BT")
-
-    def test_set_pin_by_keyboard(self):
-        self.set_pin(self.use_by_key, self.type_in)
-
-    def test_set_pin_by_actions(self):
-        self.set_pin(self.use_by_action, self.dictate)
 
     def test_activate_by_keyboard(self):
         spy = self.spy()  # each page is walked on the way: all that it tells goes over the bus
@@ -203,7 +188,7 @@ class Access(unittest.TestCase):
         window.focused("push button", "Use four digits")
 
         spy = self.spy()
-        window.key("Tab")
+        window.key("x", "Tab")
         window.key(*PIN[:2], "a", "BackSpace", PIN[1])
         window.see("text", "New PIN, 2 of 4 digits entered")
         self.paste(f"{PIN[:2]}-{PIN[2:]}")
@@ -217,7 +202,7 @@ class Access(unittest.TestCase):
         names += [text.get_text(0, -1) for text in filter(None, (node.get_text_iface() for node in window.nodes()))]
         texts = spy.heard()
         self.assertEqual(leaks(PIN, names + texts), [])
-        self.assertGreater(len(texts), 20, "the spy heard what was said")
+        self.assertIn("x", texts, "the spy hears the keys that other items take")
 
     def test_text_follows_the_desktop(self):
         portal = ("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings")
@@ -236,18 +221,6 @@ class Access(unittest.TestCase):
         large = window.see("label", label).get_size().y
         tell("EmitSignal", "SettingChanged", "ssv", "[<'org.gnome.desktop.interface'>, <'text-scaling-factor'>, <1.0>]")
         window.wait(lambda: window.see("label", label).get_size().y * 2 < large, "text of the normal size")
-
-    def test_a_plain_password_field_tells_its_digits(self):
-        window = self.window = screen_reader.Window("--field", str(HERE / "PasswordField.qml"))
-        self.addCleanup(window.stop)
-        window.focused("password text|text", "PIN")
-        spy = self.spy()
-        window.key(*PIN)
-        window.turn(0.5)
-        names = [text.get_text(0, -1) for text in filter(None, (node.get_text_iface() for node in window.nodes()))]
-        texts = spy.heard()
-        self.assertNotEqual(leaks(PIN, names), [], "the tree")
-        self.assertNotEqual(leaks(PIN, texts), [], "the bus")
 
 
 if __name__ == "__main__":

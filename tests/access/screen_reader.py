@@ -8,7 +8,6 @@ import re
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 
 PROGRAMS = pathlib.Path(os.environ.get("KORVANE_BIN", "build/dev/bin"))
@@ -56,18 +55,10 @@ class Window:
         for kind in ("object:state-changed:focused", "object:state-changed:showing", "object:property-change",
                      "object:text-changed", "object:children-changed"):
             self.listener.register(kind)
-        self.log = tempfile.TemporaryFile("w+")
-        self.process = subprocess.Popen([PROGRAMS / "access_host", *arguments], stdout=self.log, stderr=subprocess.PIPE,
-                                        text=True)
+        self.process = subprocess.Popen([PROGRAMS / "korvane-demo", *arguments], stdout=subprocess.DEVNULL)
         self.app = None
-        self.closed = []
-        threading.Thread(target=self._read, daemon=True).start()
         self.app = self.wait(self._find_app, "the app in the tree")
         self.wait(self._take_keys, "the keyboard focus")
-
-    def _read(self):
-        for line in self.process.stderr:
-            self.closed += re.findall(r"^closed (\w+)", line)
 
     def _find_app(self):
         assert self.process.poll() is None, f"the app ended with {self.process.returncode}"

@@ -6,10 +6,10 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/fakes/FakeBiometricPrompt.h"
 #include "platform/linux/GLibMainQueue.h"
 #include "tests/platform/BiometricContextContract.h"
 #include "tests/platform/support/Devices.h"
-#include "tests/platform/support/ScriptedPrompt.h"
 
 namespace korvane::testing {
 namespace {
@@ -54,9 +54,9 @@ struct ReaderDriver {
     void scan(const std::string& line, int times = 1) {
         for (; times > 0; --times) {
             waitUntilArmed();
-            const std::size_t told = prompt->told.size();
+            const std::size_t told = prompt->told().size();
             devices.ask("send " + line);
-            runUntil([&] { return prompt->told.size() > told || !devices.is("armed"); });
+            runUntil([&] { return prompt->told().size() > told || !devices.is("armed"); });
         }
     }
     std::unique_ptr<BiometricEvaluation> start() {
@@ -81,7 +81,7 @@ struct ReaderDriver {
     Devices devices;
     const std::string bus = devices.ask("address SYSTEM");
     std::shared_ptr<GLibMainQueue> queue = std::make_shared<GLibMainQueue>();
-    std::shared_ptr<ScriptedPrompt> prompt = std::make_shared<ScriptedPrompt>(queue);
+    std::shared_ptr<FakeBiometricPrompt> prompt = std::make_shared<FakeBiometricPrompt>(queue);
     std::shared_ptr<BiometricContext> context;
     std::vector<bool> replies;
 };
@@ -90,17 +90,17 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Fprintd, BiometricContextContract, ReaderDriver);
 TEST(Fprintd, TellsWhatWentWrongUntilAFingerMatchesAndLetsGoOfTheReader) {
     ReaderDriver driver;
     const auto check = driver.arm();
-    EXPECT_THAT(driver.prompt->reasons, ElementsAre("reason"));
+    EXPECT_THAT(driver.prompt->reasons(), ElementsAre("reason"));
     for (const char* line : {"RETRY 1", "SCAN wrong", "RETRY 3", "SCAN wrong"}) driver.scan(line);
     driver.expectAnswer(true);
-    EXPECT_THAT(driver.prompt->told, ElementsAre("sdk.biometrics.retry", "sdk.biometrics.nomatch",
-                                                 "sdk.biometrics.retry", "sdk.biometrics.nomatch"));
+    EXPECT_THAT(driver.prompt->told(), ElementsAre("sdk.biometrics.retry", "sdk.biometrics.nomatch",
+                                                   "sdk.biometrics.retry", "sdk.biometrics.nomatch"));
     driver.runUntil([&] { return driver.devices.is("claim"); });
 }
 
 TEST(Fprintd, IsArmedOnlyWhileThePromptIsInSight) {
     ReaderDriver driver;
-    driver.prompt->comesIntoView = false;
+    driver.prompt->setComesIntoView(false);
     const auto check = driver.start();
     for (int turn = 0; turn < 3; ++turn) {
         EXPECT_FALSE(driver.devices.is("armed"));

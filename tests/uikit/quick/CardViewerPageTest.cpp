@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
-#include <korvane/CloseNotification.h>
-#include <korvane/ViewController.h>
 
 #include <QAccessible>
 #include <QBuffer>
 #include <QPainter>
 #include <QRandomGenerator>
-#include <QTest>
-#include <cmath>
+#include <QRegularExpression>
 
 #include "platform/qt/QtImageDecoder.h"
 #include "tests/uikit/quick/QuickFixture.h"
@@ -38,24 +35,8 @@ class CardViewerPageTest : public QuickFixture {
         ASSERT_EQ(view(), "CardImage_NoNav");
     }
 
-    /// Every text that QML can read, and every accessible one.
-    std::pair<QString, QString> told() const {
-        std::pair<QString, QString> texts;
-        for (QQuickItem* const item : visibleItems(window.contentItem())) {
-            QObjectList objects{item};
-            if (const auto model = item->property("modelData").value<QObject*>()) objects << model;
-            for (const QObject* const object : objects) {
-                const QMetaObject& type = *object->metaObject();
-                for (int i = 0; i < type.propertyCount(); ++i)
-                    texts.first += type.property(i).read(object).toString() + "|";
-            }
-            if (QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(item))
-                texts.second +=
-                    spoken->text(QAccessible::Name) + spoken->text(QAccessible::Description) + "|";
-        }
-        return texts;
-    }
-    bool revealed() const { return told().second.contains("8 6 4 2"); }
+    bool revealed() { return readable().second.contains("8 6 4 2"); }
+    bool numbersInProperties() { return readable().first.contains(QRegularExpression("8642|5555")); }
 
     QQuickItem* root = nullptr;
 };
@@ -63,15 +44,12 @@ class CardViewerPageTest : public QuickFixture {
 TEST_F(CardViewerPageTest, NumbersAreInNoPropertyAndSpokenOnlyWhileRevealed) {
     showViewer();
     const QImage masked = window.grabWindow();
-    EXPECT_TRUE(told().second.contains("Security code, Hidden"));
+    EXPECT_TRUE(readable().second.contains("Security code, Hidden"));
     for (int round = 0; round < 2; ++round) {
-        EXPECT_FALSE(told().second.contains("5 5 5"));
-        EXPECT_FALSE(revealed());
-        EXPECT_FALSE(told().first.contains("8642") || told().first.contains("5555"));
+        EXPECT_FALSE(readable().second.contains("5 5 5") || revealed() || numbersInProperties());
         tap(details + "reveal");
         EXPECT_NE(window.grabWindow(), masked);
-        EXPECT_TRUE(revealed());
-        EXPECT_FALSE(told().first.contains("8642") || told().first.contains("5555"));
+        EXPECT_TRUE(revealed() && !numbersInProperties());
         find(details + "cvv")->forceActiveFocus(Qt::TabFocusReason);
         key(Qt::Key_Tab);
         const QAccessibleInterface* const focused =
@@ -131,34 +109,16 @@ TEST_F(CardViewerPageTest, FreezingIsAskedFirstAndTheSwitchFollowsTheCard) {
     tap(freezing + "freezeCardPopup.freezeButton");
     EXPECT_TRUE(find(freezeSwitch)->property("busy").toBool());
     EXPECT_FALSE(isOn());
-    service.device.urlSession->reply(service.device.urlSession->requests().size() - 1,
-                                     service.result("Success"));
-    settle();
+    answer(service.result("Success"));
     EXPECT_TRUE(isOn());
-    EXPECT_TRUE(told().second.contains("Your card is frozen"));
-}
-
-TEST_F(CardViewerPageTest, CardIsActivatedFromItsButtonAndBackLeadsToTheCard) {
-    service.cardStatus = "P2";
-    showViewer();
-    QStringList results;
-    const auto closing = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI, [&](const auto& info) { results << QString::fromStdString(info.at("result")); });
-    tap("sdk.cardviewer.activateAndSetPin.onCardButton");
-    ASSERT_EQ(view(), "EnterCardLastFourView");
-    EXPECT_FALSE(find("xmark")) << "one frame, with one way out";
-    tap("back");
-    ASSERT_EQ(view(), "CardImage_NoNav");
-    tap("xmark");
-    EXPECT_EQ(results, QStringList("CANCELED"));
-    const auto controller = GetCardImageFactory::create("card-9");
-    EXPECT_EQ(service.config.cardId, "card-9");
+    EXPECT_TRUE(readable().second.contains("Your card is frozen"));
 }
 
 TEST_F(CardViewerPageTest, PictureCoversTheCardUndistortedOrAPlaceholderIsDrawn) {
     QImage wide(1200, 300, QImage::Format_RGB32);
     wide.fill(Qt::black);
-    QPainter(&wide).fillRect(525, 75, 150, 150, Qt::white);  // half its height, in the middle
+    QPainter(&wide).fillRect(525, 75, 150, 150,
+                             Qt::white);  // half its height, in the middle
     QImage large(1200, 900, QImage::Format_RGB32);
     for (int y = 0; y < large.height(); ++y)
         QRandomGenerator::global()->fillRange(reinterpret_cast<quint32*>(large.scanLine(y)), large.width());
@@ -201,18 +161,7 @@ TEST_F(CardViewerPageTest, NothingIsCutAtAnySizeAndTwiceTheTextSize) {
                 theme().setTextScale(scale);
                 settle();
                 window.grabWindow();  // lays out what is left to lay out
-                for (const QQuickItem* const item : visibleItems(root)) {
-                    const QRectF area = item->mapRectToScene(item->boundingRect());
-                    const auto what = item->metaObject()->className() + item->property("text").toString();
-                    EXPECT_TRUE(area.left() >= 0 && area.right() <= size.width()) << what.toStdString();
-                    if (item->inherits("QQuickText")) {
-                        EXPECT_LE(item->property("contentWidth").toDouble(), std::ceil(item->width()))
-                            << what.toStdString();
-                    }
-                    if (item->inherits("QQuickAbstractButton")) {
-                        EXPECT_GE(std::min(area.width(), area.height()), 44) << what.toStdString();
-                    }
-                }
+                EXPECT_EQ(faults(), QStringList());
             }
             delete root;
         }

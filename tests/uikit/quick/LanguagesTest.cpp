@@ -15,15 +15,6 @@ namespace {
 
 class LanguagesTest : public QuickFixture {
   protected:
-    QString label(const QString& control) const {
-        const QQuickItem* const item = find(control);
-        return item ? item->property("text").toString() : "none";
-    }
-    bool shown(const QString& text) const {
-        return std::ranges::any_of(visibleItems(window.contentItem()), [&](const QQuickItem* item) {
-            return item->property("text").toString() == text;
-        });
-    }
     double middle(const QString& item) const {
         return find(item)->mapToScene({find(item)->width() / 2, 0}).x();
     }
@@ -55,30 +46,22 @@ TEST_F(LanguagesTest, SwitchChangesAllThatIsShownAndNothingOfTheHosts) {
     QQuickItem* const host = show(
         "import QtQuick\nimport Korvane\n"
         "Item {\n"
-        "  readonly property var evaluations: []\n"
+        "  property var evaluations: []\n"
         "  property string hosts: { evaluations.push(1); return qsTr('mine') }\n"
-        "  function counted(): var { return evaluations.length }\n"
         "  SetPIN { anchors.fill: parent; cardId: 'card-1' }\n"
         "}",
         {});
-    const auto evaluations = [host] {
-        QVariant counted;
-        QMetaObject::invokeMethod(host, "counted", Q_RETURN_ARG(QVariant, counted));
-        return counted.toInt();
-    };
-    const int before = evaluations();
-    EXPECT_GT(before, 0);
     tap("sdk.setpin.fourdigits");
     ASSERT_TRUE(setLanguage("fr"));
     EXPECT_EQ(screen()->sheetText().left(18), "Votre code PIN com");
-    EXPECT_EQ(label("sdk.setpin.fourdigits.info.button"), "J’ai compris");
-    EXPECT_EQ(label("sdk.setpin.fourdigits"), "Utilisez quatre chiffres") << "under the sheet";
+    EXPECT_EQ(text("sdk.setpin.fourdigits.info.button"), "J’ai compris");
+    EXPECT_EQ(text("sdk.setpin.fourdigits"), "Utilisez quatre chiffres") << "under the sheet";
     tap("sdk.setpin.fourdigits.info.button");
     type("1234");
     tap("sdk.setpin.button");
     ASSERT_TRUE(setLanguage("es_MX"));
     EXPECT_EQ(language(), "es-MX");
-    EXPECT_TRUE(shown("Sin secuencias (1234, 4321)"));
+    EXPECT_TRUE(readable().first.contains("Sin secuencias (1234, 4321)"));
     tap("sdk.youcandobetter.button");
 
     type("8642");
@@ -89,10 +72,11 @@ TEST_F(LanguagesTest, SwitchChangesAllThatIsShownAndNothingOfTheHosts) {
     ASSERT_TRUE(setLanguage("de"));
     EXPECT_EQ(screen()->title(), "PIN noch einmal eingeben");
     EXPECT_EQ(screen()->passcodeDescription(), "Neue PIN, noch einmal, 2 von 4 Ziffern eingegeben");
-    EXPECT_EQ(label("sdk.confirmpin.button"), "PIN festlegen");
-    EXPECT_EQ(label("back"), "Zurück");
+    EXPECT_EQ(text("sdk.confirmpin.button"), "PIN festlegen");
+    EXPECT_EQ(text("back"), "Zurück");
 
-    EXPECT_EQ(evaluations(), before) << "the host's binding was evaluated again";
+    EXPECT_EQ(host->property("evaluations").value<QJSValue>().property("length").toInt(), 1)
+        << "the host's binding was evaluated again";
     EXPECT_FALSE(setLanguage("pt-BR"));
     EXPECT_FALSE(setLanguage(""));
     EXPECT_EQ(language(), "de");
@@ -126,22 +110,22 @@ TEST_F(LanguagesTest, HostsTextTakesThePlaceOfAnySingleOne) {
     toPinEntry();
     const QString button = "sdk.setpin.button";
     ASSERT_TRUE(overrideText("sdk.setpin.button", "Next"));
-    EXPECT_EQ(label(button), "Next");
+    EXPECT_EQ(text(button), "Next");
     overrideText("sdk.setpin.button", "Nächster Schritt", "de");
     overrideText("sdk.setpin.button", "Nächster Schritt, gäll", "de_CH");
-    EXPECT_EQ(label(button), "Next");
+    EXPECT_EQ(text(button), "Next");
     setLanguage("de");
-    EXPECT_EQ(label(button), "Nächster Schritt");
-    EXPECT_EQ(label("sdk.setpin.fourdigits"), "Verwenden Sie vier Ziffern");
+    EXPECT_EQ(text(button), "Nächster Schritt");
+    EXPECT_EQ(text("sdk.setpin.fourdigits"), "Verwenden Sie vier Ziffern");
     setLanguage("de-CH");
-    EXPECT_EQ(label(button), "Nächster Schritt, gäll");
+    EXPECT_EQ(text(button), "Nächster Schritt, gäll");
     overrideText("sdk.setpin.button", "", "de-CH");
-    EXPECT_EQ(label(button), "Nächster Schritt");
+    EXPECT_EQ(text(button), "Nächster Schritt");
 
     overrideText("sdk.setpin.button", "Avançar", "pt");
     ASSERT_TRUE(setLanguage("pt-BR")) << "a language of the host's";
-    EXPECT_EQ(label(button), "Avançar");
-    EXPECT_EQ(label("sdk.setpin.fourdigits"), "Use four digits");
+    EXPECT_EQ(text(button), "Avançar");
+    EXPECT_EQ(text("sdk.setpin.fourdigits"), "Use four digits");
 }
 
 TEST_F(LanguagesTest, ArabicMirrorsTheScreensAndKeepsDigitsFromLeftToRight) {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/uikit/quick/QuickFixture.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
+#include <QInputMethodQueryEvent>
 #include <QKeyEvent>
 #include <QQmlComponent>
 #include <QTest>
+#include <cmath>
 
 #include "platform/qt/QtStringTable.h"
 #include "uikit/quick/JourneyModel.h"
@@ -30,6 +33,25 @@ class Application : public testing::Environment {
 };
 
 const auto* const application = testing::AddGlobalTestEnvironment(new Application);
+
+void collectTexts(QAccessibleInterface* node, QStringList& texts) {
+    if (!node) return;
+    for (const auto kind :
+         {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help})
+        texts << node->text(kind);
+    if (auto* const text = node->textInterface()) texts << text->text(0, text->characterCount());
+    if (auto* const value = node->valueInterface()) texts << value->currentValue().toString();
+    for (int i = 0; i < node->childCount(); ++i) collectTexts(node->child(i), texts);
+}
+
+/// A number is a text here only when it is the whole secret: geometry is full
+/// of the others.
+QStringList textsOf(const QVariant& value) {
+    const int type = value.typeId();
+    if (type == QMetaType::QString || type == QMetaType::QStringList || type == QMetaType::QVariantList)
+        return value.toStringList();
+    return value.toDouble() == 8642 ? QStringList("8642") : QStringList();
+}
 
 }  // namespace
 
@@ -131,8 +153,60 @@ ScreenModel* QuickFixture::screen() const {
 
 QString QuickFixture::view() const {
     const ScreenModel* const shown = screen();
-    // What the person sees, not what the model says: the item of that name must be there.
+    // What the person sees, not what the model says: the item of that name must
+    // be there.
     return shown && find(shown->view()) ? shown->view() : "none";
+}
+
+QString QuickFixture::text(const QString& objectName) const {
+    const QQuickItem* const item = find(objectName);
+    return item ? item->property("text").toString() : "none";
+}
+
+void QuickFixture::answer(const UrlReply& reply) {
+    service.device.urlSession->reply(service.device.urlSession->requests().size() - 1, reply);
+    settle();
+}
+
+std::pair<QString, QString> QuickFixture::readable() {
+    QStringList texts, spoken;
+    QObjectList objects = window.findChildren<QObject*>();
+    for (QQuickItem* const item : visibleItems(window.contentItem()))
+        objects << item << item->findChildren<QObject*>();
+    for (const QObject* const object : objects) {
+        const QMetaObject* const type = object->metaObject();
+        for (int i = 0; i < type->propertyCount(); ++i) texts << textsOf(type->property(i).read(object));
+        for (const QByteArray& name : object->dynamicPropertyNames())
+            texts << object->property(name).toString();
+    }
+    for (const auto query :
+         {Qt::ImSurroundingText, Qt::ImCurrentSelection, Qt::ImTextBeforeCursor, Qt::ImTextAfterCursor}) {
+        QInputMethodQueryEvent asked(query);
+        QCoreApplication::sendEvent(QGuiApplication::focusObject(), &asked);
+        texts << asked.value(query).toString();
+    }
+    QAccessible::setActive(true);
+    collectTexts(QAccessible::queryAccessibleInterface(&window), spoken);
+    return {texts.join("|"), spoken.join("|")};
+}
+
+QStringList QuickFixture::faults() const {
+    QStringList found;
+    for (QQuickItem* const item : visibleItems(root_)) {
+        const QRectF area = item->mapRectToScene(item->boundingRect());
+        const QString words = item->property("text").toString();
+        const QString what = item->objectName() + " \"" + words + '"';
+        if (item->inherits("QQuickText")) {
+            if (words.startsWith("sdk.")) found << "no text for " + what;
+            if (item->property("truncated").toBool() ||
+                item->property("contentWidth").toDouble() > std::ceil(item->width()))
+                found << "cut: " + what;
+        }
+        if (item->inherits("QQuickAbstractButton") && std::min(area.width(), area.height()) < 44)
+            found << "too small to hit: " + what;
+        if (area.left() < 0 || area.right() > window.width()) found << "sticks out: " + what;
+    }
+    return found;
 }
 
 void QuickFixture::toPinEntry() {

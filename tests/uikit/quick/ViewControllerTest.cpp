@@ -20,13 +20,6 @@ class ViewControllerTest : public QuickFixture {
         }
         return nullptr;
     }
-
-    QStringList results;
-    std::shared_ptr<NotificationCenter::Observation> observation =
-        NotificationCenter::defaultCenter().observe(NotificationCloseUI,
-                                                    [this](const NotificationUserInfo& info) {
-                                                        results << QString::fromStdString(info.at("result"));
-                                                    });
 };
 
 TEST_F(ViewControllerTest, MakingOneStoresTheCardAndShowingItStartsTheJourney) {
@@ -44,15 +37,9 @@ TEST_F(ViewControllerTest, MakingOneStoresTheCardAndShowingItStartsTheJourney) {
     controller->show();
     settle();
     EXPECT_EQ(service.calls("getCardStatus"), 1) << "the journey stays where it is";
-}
-
-TEST_F(ViewControllerTest, ActivationStartsWithItsOwnPageAndCanBeGivenUp) {
-    service.cardStatus = "P2";
-    show("import Korvane\nActivateCardAndSetPIN { cardId: \"card-8\" }", {});
-    ASSERT_EQ(view(), "ActivateCardAndSetPIN_NoNav");
-    ASSERT_TRUE(tap("xmark"));
-    EXPECT_EQ(results, QStringList("CANCELED"));
-    const auto controller = ActivateCardAndSetPINFactory::create("card-9");
+    EXPECT_TRUE(ActivateCardAndSetPINFactory::create("card-8"));
+    EXPECT_EQ(SdkConfig::sharedInstance().cardId, "card-8");
+    EXPECT_TRUE(GetCardImageFactory::create("card-9"));
     EXPECT_EQ(SdkConfig::sharedInstance().cardId, "card-9");
 }
 
