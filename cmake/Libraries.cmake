@@ -32,4 +32,7 @@ function(korvane_library archive component)
   target_compile_features(${archive}_shared INTERFACE cxx_std_20)
   target_link_libraries(${archive}_shared PUBLIC ${arg_PUBLIC} PRIVATE korvane_options ${arg_PRIVATE})
   korvane_shared(${archive}_shared MAP ${PROJECT_BINARY_DIR}/korvane.map)
+  if(NOT KORVANE_DEVICE)
+    set_target_properties(${archive}_shared PROPERTIES EXCLUDE_FROM_ALL ON)  # nothing is installed
+  endif()
 endfunction()
