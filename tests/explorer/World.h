@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <korvane/CloseNotification.h>
+#include <korvane/Journey.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/explorer/Answers.h"
+
+namespace korvane::explorer {
+
+/// What a journey is started with.
+struct Start {
+    /// Where the PCI token is, and what is wrong with the stored one.
+    enum class Token { none, held, stored, halfStored, unreadable, timeUnreadable, noReader };
+
+    JourneyKind kind = JourneyKind::setPIN;
+    std::string cardType = "physical";
+    std::string cardStatus = "A1";
+    bool biometrics = false;
+    Token token = Token::none;
+};
+
+/// One thing that happens: a person uses a control or types, time passes, or something that was waited for
+/// ends.
+struct Step {
+    enum class Does { tap, type, erase, wait, answer };
+
+    Does does = Does::tap;
+    std::string text;                ///< control, digits, seconds, or who answers
+    std::size_t waiting = 0;         ///< of an answer: its place among what is waited for
+    const Answer* answer = nullptr;  ///< of an answer
+};
+
+/// A device of fakes with one journey on it, made anew for each walk: the process-wide state starts as it
+/// does in a fresh process. Whatever leaves the device is waited for until a step answers it.
+class World : private ScriptedService {
+  public:
+    /// @param faults how many answers, at most, are not a success
+    /// @param onLine gets every console line
+    World(const Start& start, int faults, const std::function<void(std::string_view)>& onLine);
+    ~World();
+
+    void apply(const Step& step);
+    /// Everything that may happen next.
+    std::vector<Step> possible(bool basicOnly) const;
+
+    bool isClosed() const { return !journey_; }
+    ScreenSnapshot screen() const { return journey_ ? journey_->screen() : ScreenSnapshot{}; }
+    /// All that the component's further behaviour depends on, made finite: texts by whether there are any,
+    /// times by whether they are up.
+    std::string key() const;
+    /// A secret in what the screen holds, but for those that a person asked to see; "" when there is none.
+    std::string shownSecret() const;
+    bool isAwaiting() const { return !waiting_.empty(); }
+    /// Something waits for a host that let go of the reply function, which is as good as never replying.
+    bool hostLetGo() const;
+    /// Something was done in the card viewer: closing it is a success.
+    bool hasDoneSomething() const { return doneSomething_; }
+    /// Results of the close notifications of the last step.
+    const std::vector<std::string>& closedWith() const { return closedWith_; }
+    /// What was wrong in the last step itself, or "".
+    const std::string& trouble() const { return trouble_; }
+    /// What a refused control or text changed, or "".
+    std::string useWhatIsRefused();
+    /// Ends the journey, lets all that is still under way succeed, and tells what was left behind, or "".
+    std::string leftBehind();
+
+  private:
+    struct Waiting {
+        std::string name;  ///< method, "iv", "finger", or "nobody"
+        std::optional<std::size_t> request;
+        IvReply reply;
+        std::string origin;  ///< the answer that led to it: what the one who asks will do next
+    };
+
+    void prepare(const Start& start);
+    void give(const Step& step);
+    void checkSent(std::size_t index);
+    std::string shownTexts() const;
+    void gather(const std::string& origin);
+    std::string typedIn(const ScreenSnapshot& snapshot) const;
+    std::string screenKey(const ScreenSnapshot& snapshot) const;
+
+    std::unique_ptr<Journey> journey_;
+    std::vector<Waiting> waiting_;
+    std::vector<IvReply> asked_;  // since the last step
+    std::size_t requestsSeen_ = 0, checksSeen_ = 0;
+    std::string trouble_;
+    std::map<std::string, std::string> typed_;  // by the boxes' id
+    std::vector<std::string> covered_;          // keys of the screens below
+    int faultsLeft_;
+    bool doneSomething_ = false;
+    std::vector<std::string> closedWith_;
+    std::shared_ptr<NotificationCenter::Observation> observation_;
+};
+
+}  // namespace korvane::explorer
