@@ -6,26 +6,57 @@ import subprocess
 import sys
 import unittest
 
-from browser import Browser
-from driver import Journey, Sandbox
+from selenium import webdriver
+from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.by import By
+from selenium.webdriver.support.wait import WebDriverWait
+
+from driver import PATIENCE, Journey, Sandbox
 
 PICTURES = sys.argv.pop(1) if len(sys.argv) > 1 else None
-CARD = "card-physical-active"
+CARD = "document.querySelector('[data-card=card-physical-active]').textContent"
+FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking",
+         "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage"]
 
 
 class InspectionPage(unittest.TestCase):
     def setUp(self):
         self.sandbox = Sandbox()
         self.addCleanup(self.sandbox.stop)
-        self.browser = Browser()
-        self.addCleanup(self.browser.close)
-        self.browser.looks(1280, 900)
-        self.browser.open(self.sandbox.url)
-        self.browser.wait("document.querySelector('#live').textContent === 'live'")
+        options = webdriver.ChromeOptions()
+        options.accept_insecure_certs = True
+        options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+        for flag in FLAGS:
+            options.add_argument(flag)
+        self.browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)  # with a profile of its own
+        self.addCleanup(self.browser.quit)
+        self.looks(1280, 900, "light")
+        self.browser.get(self.sandbox.url)
+        self.wait("document.querySelector('#live').textContent === 'live'")
+
+    def run_script(self, expression):
+        return self.browser.execute_script("return " + expression)
+
+    def wait(self, expression):
+        return WebDriverWait(self.browser, PATIENCE).until(lambda _: self.run_script(expression), expression)
+
+    def click(self, selector):
+        self.browser.find_element(By.CSS_SELECTOR, selector).click()
+
+    def write(self, selector, text):
+        field = self.browser.find_element(By.CSS_SELECTOR, selector)
+        field.clear()
+        field.send_keys(text)
+
+    def looks(self, width, height, scheme):
+        self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
+                                     {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})
+        self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
+                                     {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
 
     def picture(self, name):
         if PICTURES:
-            self.browser.picture(f"{PICTURES}/{name}.png")
+            self.browser.save_screenshot(f"{PICTURES}/{name}.png")
 
     def journey(self, **keywords):
         journey = Journey(self.sandbox, **keywords)
@@ -33,71 +64,64 @@ class InspectionPage(unittest.TestCase):
         return journey
 
     def test_a_journey_arrives_while_the_page_is_open(self):
-        page = self.browser
-        self.assertIn("PIN 4827", page.run(f"return document.querySelector('[data-card={CARD}]').textContent"))
+        self.assertIn("PIN 4827", self.run_script(CARD))
         journey = self.journey()
         journey.at("SMSExplainView", "sdk.sms.explain.button")
         journey.shows("EnterSMSCodeView")
-        code = page.wait("/^[0-9]{6}$/.test(document.querySelector('#code').textContent) && document.querySelector('#code').textContent")
+        code = self.wait("document.querySelector('#code').textContent.match(/^[0-9]{6}$/)?.[0]")
         self.assertEqual(code, self.sandbox.code())
         journey.type(code)  # as a person would: read off the page
         journey.enter_and_confirm("1357")
         journey.shows("SuccessPinSetView")
-        page.wait("document.querySelector('[data-endpoint=pinSet] .badge.good')?.textContent === '200'")
-        page.wait(f"document.querySelector('[data-card={CARD}]').textContent.includes('PIN 1357')")
-        page.click("[data-endpoint=pinSet] summary")
-        page.wait("document.querySelector('[data-endpoint=pinSet]').innerText.includes('1357')")
+        self.wait("document.querySelector('[data-endpoint=pinSet] .badge.good')?.textContent === '200'")
+        self.wait(CARD + ".includes('PIN 1357')")
+        self.click("[data-endpoint=pinSet] summary")
+        self.wait("document.querySelector('[data-endpoint=pinSet]').innerText.includes('1357')")
         self.picture("journey")
-        page.click("#filter option[value=getCardStatus]")
-        page.wait("[...document.querySelectorAll('.entry')].every(entry => entry.dataset.endpoint === 'getCardStatus')")
-        page.click("#reset")
-        page.ask("POST", "/alert/accept")
-        page.wait("document.querySelectorAll('.entry').length === 0 && document.querySelector('#code').textContent === 'none yet'")
-        page.wait(f"document.querySelector('[data-card={CARD}]').textContent.includes('PIN 4827')")
-        self.assertEqual(page.complaints(), [])
+        self.click("#filter option[value=getCardStatus]")
+        self.wait("[...document.querySelectorAll('.entry')].every(entry => entry.dataset.endpoint === 'getCardStatus')")
+        self.click("#reset")
+        self.browser.switch_to.alert.accept()
+        self.wait("!document.querySelector('.entry') && document.querySelector('#code').textContent === 'none yet'")
+        self.wait(CARD + ".includes('PIN 4827')")
+        self.assertEqual([entry for entry in self.browser.get_log("browser") if entry["level"] == "SEVERE"], [])
 
     def test_rules_are_added_refused_and_cleared(self):
-        page = self.browser
-        page.click("#endpoint option[value=getCardStatus]")
-        page.click("#fault option[value='Connection reset']")
-        page.write("#times", "2")
-        page.click("#add button")
-        page.wait("document.querySelector('#rules').textContent.includes('2 left')")
-        self.assertEqual(self.sandbox.ask("GET", "/host/faults"), [{"endpoint": "getCardStatus", "reset": True, "count": 2, "left": 2}])
+        self.click("#endpoint option[value=getCardStatus]")
+        self.click("#fault option[value='Connection reset']")
+        self.write("#times", "2")
+        self.click("#add button")
+        self.wait("document.querySelector('#rules').textContent.includes('2 left')")
         self.journey().shows("UhOhTryAgainView")
-        page.wait("document.querySelector('#rules').textContent.includes('1 left')")
-        page.wait("document.querySelector('.entry .badge.bad')?.textContent === 'fault'")
-        page.write("#rule", '{"endpoint":"pinSet"}')
-        page.click("#add button")
-        page.wait("document.querySelector('#refused').textContent === 'rule 1: the rule has no effect'")
+        self.wait("document.querySelector('#rules').textContent.includes('1 left')")
+        self.wait("document.querySelector('.entry .badge.bad')?.textContent === 'fault'")
+        self.write("#rule", '{"endpoint":"pinSet"}')
+        self.click("#add button")
+        self.wait("document.querySelector('#refused').textContent === 'rule 1: the rule has no effect'")
         self.picture("rules")
-        page.click("#clear")
-        page.wait("document.querySelectorAll('#rules .row').length === 0")
+        self.click("#clear")
+        self.wait("!document.querySelector('#rules .row')")
         self.assertEqual(self.sandbox.ask("GET", "/host/faults"), [])
 
     def test_nothing_from_outside_runs_or_is_fetched(self):
-        page = self.browser
-        evil = "<img id=evil src=https://192.0.2.1/x onerror=document.title='evil'>"
-        self.journey(card=evil).shows("SMSExplainView")
-        page.wait("document.querySelector('.entry .card')?.textContent.includes('<img')")
-        self.assertEqual(page.run("return [document.querySelectorAll('#evil').length, document.title]"), [0, "Card service"])
-        page.run("const s = document.createElement('script'); s.textContent = 'document.title = 1'; document.body.append(s)")
-        self.assertEqual(page.run("return document.title"), "Card service")
-        outside = page.run("return performance.getEntries().map(e => e.name).filter(n => /^https?:/.test(n) && !n.startsWith(location.origin))")
-        self.assertEqual(outside, [])
+        self.journey(card="<img id=evil src=https://192.0.2.1/x onerror=document.title='evil'>").shows("SMSExplainView")
+        self.wait("document.querySelector('.entry .card')?.textContent.includes('<img')")
+        self.browser.execute_script("const s = document.createElement('script'); s.text = 'document.title = 1'; document.body.append(s)")
+        self.assertEqual(self.run_script("[document.querySelectorAll('#evil').length, document.title]"), [0, "Card service"])
+        self.assertEqual(self.run_script("performance.getEntriesByType('resource').filter(e => !e.name.startsWith(origin))"), [])
         headers = subprocess.run(["curl", "-sS", "-o", "/dev/null", "-D", "-", "--cacert", self.sandbox.ca, self.sandbox.url],
                                  capture_output=True, text=True, check=True).stdout.lower()
         self.assertRegex(headers, "content-security-policy: default-src 'none'; connect-src 'self'; script-src 'nonce-")
 
     def test_fits_a_phone_and_a_dark_desktop(self):
-        page = self.browser
         self.journey(card="fault-pin-refused").verify_by_sms(self.sandbox)
-        page.wait("document.querySelectorAll('.entry').length > 3")
-        light = page.run("return getComputedStyle(document.body).backgroundColor")
+        self.wait("document.querySelectorAll('.entry').length > 3")
+        colour = "getComputedStyle(document.body).backgroundColor"
+        light = self.run_script(colour)
         for width, height, scheme in ((360, 740, "light"), (360, 740, "dark"), (1280, 900, "dark")):
-            page.looks(width, height, scheme)
-            self.assertLessEqual(page.run("return document.documentElement.scrollWidth"), width)
-            self.assertEqual(page.run("return getComputedStyle(document.body).backgroundColor") == light, scheme == "light")
+            self.looks(width, height, scheme)
+            self.assertLessEqual(self.run_script("document.documentElement.scrollWidth"), width)
+            self.assertEqual(self.run_script(colour) == light, scheme == "light")
             self.picture(f"{scheme}-{width}")
 
 
