@@ -14,6 +14,7 @@ EXPIRED = "Failure: Expired Token"
 RULES = [
     ({"status": 418}, TRY_AGAIN, 1),
     ({"endpoint": "getCardStatus", "status": 500}, "EnterCardPINView", 2),  # no token yet: the SMS step, and again
+    ({"endpoint": "getBearerToken", "status": 401}, TRY_AGAIN, 1),
     ({"result": "FAILURE: no such thing"}, TRY_AGAIN, 1),
     ({"result": EXPIRED.upper()}, EXPLAIN, 1),
     ({"result": EXPIRED, "status": 500}, EXPLAIN, 1),
@@ -103,7 +104,8 @@ class FaultJourneys(unittest.TestCase):
                 self.sandbox.ask("POST", "/host/reset")
                 rule = {"endpoint": "pinSet", **given}
                 self.sandbox.fault(**rule)
-                journey = self.walk("set-pin", "card-physical-active", "sms" if rule["endpoint"] == "getCardStatus" else "sms pin")
+                steps = {"getBearerToken": "", "getCardStatus": "sms"}.get(rule["endpoint"], "sms pin")
+                journey = self.walk("set-pin", "card-physical-active", steps)
                 endpoint = "pinSet" if rule["endpoint"] == "*" else rule["endpoint"]
                 _, entries = self.assert_ends(journey, view, "card-physical-active", endpoint, requests)
                 acted = 0 if "card" in rule else requests - 1 if view == SUCCESS and requests > 1 else 1
