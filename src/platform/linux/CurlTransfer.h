@@ -35,11 +35,10 @@ class CurlTransfer {
     void set(CURLoption option, Value value);
     void addHeaders();
     void setSecurity(const CurlUrlSessionOptions& options);
-    static std::size_t send(char* buffer, std::size_t, std::size_t size, void* self);
+    static int mayBeSent(void* easy, char*, char*, int, int);
     static std::size_t receive(char* data, std::size_t, std::size_t size, void* self);
 
     UrlRequest request_;
-    std::size_t sent_ = 0;  // of the request's body
     UrlReply reply_;
     std::string refusal_;
     std::array<char, CURL_ERROR_SIZE> error_{};

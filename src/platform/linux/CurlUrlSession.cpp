@@ -4,6 +4,8 @@
 #include <curl/curl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -55,24 +57,27 @@ class CurlUrlSession::Worker {
         return worker;
     }
 
+    ~Worker() { close(wakeUp_); }
+    Worker(const Worker&) = delete;
+    Worker& operator=(const Worker&) = delete;
+
     void submit(std::shared_ptr<Call> call) {
-        const std::lock_guard lock(mutex_);
-        submitted_.push_back(std::move(call));
+        {
+            const std::lock_guard lock(mutex_);
+            submitted_.push_back(std::move(call));
+        }
         wake();
     }
 
     /// Has the worker look for transfers that nobody waits for any more.
-    void reap() {
-        const std::lock_guard lock(mutex_);
-        wake();
-    }
+    void reap() { wake(); }
 
     void stop() {
         {
             const std::lock_guard lock(mutex_);
             stopping_ = true;
-            wake();
         }
+        wake();
         if (thread_.get_id() == std::this_thread::get_id()) {
             thread_.detach();  // inside a reply; the thread ends by itself, and finds no other reply to run
             for (const auto& [easy, active] : active_) active->call->drop();
@@ -100,22 +105,23 @@ class CurlUrlSession::Worker {
     void finishTransfers();
     void closeIdleConnections();
     void setMulti(CURLM* multi);
+    void waitForWork();
     int pollTimeout() const;
 
-    // Lock held: the handle is replaced now and then.
-    void wake() {
-        if (multi_) curl_multi_wakeup(multi_);
-    }
+    void wake() { eventfd_write(wakeUp_, 1); }
 
     const CurlUrlSessionOptions options_;
     std::thread thread_;
+    // Not libcurl's own way to wake a poll, which goes with the multi handle, and so would need the lock
+    // while the woken thread wants it.
+    const int wakeUp_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 
-    std::mutex mutex_;  // for the next three
+    std::mutex mutex_;  // for the next two
     std::deque<std::shared_ptr<Call>> submitted_;
     bool stopping_ = false;
-    CURLM* multi_ = nullptr;  // written by the worker's thread alone, which reads it without the lock
 
     // Worker's thread only.
+    CURLM* multi_ = nullptr;
     ActiveMap active_;
     bool connected_ = false;  // the multi handle may hold open connections
     bool doubtful_ = false;   // one of them may be dead
@@ -142,7 +148,7 @@ void CurlUrlSession::Worker::run() {
         int running = 0;
         curl_multi_perform(multi_, &running);
         finishTransfers();
-        curl_multi_poll(multi_, nullptr, 0, pollTimeout(), nullptr);
+        waitForWork();
     }
 
     for (auto active = active_.begin(); active != active_.end(); active = active_.begin()) {
@@ -153,6 +159,13 @@ void CurlUrlSession::Worker::run() {
         remove(active);
     }
     setMulti(nullptr);
+}
+
+void CurlUrlSession::Worker::waitForWork() {
+    curl_waitfd commands{wakeUp_, CURL_WAIT_POLLIN, 0};
+    curl_multi_poll(multi_, &commands, 1, pollTimeout(), nullptr);
+    eventfd_t ignored = 0;
+    if (commands.revents != 0) eventfd_read(wakeUp_, &ignored);
 }
 
 /// Does what other threads asked for; false when the session is gone.
@@ -208,10 +221,11 @@ void CurlUrlSession::Worker::finishTransfers() {
     for (const auto& [easy, result] : done) {
         const auto active = active_.find(easy);
         const auto call = active->second->call;
-        UrlReply reply = active->second->transfer.finish(result);
         doubtful_ = doubtful_ || result != CURLE_OK;
+        lastUse_ = TimerFd::now();
+        // Whoever waits comes first; the handle is put away while the answer is being read.
+        deliver(*call, active->second->transfer.finish(result));
         remove(active);
-        deliver(*call, std::move(reply));
     }
 }
 
@@ -236,17 +250,12 @@ void CurlUrlSession::Worker::closeIdleConnections() {
 }
 
 void CurlUrlSession::Worker::setMulti(CURLM* multi) {
-    {
-        const std::lock_guard lock(mutex_);
-        std::swap(multi_, multi);
-        wake();  // the old handle may take an unseen wake-up with it
-    }
-    curl_multi_cleanup(multi);
+    curl_multi_cleanup(std::exchange(multi_, multi));
 }
 
 /// In milliseconds. libcurl shortens it to its own timers; commands and a stop wake the poll.
 int CurlUrlSession::Worker::pollTimeout() const {
-    constexpr int longest = 3'600'000;
+    const int longest = wakeUp_ < 0 ? 100 : 3'600'000;  // where no descriptor was left, nobody can wake it
     if (!connected_ || !active_.empty()) return longest;
     const auto left =
         std::chrono::ceil<std::chrono::milliseconds>(lastUse_ + options_.connectionIdle - TimerFd::now());
