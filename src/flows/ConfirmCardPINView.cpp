@@ -101,6 +101,7 @@ void ConfirmCardPINView::renewIvAndSubmit() {
         if (ivId && ivBytes) {
             self->submit();
         } else {
+            wipe(SdkConfig::sharedInstance().pendingPin);
             self->autoNavTo(view::UhOhTryAgainView);
         }
     });
