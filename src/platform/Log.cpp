@@ -20,6 +20,7 @@ std::string_view told(const LogPiece& piece, bool whole) {
 void log(std::initializer_list<LogPiece> pieces) {
     Console& console = *ports().console;
     const bool whole = console.takesSecrets();
+    if (pieces.size() == 1) return console.line(told(*pieces.begin(), whole));  // an answer has megabytes
     Wiped<std::string> line;  // some lines print secrets (deliberate); this copy of them need not stay
     std::size_t size = 0;
     for (const LogPiece& piece : pieces) size += told(piece, whole).size();
