@@ -34,12 +34,14 @@ class FakeBiometricPrompt final : public BiometricPrompt {
     void setComesIntoView(bool comes) { comesIntoView_ = comes; }
     /// True from `show` until its handle is released.
     bool shown() const { return !latest_.expired(); }
-    /// What befalls the prompt that is shown; there must be one.
+    /// The prompt that is shown comes into view or goes out of it; there must be one.
     void setVisible(bool visible) { latest_.lock()->visibilityChanged(visible); }
+    /// The person declines the prompt that is shown; there must be one.
     void cancel() { latest_.lock()->cancelled(); }
 
-    /// What each prompt so far gave as its reason, and the messages it was told, oldest first.
+    /// What each prompt so far gave as its reason, oldest first.
     const std::vector<std::string>& reasons() const { return reasons_; }
+    /// The messages that the prompts were told, oldest first.
     const std::vector<std::string>& told() const { return told_; }
 
   private:
