@@ -60,20 +60,6 @@ class SetPin(OnTheConsole):
         self.assertEqual(self.sandbox.requests()["getBearerToken"], 1)
         self.assertIn("refreshed the IV... now recalling doPinSet\n", journey.log)
 
-    def test_failures_end_on_the_error_page(self):
-        for endpoint in ("getCardStatus", "pinSet"):
-            for rule in ({"status": 418}, {"reset": True}, {"body": "<html>"}, {"result": "Failure: No such card"}):
-                with self.subTest(endpoint=endpoint, rule=rule):
-                    if endpoint == "getCardStatus":  # the bearer token is renewed first: the second call meets the rule
-                        self.sandbox.fault(endpoint=endpoint, status=401)
-                    self.sandbox.fault(endpoint=endpoint, **rule)
-                    journey = self.start(verified=endpoint == "pinSet")
-                    if endpoint == "pinSet":
-                        journey.enter_and_confirm("1470")
-                    self.assert_fails(journey)
-        self.sandbox.fault(endpoint="getBearerToken", status=401)
-        self.assert_fails(self.start())
-
     def test_service_that_is_not_there_or_not_trusted(self):
         self.assert_fails(self.start(service="https://127.0.0.1:9"))
         other = Sandbox()

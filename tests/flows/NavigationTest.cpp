@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
-#include <korvane/CloseNotification.h>
+#include <gtest/gtest.h>
 
 #include <memory>
 #include <optional>
-#include <set>
 
-#include "flows/ActivationStartPage.h"
-#include "flows/CardViewer.h"
 #include "flows/KorvaneActionNavigationLink.h"
 #include "flows/NavigationStack.h"
-#include "flows/ScreenFactory.h"
 #include "flows/ViewHost.h"
 #include "flows/ViewTables.h"
 #include "platform/fakes/FakePorts.h"
@@ -67,46 +62,6 @@ TEST_F(Navigation, UnlistedNameShowsNoneOfTheListedScreens) {
     stack->push(host);
     EXPECT_EQ(stack->inView(), host);
     EXPECT_TRUE(stack->canDismiss(*host));
-}
-
-TEST_F(Navigation, EveryTabledNameIsAScreenWhoseClosingControlsPostOnceATap) {
-    std::vector<std::shared_ptr<Screen>> screens{std::make_shared<ActivationStartPage>(stack),
-                                                 std::make_shared<CardViewer>(stack)};
-    for (const ViewTable* const each :
-         {&table::setPIN, &table::activateCardAndSetPIN, &table::getCardImage, &table::enterCardPINMultiView,
-          &table::autoNavMultiView, &table::activateCardAndSetPINMultiView,
-          &table::cardImageActivateMultiView}) {
-        for (const std::string_view name : each->views) {
-            screens.push_back(makeScreen(stack, name, ScreenArguments{"1357"}));
-            ASSERT_NE(screens.back(), nullptr) << name;
-            EXPECT_EQ(screens.back()->viewName(), name);
-        }
-    }
-    std::set<std::string> posted;
-    std::string tapped;
-    const auto observation = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI, [&](const NotificationUserInfo& info) { tapped += " " + info.at("result"); });
-    for (const auto& screen : screens) {
-        ScreenSnapshot before;
-        screen->describe(before);
-        for (const Control& control : before.controls) {
-            stack->push(screen);
-            tapped = std::string{screen->viewName()} + " " + control.id;
-            const std::size_t length = tapped.size();
-            screen->perform(control.id);
-            stack->dismiss(*screen);
-            if (tapped.size() > length) posted.insert(tapped);
-        }
-    }
-    EXPECT_THAT(posted, testing::UnorderedElementsAre(
-                            "UhOhTryAgainView sdk.errorPage.tryagain.button FAILURE",
-                            "UhOhContactSupportView sdk.errorPage.contactSupport.button.one FAILURE",
-                            "SuccessPinSetView sdk.success.setpin.button SUCCESS",
-                            "SuccessCardActivatedAndPinSetView "
-                            "sdk.success.cardActivatedAndSetPin.button SUCCESS",
-                            "CardIsNotYetActivatedView sdk.cardnotactivated.button.two CANCELED",
-                            "CardAlreadyActivatedView sdk.cardactivated.button.one CANCELED",
-                            "ActivateCardAndSetPIN_NoNav xmark CANCELED", "CardImage_NoNav xmark CANCELED"));
 }
 
 }  // namespace

@@ -120,15 +120,5 @@ TEST_F(SmsStep, RequestUnderAStaleIvIsRepeatedOnceUnderAFreshOne) {
     EXPECT_EQ(tap("sdk.sms.explain.button"), "UhOhTryAgainWithErrorMsgView");
 }
 
-TEST_F(SmsStep, LoopsThroughTheStepDoNotGrowTheStack) {
-    toCodeScreen();
-    for (int i = 0; i < 20; ++i) {
-        next("getCardStatus", result("Failure: Expired Token"));
-        ASSERT_EQ(type("123456"), "SMSExplainView");
-        EXPECT_EQ(stack(), (Views{"SetPIN", "SMSExplainView"}));
-        tap("sdk.sms.explain.button");
-    }
-}
-
 }  // namespace
 }  // namespace korvane

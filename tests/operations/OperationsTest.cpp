@@ -190,21 +190,6 @@ TEST_F(Operations, AReplyIsDecipheredWithTheIvOfItsRequest) {
     EXPECT_EQ(ivsSupplied, 0);
 }
 
-TEST_F(Operations, NeitherReplyNorErrorEndsWithTheOperationsText) {
-    // No answer of a real service brings that: the engine is handed it as it is.
-    static ReplyHandler handler;
-    static OperationDescription description{.name = "doX", .endpoint = "x", .values = {}, .send = nullptr};
-    description.send = [](API&, const Sent&, ReplyHandler given) {
-        handler = std::move(given);
-        return CancelHandle{};
-    };
-    description.noReplyMsg = "no reply";
-    runOperation(description, {}, keep());
-    std::exchange(handler, nullptr)(std::nullopt, std::nullopt);
-    EXPECT_TRUE(device.console->has("api.x - resp is nil"));
-    EXPECT_EQ(results.back().errorMsg, "no reply");
-}
-
 TEST_F(Operations, CancellingEndsTheOperationWhereverItIs) {
     std::vector<IvReply> host;
     config.ivCallback = [&](IvReply reply) { host.push_back(std::move(reply)); };

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/RequestCore.h"
 
-#include <thread>
-
 #include "tests/support/ServiceFixture.h"
 
 namespace korvane {
@@ -93,32 +91,6 @@ TEST_F(RequestCore, CancellingLetsGoAtOnceAndReportsLater) {
     answered->cancel();
     settle();
     EXPECT_THAT(ends, ElementsAre("-999 cancelled", "-999 cancelled"));
-}
-
-/// Answers from a thread of its own, as a real session does.
-class ThreadedSession final : public UrlSession {
-  public:
-    std::unique_ptr<UrlTask> start(UrlRequest, std::function<void(UrlReply)> reply) override {
-        struct Task final : UrlTask {
-            std::jthread thread;  // joined when the task is released
-        };
-        auto task = std::make_unique<Task>();
-        task->thread = std::jthread{[reply = std::move(reply)] { reply({200, "{}", ""}); }};
-        return task;
-    }
-};
-
-TEST_F(RequestCore, AnswersMayComeOnAnyThread) {
-    installPorts({.mainQueue = device.mainQueue,
-                  .timers = device.timers,
-                  .urlSession = std::make_shared<ThreadedSession>(),
-                  .console = device.console});
-    for (int i = 0; i < 50; ++i) {
-        const CancelHandle handle = request();
-        if (i % 2) handle->cancel();
-    }
-    while (ends.size() < 50) device.mainQueue->runOne();
-    EXPECT_EQ(std::count(ends.begin(), ends.end(), "-"), 25);
 }
 
 }  // namespace
