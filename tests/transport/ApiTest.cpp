@@ -77,18 +77,6 @@ TEST_F(Api, MethodsPrintTheirOwnLines) {
               "Current PCI token: pci-token|inside doRequest<T: ...>");
 }
 
-TEST_F(Api, RepeatsWithoutLimitForAsLongAsTheServiceAnswers401) {
-    int calls = 0;
-    device.urlSession->answerWith([&](const UrlRequest& request) -> std::optional<UrlReply> {
-        if (request.url.ends_with("/token")) return token("bearer");
-        return ++calls <= 300 ? answer(401, {}) : result("Success");
-    });
-    pinSet();
-    settle();
-    EXPECT_EQ(calls, 301);
-    EXPECT_EQ(response, encipher("Success"));
-}
-
 TEST_F(Api, AFailedRenewalIsTheFailureOfTheCall) {
     const std::pair<UrlReply, std::string> cases[] = {
         {refusal(500, "Failure: x"), "500 error|Failure: x"},
