@@ -61,7 +61,8 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
 
     void answered(UrlReply reply) {
         if (!completion_) return;
-        // Released last: that waits for the end of the session's reply, which has only just woken this thread.
+        // Released last: that waits for the end of the session's reply, which has only just woken this
+        // thread.
         const auto task = std::move(task_);
         const Callbacks callbacks = end();
         if (!reply.answered()) {
