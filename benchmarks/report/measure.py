@@ -92,7 +92,8 @@ class Measurements:
         probe = next(self.build.glob("benchmarks/libkorvane_bench_start_probe.so"))
         env = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_QUICK_BACKEND="software", LD_PRELOAD=str(probe))
         # Its own card service stands in another process, as a bank's does.
-        service = subprocess.Popen([str(self.bin / "korvane-sandbox"), "--http"], stdout=subprocess.PIPE, text=True)
+        service = subprocess.Popen([str(self.bin / "korvane-sandbox"), "--http"], stdout=subprocess.PIPE,
+                                   stderr=subprocess.DEVNULL, text=True)
         try:
             ready = json.loads(service.stdout.readline())
             demo = [self.bin / "korvane-demo", "--service", ready["url"], "--key", ready["key"]]
