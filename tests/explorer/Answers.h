@@ -20,7 +20,7 @@ struct Answer {
     /// The service's answer; the host's replies, none when it lets go of the reply function; the reader's
     /// match.
     std::variant<UrlReply, std::vector<IvTexts>, bool> content;
-    std::string fault = {};  ///< as a rule of the sandbox, without its endpoint; "" for plain success
+    std::string fault = {};  ///< as a rule of the sandbox, without its endpoint; "" when it has none
     bool basic = false;      ///< also given in the short form
     bool success = false;    ///< all that was asked for
 };

@@ -110,8 +110,13 @@ void Explorer::findTraps(const std::vector<State>& all, const Start& start) {
 }
 
 const char* tokenName(Start::Token token) {
-    const char* const names[] = {
-        "none", "held", "stored", "half stored", "unreadable", "time unreadable", "stored, no reader"};
+    const char* const names[] = {"none",
+                                 "held: go through the SMS step, then set the rules",
+                                 "stored",
+                                 "half stored",
+                                 "unreadable",
+                                 "time unreadable",
+                                 "stored, no reader"};
     return names[static_cast<int>(token)];
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 
+#include "flows/ResultPage.h"
 #include "flows/ViewNames.h"
 #include "flows/ViewTables.h"
 
@@ -114,6 +115,8 @@ std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const Wor
 
     const ScreenSnapshot now = world.screen();
     if (const std::string secret = world.shownSecret(); !secret.empty()) return "shows " + secret;
+    if (world.holdsPin() && ResultPage::find(now.view) && now.view != view::UhOhTryAgainWithErrorMsgView)
+        return "still holds the PIN on " + now.view;
     std::string complaint;
     const bool bareHost = rowsOf(now.stack, complaint).contains({now.view, ""});
     if (!complaint.empty()) return complaint;

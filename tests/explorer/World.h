@@ -58,6 +58,7 @@ class World : private ScriptedService {
     /// A secret in what the screen holds, but for those that a person asked to see; "" when there is none.
     std::string shownSecret() const;
     bool isAwaiting() const { return !waiting_.empty(); }
+    bool holdsPin() const { return !config.pendingPin.empty(); }
     /// Something waits for a host that let go of the reply function, which is as good as never replying.
     bool hostLetGo() const;
     /// Something was done in the card viewer: closing it is a success.
