@@ -198,7 +198,7 @@ class Documents(unittest.TestCase):
             taken.bind(("localhost", 0))
             port = str(taken.getsockname()[1])
             taken.close()
-            done = subprocess.run(["bash", "-c", script.replace("8443", port)], cwd=folder, text=True, timeout=100,
+            done = subprocess.run(["bash", "-c", script.replace("8443", port)], cwd=folder, text=True, timeout=200,
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL,
                                   env={**os.environ, "PATH": f"{BUILD}/bin:{os.environ['PATH']}"})
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
