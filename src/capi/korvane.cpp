@@ -108,13 +108,15 @@ korvane_status korvane_set_up(const korvane_host* host) {
                        (host->loop == KORVANE_LOOP_GLIB || host->loop == KORVANE_LOOP_MANUAL);
     if (!known || component()) return KORVANE_BAD_ARGUMENT;
     component().emplace();
-    return guarded([&] {
+    const korvane_status status = guarded([&] {
         if (host->loop == KORVANE_LOOP_MANUAL) component()->loop.reset(g_main_context_new());
         korvane::HostPorts device(*host, component()->loop.get());
         component()->prompt = device.prompt;
         korvane::installPorts(std::move(device.ports));
         return KORVANE_OK;
     });
+    if (status != KORVANE_OK) component().reset();
+    return status;
 }
 
 korvane_status korvane_tear_down(void) {
