@@ -110,7 +110,7 @@ std::set<TableRow> rowsOf(const std::vector<std::string>& stack, std::string& co
 
 std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const World& world) {
     if (!world.trouble().empty()) return world.trouble();
-    if (const std::string wrong = wrongClose(before, step, world); !wrong.empty()) return wrong;
+    if (std::string wrong = wrongClose(before, step, world); !wrong.empty()) return wrong;
     if (world.isClosed()) return {};
 
     const ScreenSnapshot now = world.screen();

@@ -93,7 +93,9 @@ bool explain(const char* what, const Missed& missed, std::size_t all, const Unre
     std::printf("%ss: %zu of %zu reached\n", what, all - missed.size(), all);
     bool allKnown = true;
     std::set<const Unreached*> used;
-    for (const auto& [who, view] : missed) {
+    for (const auto& row : missed) {
+        const std::string& who = row.first;
+        const std::string& view = row.second;
         const auto entry = std::find_if(std::begin(known), std::end(known), [&](const Unreached& each) {
             return (each.who.empty() || each.who == who) && (each.view.empty() || each.view == view);
         });
@@ -178,9 +180,9 @@ int run(bool full) {
         const std::size_t states = explorer.states, transitions = explorer.transitions;
         const double begin = seconds();
         for (const Start& start : leg.starts) explorer.explore(start, leg.scope);
-        std::printf("%-22s %3zu starts, %7zu states, %8zu transitions, %6.1f s\n", leg.name,
-                    leg.starts.size(), explorer.states - states, explorer.transitions - transitions,
-                    seconds() - begin);
+        std::printf("%-22s %3zu starts, %7zu states, %8zu transitions, %6.1f s, %zu violations so far\n",
+                    leg.name, leg.starts.size(), explorer.states - states, explorer.transitions - transitions,
+                    seconds() - begin, explorer.violations.size());
         std::fflush(stdout);
     }
     std::printf("%zu states, %zu transitions, longest path %zu steps, %.1f s, %zu violations\n",
