@@ -54,7 +54,19 @@ TEST_F(SetPinJourney, ExpiredTokenAtSubmissionResubmitsAfterTheSmsStepAndNotOnTh
     EXPECT_EQ(stack(), (Views{"SetPIN", "EnterCardPINView", "ConfirmCardPINView", "SuccessPinSetView"}));
 }
 
-TEST_F(SetPinJourney, AStaleIvThatTheHostDoesNotRenewEndsOnTheErrorPage) {
+TEST_F(SetPinJourney, AFailedSubmissionEndsOnTheErrorPageAndAStaleIvIsRenewedWhereTheHostHasOne) {
+    const std::pair<UrlReply, std::string> cases[] = {
+        {result("Failure: No such card"), "UhOhTryAgainView"},
+        {{0, "", "reset"}, "UhOhTryAgainView"},
+        {refusal(500, "Failure: Invalid offsetId"), "SuccessPinSetView"},
+        {result("failure: IV IS EXPIRED"), "SuccessPinSetView"},
+    };
+    for (const auto& [reply, view] : cases) {
+        show();
+        next("pinSet", reply);
+        EXPECT_EQ(enterAndConfirm("2580"), view) << reply.status << reply.body;
+        EXPECT_EQ(config.pendingPin, "");
+    }
     show();
     hostSuppliesIvs = false;
     next("pinSet", refusal(500, "Failure: Invalid offsetId"));
