@@ -89,7 +89,7 @@ class Measurements:
 
     def start(self):
         """The demo's start, and a bare window's"""
-        probe = next(self.build.glob("benchmarks/libkorvane_bench_start_probe.so"))
+        probe = self.build / "lib/libkorvane_bench_start_probe.so"
         env = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_QUICK_BACKEND="software", LD_PRELOAD=str(probe))
         # Its own card service stands in another process, as a bank's does.
         service = subprocess.Popen([str(self.bin / "korvane-sandbox"), "--http"], stdout=subprocess.PIPE,
@@ -116,8 +116,8 @@ class Measurements:
 
     def library(self):
         """Core's shared library"""
-        core = next(self.build.glob("**/libkorvane-core.so")).resolve()
-        empty = next(self.build.glob("benchmarks/libkorvane_bench_empty.so"))
+        core = (self.build / "lib/libkorvane-core.so").resolve()
+        empty = self.build / "lib/libkorvane_bench_empty.so"
         stripped = self.build / "libkorvane-core.stripped.so"
         run(["strip", "-o", stripped, core])
         self.add("library/core", bytes=stripped.stat().st_size, functions=functions_at_load(core))
