@@ -27,9 +27,20 @@ class DemoHost : public QObject {
         : service_(service), biometrics_(biometrics), initialize_(std::move(initialize)) {
         cards_.setItemRoleNames(
             {{Qt::DisplayRole, "name"}, {Qt::UserRole + 1, "cardId"}, {Qt::UserRole + 2, "status"}});
-        reload();
     }
     QAbstractItemModel* cards() { return &cards_; }
+    /// Asks for the cards anew.
+    void reload() {
+        service_.cards([this](const std::vector<korvane::HostCard>& cards) {
+            cards_.setRowCount(static_cast<int>(cards.size()));
+            for (int row = 0; const auto& card : cards) {
+                auto* const item = new QStandardItem(QString::fromStdString(card.name));
+                item->setData(QString::fromStdString(card.id), Qt::UserRole + 1);
+                item->setData(QString::fromStdString(card.status), Qt::UserRole + 2);
+                cards_.setItem(row++, item);
+            }
+        });
+    }
     void setBiometrics(bool biometrics) {
         initialize_(biometrics_ = biometrics);
         emit changed();
@@ -64,18 +75,6 @@ class DemoHost : public QObject {
         journey_ = journey, result_ = result, sms_ = sms;
         emit changed();
     }
-    void reload() {
-        service_.cards([this](const std::vector<korvane::HostCard>& cards) {
-            cards_.setRowCount(static_cast<int>(cards.size()));
-            for (int row = 0; const auto& card : cards) {
-                auto* const item = new QStandardItem(QString::fromStdString(card.name));
-                item->setData(QString::fromStdString(card.id), Qt::UserRole + 1);
-                item->setData(QString::fromStdString(card.status), Qt::UserRole + 2);
-                cards_.setItem(row++, item);
-            }
-        });
-    }
-
     korvane::HostService& service_;
     bool biometrics_;
     std::function<void(bool)> initialize_;

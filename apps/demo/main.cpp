@@ -96,6 +96,9 @@ int main(int argc, char** argv) {
     engine.load(QUrl("qrc:/qt-project.org/imports/KorvaneDemo/Main.qml"));
     auto* const window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     window->resize(width, height);
+    // Not before there is something to see: the first request starts a thread and libcurl.
+    QObject::connect(
+        window, &QQuickWindow::frameSwapped, &host, [&host] { host.reload(); }, Qt::SingleShotConnection);
     window->show();
     if (options.isSet("finger-tour")) return playFingerTour(*window, options.value("finger-tour"));
     if (!options.isSet("tour")) return app.exec();
