@@ -34,10 +34,6 @@ int showJourney(const QString& kind, const std::string& card) {
     return QCoreApplication::exec();
 }
 
-}  // namespace
-
-namespace {
-
 /// How the host pictures its wearable. From a file: a picture drawn and compressed here took 30 ms of the
 /// start, longer than the window itself.
 korvane::ImageData watchPicture() {

@@ -7,11 +7,12 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace korvane {
 
 /// Name of the notification that ends a journey: "NotificationCloseUI".
-KORVANE_API extern const std::string NotificationCloseUI;
+inline constexpr std::string_view NotificationCloseUI = "NotificationCloseUI";
 
 /// What a notification carries. `NotificationCloseUI` has one entry: "result", which is "SUCCESS", "CANCELED"
 /// or "FAILURE".
@@ -29,13 +30,13 @@ class KORVANE_API NotificationCenter {
 
     /// Calls `observer` at each post of `name`, on the main thread, until the returned handle is released.
     /// Observers may add and release observations, their own included, while they are called.
-    [[nodiscard]] std::shared_ptr<Observation> observe(std::string name, Observer observer);
+    [[nodiscard]] std::shared_ptr<Observation> observe(std::string_view name, Observer observer);
 
     /// Calls the observers that are there now, in the order in which they came.
-    void post(const std::string& name, const NotificationUserInfo& userInfo);
+    void post(std::string_view name, const NotificationUserInfo& userInfo);
 
   private:
-    std::multimap<std::string, std::weak_ptr<Observation>> observations_;
+    std::multimap<std::string, std::weak_ptr<Observation>, std::less<>> observations_;
 };
 
 }  // namespace korvane

@@ -8,6 +8,7 @@
 
 #if defined(__x86_64__)
 #include <immintrin.h>
+#include <sys/platform/x86.h>
 #elif defined(__aarch64__)
 #include <arm_neon.h>
 #endif
@@ -272,12 +273,13 @@ KORVANE_AVX512 std::size_t asciiAvx512(const char* text, std::size_t size) {
 
 #undef KORVANE_AVX512
 
+/// What the processor has and the system saves: asked of the C library, which knows it already. The
+/// compiler's own look-up would run when the library is loaded.
 std::vector<TextKernels> runnable() {
     std::vector<TextKernels> forms{portable};
-    if (__builtin_cpu_supports("avx2"))
+    if (CPU_FEATURE_ACTIVE(AVX2))
         forms.push_back({"AVX2", decodeBase64Avx2, encodeBase64Portable, plainJsonAvx2, asciiAvx2});
-    if (__builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi") &&
-        __builtin_cpu_supports("bmi2"))
+    if (CPU_FEATURE_ACTIVE(AVX512BW) && CPU_FEATURE_ACTIVE(AVX512_VBMI) && CPU_FEATURE_ACTIVE(BMI2))
         forms.push_back({"AVX-512", decodeBase64Avx512, encodeBase64Avx512, plainJsonAvx512, asciiAvx512});
     return forms;
 }

@@ -6,8 +6,6 @@
 
 namespace korvane {
 
-const std::string NotificationCloseUI = "NotificationCloseUI";
-
 class NotificationCenter::Observation {
   public:
     explicit Observation(Observer observer) : observer_(std::move(observer)) {}
@@ -22,15 +20,15 @@ NotificationCenter& NotificationCenter::defaultCenter() {
     return *center;
 }
 
-std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string name,
+std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string_view name,
                                                                              Observer observer) {
     std::erase_if(observations_, [](const auto& entry) { return entry.second.expired(); });
     auto observation = std::make_shared<Observation>(std::move(observer));
-    observations_.emplace(std::move(name), observation);
+    observations_.emplace(name, observation);
     return observation;
 }
 
-void NotificationCenter::post(const std::string& name, const NotificationUserInfo& userInfo) {
+void NotificationCenter::post(std::string_view name, const NotificationUserInfo& userInfo) {
     // Weak copies first: an observer that is called may release another one, or add some.
     std::vector<std::weak_ptr<Observation>> present;
     for (auto [entry, end] = observations_.equal_range(name); entry != end; ++entry)
