@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <dlfcn.h>
+#include <korvane/contracts/UrlSessionContract.h>
 #include <netdb.h>
 
 #include "tests/platform/CurlTestSupport.h"
 #include "tests/platform/TestServer.h"
-#include "tests/platform/UrlSessionContract.h"
 
 using namespace std::chrono_literals;
 
@@ -18,8 +18,25 @@ extern "C" __attribute__((visibility("default"))) int getaddrinfo(const char* no
     return real(name == "other.test" ? "127.0.0.1" : node, service, hints, result);
 }
 
+/// The same, for libcurl: what stands in its place on the device.
+static const char* libcurl = "libcurl.so.4";
+extern "C" __attribute__((visibility("default"))) void* dlopen(const char* file, int mode) noexcept {
+    static const auto real = reinterpret_cast<decltype(&dlopen)>(dlsym(RTLD_NEXT, "dlopen"));
+    return real(file && file == std::string_view("libcurl.so.4") ? libcurl : file, mode);
+}
+
 namespace korvane::testing {
 namespace {
+
+struct NoCurl : ::testing::TestWithParam<std::pair<const char*, const char*>> {};
+INSTANTIATE_TEST_SUITE_P(CurlUrlSession, NoCurl,
+                         ::testing::Values(std::pair{"libabsent.so.4", "cannot be loaded: libabsent.so.4"},
+                                           std::pair{"libc.so.6", "libcurl has no curl_easy_cleanup"}));
+TEST_P(NoCurl, FailsEachRequestAndTellsWhy) {
+    libcurl = GetParam().first;
+    CurlUrlSession session;
+    for (int i = 0; i < 2; ++i) expectFailure(post(session, "https://bank.test/"), GetParam().second);
+}
 
 void serveContract(Connection& connection, const httplib::Request& request, httplib::Response& response) {
     if (request.path == "/failure") connection.drop();

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <korvane/contracts/BiometricContextContract.h>
+#include <korvane/contracts/MainQueueContract.h>
+#include <korvane/contracts/SecureItemStoreContract.h>
+#include <korvane/contracts/TimersContract.h>
+#include <korvane/contracts/UrlSessionContract.h>
+
 #include "platform/fakes/FakePorts.h"
-#include "tests/platform/BiometricContextContract.h"
-#include "tests/platform/MainQueueContract.h"
-#include "tests/platform/SecureItemStoreContract.h"
-#include "tests/platform/TimersContract.h"
-#include "tests/platform/UrlSessionContract.h"
 
 namespace korvane::testing {
 namespace {

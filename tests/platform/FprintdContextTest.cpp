@@ -2,13 +2,13 @@
 #include "platform/linux/FprintdContext.h"
 
 #include <gmock/gmock.h>
+#include <korvane/contracts/BiometricContextContract.h>
 
 #include <chrono>
 #include <thread>
 
 #include "platform/fakes/FakeBiometricPrompt.h"
 #include "platform/linux/GLibMainQueue.h"
-#include "tests/platform/BiometricContextContract.h"
 #include "tests/platform/support/Devices.h"
 
 namespace korvane::testing {

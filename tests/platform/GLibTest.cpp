@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <korvane/contracts/MainQueueContract.h>
+#include <korvane/contracts/TimersContract.h>
+
 #include "platform/linux/GLibMainQueue.h"
 #include "platform/linux/GLibPtr.h"
 #include "platform/linux/GLibTimers.h"
-#include "tests/platform/MainQueueContract.h"
-#include "tests/platform/TimersContract.h"
 
 namespace korvane::testing {
 namespace {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <korvane/contracts/MainQueueContract.h>
+#include <korvane/contracts/TimersContract.h>
 #include <QBuffer>
 #include <QClipboard>
 #include <QEventLoop>
@@ -16,8 +18,6 @@
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtStringTable.h"
 #include "platform/qt/QtTimers.h"
-#include "tests/platform/MainQueueContract.h"
-#include "tests/platform/TimersContract.h"
 
 namespace korvane::testing {
 namespace {

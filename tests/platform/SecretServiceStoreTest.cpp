@@ -2,11 +2,11 @@
 #include "platform/linux/SecretServiceStore.h"
 
 #include <gmock/gmock.h>
+#include <korvane/contracts/SecureItemStoreContract.h>
 
 #include <chrono>
 
 #include "platform/linux/SecretServiceClient.h"
-#include "tests/platform/SecureItemStoreContract.h"
 #include "tests/platform/support/Devices.h"
 
 namespace korvane::testing {

@@ -139,6 +139,11 @@ class Hosts(unittest.TestCase):
             process.terminate()
             self.assertNotIn("qrc:", process.stderr.read())  # nothing of the QML was amiss
 
+    def test_a_port_of_ones_own_against_its_contract(self):
+        for static in "OFF", "ON":
+            self.assertRegex(run(self.built("own-port", "-DKorvane_USE_STATIC_LIBS=" + static).parent / "my_queue_test"),
+                             r"\[  PASSED  \] [5-9] tests")
+
     def test_a_program_in_c(self):
         program = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "c-host"
         flags = run("pkg-config", "--cflags", "--libs", "korvane", "libcurl",

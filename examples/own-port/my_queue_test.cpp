@@ -4,7 +4,7 @@
 #include <deque>
 #include <mutex>
 
-#include "tests/platform/MainQueueContract.h"
+#include <korvane/contracts/MainQueueContract.h>
 
 // [port]
 /// A main queue for an app that has no event loop yet: `step` is its loop.

@@ -4,19 +4,35 @@
 #include <gtest/gtest.h>
 #include <korvane/platform/SecureItemStore.h>
 
+#include <concepts>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <string>
 
 namespace korvane::testing {
 
-/// What every secure item store keeps to. A driver has `std::shared_ptr<SecureItemStore> store`, which starts
-/// empty.
+/// What the suite has to be given: `store`, a pointer of any kind to a store that holds no item. Every case
+/// makes a driver of its own; one that uses a real keychain takes the items of the case before away.
+template <class Driver>
+concept SecureItemStoreDriver = std::default_initializable<Driver> && requires(Driver driver) {
+    { *driver.store } -> std::convertible_to<SecureItemStore&>;
+};
+
+/// What every secure item store keeps to. Instantiate it within `korvane::testing`:
+/// `INSTANTIATE_TYPED_TEST_SUITE_P(Mine, SecureItemStoreContract, MyDriver);`
+/// What a store answers that is absent, locked or hanging is for the port's own tests.
+/// @tparam Driver  a `SecureItemStoreDriver`
 template <class Driver>
 class SecureItemStoreContract : public ::testing::Test {
+    static_assert(SecureItemStoreDriver<Driver>);
+
   protected:
+    /// Made anew for each case.
     Driver driver;
 };
+
+/// @cond cases: their names say what a port must do
 TYPED_TEST_SUITE_P(SecureItemStoreContract);
 
 TYPED_TEST_P(SecureItemStoreContract, AnItemIsAddedOnceUpdatedReadAndRemoved) {
@@ -59,5 +75,6 @@ TYPED_TEST_P(SecureItemStoreContract, AValueIsAnyBytesNoneIncluded) {
 
 REGISTER_TYPED_TEST_SUITE_P(SecureItemStoreContract, AnItemIsAddedOnceUpdatedReadAndRemoved,
                             AValueIsAnyBytesNoneIncluded);
+/// @endcond
 
 }  // namespace korvane::testing

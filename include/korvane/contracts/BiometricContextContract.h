@@ -5,18 +5,46 @@
 #include <korvane/platform/BiometricContext.h>
 
 #include <atomic>
+#include <concepts>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace korvane::testing {
 
 /// What befalls a check that is under way.
-enum class Happening { match, noMatch, retryThenMatch, cancel, lostReader };
+enum class Happening {
+    match,           ///< the owner's finger, or face
+    noMatch,         ///< another's, until the reader gives up
+    retryThenMatch,  ///< one that could not be read, then the owner's
+    cancel,          ///< the person declines
+    lostReader,      ///< the reader goes away, and stays away
+};
 
-/// What every biometric check keeps to. A driver has `std::shared_ptr<BiometricContext> context`, which can
-/// evaluate, `has(happening)`, which befalls the oldest check, `forgetFingers()`, `runUntil(condition)` and
-/// `settle()`, which gives a stray reply its chance.
+/// What the suite has to be given: the check, and a reader that does what it is told. Every case makes a
+/// driver of its own, on the main thread.
+/// - `context`, a pointer of any kind. At first there is a reader, and a finger is enrolled.
+/// - `has(happening)` lets this befall the oldest check that is still open, once the reader waits for it.
+/// - `forgetFingers()` takes the enrolled fingers away.
+/// - `runUntil(condition)` turns the main loop until the condition holds, for 20 s at most.
+/// - `settle()` gives a reply that should not come its chance: it turns the loop until the reader is at rest.
+template <class Driver>
+concept BiometricContextDriver = std::default_initializable<Driver> &&
+    requires(Driver driver, bool (*condition)()) {
+    { *driver.context } -> std::convertible_to<BiometricContext&>;
+    driver.has(Happening::match);
+    driver.forgetFingers();
+    driver.runUntil(condition);
+    driver.settle();
+};
+
+/// What every biometric check keeps to. Instantiate it within `korvane::testing`:
+/// `INSTANTIATE_TYPED_TEST_SUITE_P(Mine, BiometricContextContract, MyDriver);`
+/// @tparam Driver  a `BiometricContextDriver`
 template <class Driver>
 class BiometricContextContract : public ::testing::Test {
+    static_assert(BiometricContextDriver<Driver>);
+
   protected:
     /// What a check answers.
     bool answer(const std::function<void()>& meanwhile) {
@@ -33,13 +61,17 @@ class BiometricContextContract : public ::testing::Test {
         EXPECT_EQ(replies, 1);
         return matched;
     }
+    /// Waits until there is no check to be had, and tries one all the same.
     void expectUnavailable() {
         driver.runUntil([this] { return !driver.context->canEvaluate(); });
         EXPECT_FALSE(answer([] {}));
     }
 
+    /// Made anew for each case.
     Driver driver;
 };
+
+/// @cond cases: their names say what a port must do
 TYPED_TEST_SUITE_P(BiometricContextContract);
 
 TYPED_TEST_P(BiometricContextContract, RepliesTrueOnAMatchAlone) {
@@ -91,5 +123,6 @@ TYPED_TEST_P(BiometricContextContract, ACheckMayBeReleasedInItsOwnReply) {
 
 REGISTER_TYPED_TEST_SUITE_P(BiometricContextContract, RepliesTrueOnAMatchAlone, WithoutAFingerThereIsNoCheck,
                             AReleasedCheckNeverReplies, ACheckMayBeReleasedInItsOwnReply);
+/// @endcond
 
 }  // namespace korvane::testing

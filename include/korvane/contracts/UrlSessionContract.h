@@ -5,28 +5,57 @@
 #include <korvane/platform/UrlSession.h>
 
 #include <atomic>
+#include <chrono>
+#include <concepts>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace korvane::testing {
 
-/// What every URL session keeps to. A driver has `std::shared_ptr<UrlSession> session`, `url(path)`,
-/// `runUntil(condition)`, which waits for up to 20 s, and `settle()`, which gives a stray reply its chance.
-/// Its service answers "/answer" with 202 and "hello ", then the request's body, fails "/failure", and never
-/// answers "/stall".
+/// What the suite has to be given: the session, and a service for it to talk to. Every case makes a driver of
+/// its own, on the main thread.
+/// - `session`, a `std::shared_ptr` which alone owns the session: a reply destroys it, on its own thread.
+/// - `url(path)`, the URL of that path at the service. To a POST of "body", "/answer" answers with status 202
+///   and "hello body"; "/failure" gives no answer (the connection is closed, say); "/stall" never answers.
+/// - `runUntil(condition)` waits until the condition holds, for 20 s at most. Where replies come from
+///   the main loop, it turns the loop; else it may as well sleep and look again.
+/// - `settle()` gives a reply that should not come its chance: it turns the loop, or sleeps a moment.
+template <class Driver>
+concept UrlSessionDriver = std::default_initializable<Driver> &&
+    requires(Driver driver, bool (*condition)()) {
+    { *driver.session } -> std::convertible_to<UrlSession&>;
+    driver.session.reset();
+    { driver.url(std::string()) } -> std::convertible_to<std::string>;
+    driver.runUntil(condition);
+    driver.settle();
+};
+
+/// What every URL session keeps to. Instantiate it within `korvane::testing`:
+/// `INSTANTIATE_TYPED_TEST_SUITE_P(Mine, UrlSessionContract, MyDriver);`
+/// What depends on the wire (certificates, redirects, time-outs, sizes) is for the port's own tests.
+/// @tparam Driver  a `UrlSessionDriver`
 template <class Driver>
 class UrlSessionContract : public ::testing::Test {
+    static_assert(UrlSessionDriver<Driver>);
+
   protected:
+    /// Sends "body" to that path of the service.
     std::unique_ptr<UrlTask> start(const std::string& path, std::function<void(UrlReply)> reply) {
         return driver.session->start({"POST", driver.url(path), {{"X-Test", "1"}}, "body"}, std::move(reply));
     }
 
+    /// Made anew for each case.
     Driver driver;
+    /// Counts the replies that ran.
     std::atomic<int> replies = 0;
 };
+
+/// @cond cases: their names say what a port must do
 TYPED_TEST_SUITE_P(UrlSessionContract);
 
 TYPED_TEST_P(UrlSessionContract, AReleasedTaskNeverReplies) {
@@ -134,5 +163,6 @@ TYPED_TEST_P(UrlSessionContract, AReplyThatDestroysTheSessionIsTheLast) {
 REGISTER_TYPED_TEST_SUITE_P(UrlSessionContract, AReleasedTaskNeverReplies, RepliesOnceAndNeverFromInsideStart,
                             ATaskMayBeReleasedInItsOwnReply, TasksMayOutliveTheSessionAndNeverReply,
                             AReplyThatDestroysTheSessionIsTheLast);
+/// @endcond
 
 }  // namespace korvane::testing

@@ -4,20 +4,41 @@
 #include <gtest/gtest.h>
 #include <korvane/platform/MainQueue.h>
 
+#include <concepts>
 #include <memory>
 #include <thread>
 #include <vector>
 
 namespace korvane::testing {
 
-/// What every main queue keeps to. A driver has `std::shared_ptr<MainQueue> queue`, `turn()`, which runs all
-/// that is ready, and `runUntil(condition)`, which waits in the loop and so returns only when the loop is
-/// woken.
+/// What the suite has to be given: the queue, and a hand on its loop. Every case makes a driver of its own,
+/// on the thread that the queue takes for the main one, and stays there.
+/// - `queue`, a `std::shared_ptr` which alone owns the queue: cases destroy it, also out of its own work.
+///   What the loop needs in order to go on after that is the driver's.
+/// - `turn()` runs all work that is ready, and what that posts meanwhile; without a queue there is none.
+/// - `runUntil(condition)` sleeps in the loop and looks at the condition when the loop was woken. It is also
+///   called out of work that the loop runs.
+template <class Driver>
+concept MainQueueDriver = std::default_initializable<Driver> && requires(Driver driver, bool (*condition)()) {
+    { *driver.queue } -> std::convertible_to<MainQueue&>;
+    driver.queue.reset();
+    driver.turn();
+    driver.runUntil(condition);
+};
+
+/// What every main queue keeps to. Instantiate it within `korvane::testing`:
+/// `INSTANTIATE_TYPED_TEST_SUITE_P(Mine, MainQueueContract, MyDriver);`
+/// @tparam Driver  a `MainQueueDriver`
 template <class Driver>
 class MainQueueContract : public ::testing::Test {
+    static_assert(MainQueueDriver<Driver>);
+
   protected:
+    /// Made anew for each case.
     Driver driver;
 };
+
+/// @cond cases: their names say what a port must do
 TYPED_TEST_SUITE_P(MainQueueContract);
 
 TYPED_TEST_P(MainQueueContract, RunsWorkInOrderAndNeverFromInsidePost) {
@@ -93,5 +114,6 @@ REGISTER_TYPED_TEST_SUITE_P(MainQueueContract, RunsWorkInOrderAndNeverFromInside
                             TakesWorkFromManyThreadsAndWakesTheLoop,
                             DropsQueuedWorkUnrunOnTheThreadThatDestroysIt, MayBeDestroyedByItsOwnWork,
                             GoesOnInANestedLoop);
+/// @endcond
 
 }  // namespace korvane::testing
