@@ -61,7 +61,7 @@ sbom_package(zlib zlib ${SBOM_zlib_VERSION} Zlib "The zlib project" https://zlib
 
 sbom_part(core libkorvane-core openssl rapidjson)
 sbom_part(linux libkorvane-linux openssl curl glib libsecret)
-sbom_part(fakes libkorvane-fakes)
+sbom_part(fakes libkorvane-fakes openssl rapidjson)
 sbom_part(c libkorvane openssl rapidjson curl glib libsecret)
 sbom_part(sandbox korvane-sandbox openssl rapidjson httplib sqlite zlib)
 sbom_part(journey korvane-journey curl glib)

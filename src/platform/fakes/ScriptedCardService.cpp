@@ -1,19 +1,56 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/ScriptedService.h"
+#include "platform/fakes/ScriptedCardService.h"
 
 #include <korvane/Initialize.h>
-
-#include <rapidjson/document.h>
+#include <openssl/evp.h>
 
 #include <algorithm>
+#include <memory>
 
-#include "base/Base64.h"
-#include "transport/AesCbc.h"
+#include <rapidjson/document.h>
 
 namespace korvane {
 namespace {
 
-const std::vector<std::uint8_t> key(32, 7);
+using Bytes = std::vector<std::uint8_t>;
+
+// The service goes by the crypto library alone: what the component enciphers is read by something else than
+// the component.
+
+std::string base64(const Bytes& bytes) {
+    std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');
+    text.resize(static_cast<std::size_t>(EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
+                                                         bytes.data(), static_cast<int>(bytes.size()))));
+    return text;
+}
+
+std::optional<Bytes> fromBase64(const std::string& text) {
+    Bytes bytes(text.size() / 4 * 3 + 1);
+    const int size = EVP_DecodeBlock(bytes.data(), reinterpret_cast<const unsigned char*>(text.data()),
+                                     static_cast<int>(text.size()));
+    const auto padding =
+        std::count(text.end() - std::min<std::ptrdiff_t>(2, std::ssize(text)), text.end(), '=');
+    if (size < padding) return std::nullopt;
+    bytes.resize(static_cast<std::size_t>(size - padding));
+    return bytes;
+}
+
+enum class Direction { decrypt, encrypt };
+
+std::optional<Bytes> aesCbc(Direction direction, const Bytes& key, const Bytes& iv, const Bytes& input) {
+    const std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> context(EVP_CIPHER_CTX_new(),
+                                                                                  EVP_CIPHER_CTX_free);
+    Bytes output(input.size() + 16);
+    int size = 0, last = 0;
+    if (EVP_CipherInit_ex2(context.get(), EVP_aes_256_cbc(), key.data(), iv.data(),
+                           static_cast<int>(direction), nullptr) != 1 ||
+        EVP_CipherUpdate(context.get(), output.data(), &size, input.data(), static_cast<int>(input.size())) !=
+            1 ||
+        EVP_CipherFinal_ex(context.get(), output.data() + size, &last) != 1)
+        return std::nullopt;
+    output.resize(static_cast<std::size_t>(size) + static_cast<std::size_t>(last));
+    return output;
+}
 
 std::string endpointOf(const UrlRequest& request) {
     return request.url.substr(request.url.rfind('/') + 1);
@@ -21,8 +58,12 @@ std::string endpointOf(const UrlRequest& request) {
 
 }  // namespace
 
-ScriptedService::ScriptedService()
-    : cardDetails{
+ScriptedCardService::ScriptedCardService()
+    : key(32, 7),
+      keyText(base64(key)),
+      iv{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15},
+      ivText(base64(iv)),
+      cardDetails{
           {"encryptedCardImage", "iVBORw0KGgoAAAAA"},  // a PNG's signature and a little more
           {"encryptedCardDisclosures",
            R"({"CardDisclosures":[{"Language":"Spanish","CardDisclosure":"hola"},)"
@@ -39,7 +80,7 @@ ScriptedService::ScriptedService()
         const std::string endpoint = endpointOf(request);
         auto& waiting = scripted_[endpoint];
         if (waiting.empty()) return success(endpoint);
-        const auto reply = waiting.front();
+        auto reply = std::move(waiting.front());
         waiting.pop_front();
         return reply;
     });
@@ -47,14 +88,14 @@ ScriptedService::ScriptedService()
         if (!hostSuppliesIvs) return reply(std::nullopt, std::nullopt);
         reply("iv-" + std::to_string(++ivsSupplied), ivText);
     };
-    initialize(base64Encode(key), "https://cards.example", ivCallback, false, {}, {});
+    initialize(keyText, "https://cards.example", ivCallback, false, {}, {});
 }
 
-std::string ScriptedService::encipher(const std::string& text) const {
-    return base64Encode(*aesCbcEncrypt(key, iv, std::vector<std::uint8_t>{text.begin(), text.end()}));
+std::string ScriptedCardService::encipher(const std::string& text) const {
+    return base64(aesCbc(Direction::encrypt, key, iv, {text.begin(), text.end()}).value());
 }
 
-UrlReply ScriptedService::answer(int status, const Fields& fields) const {
+UrlReply ScriptedCardService::answer(int status, const Fields& fields) const {
     std::string body = "{";
     for (const auto& [name, value] : fields) {
         body += (body.size() > 1 ? ",\"" : "\"") + name + "\":\"" + encipher(value) + "\"";
@@ -62,7 +103,7 @@ UrlReply ScriptedService::answer(int status, const Fields& fields) const {
     return {status, body + "}", ""};
 }
 
-UrlReply ScriptedService::success(const std::string& endpoint) const {
+UrlReply ScriptedCardService::success(const std::string& endpoint) const {
     Fields fields{{"encryptedResult", "Success"}};
     if (endpoint == "token") fields.emplace_back("encryptedAccessToken", "bearer");
     if (endpoint == "pciTokenRequest") fields.emplace_back("encryptedPciSmsToken", "sms-token");
@@ -75,58 +116,54 @@ UrlReply ScriptedService::success(const std::string& endpoint) const {
     return ok(fields);
 }
 
-void ScriptedService::willAnswer(std::vector<UrlReply> replies) {
+void ScriptedCardService::willAnswer(std::vector<UrlReply> replies) {
     device.urlSession->answerWith([left = std::move(replies), next = std::size_t{0}](
                                       const UrlRequest&) mutable -> std::optional<UrlReply> {
         return next < left.size() ? std::optional{left[next++]} : std::nullopt;
     });
 }
 
-int ScriptedService::calls(const std::string& endpoint) const {
+int ScriptedCardService::calls(const std::string& endpoint) const {
     const auto& requests = device.urlSession->requests();
     return static_cast<int>(std::count_if(requests.begin(), requests.end(), [&](const UrlRequest& each) {
         return endpointOf(each) == endpoint;
     }));
 }
 
-Fields ScriptedService::plainFields(const UrlRequest& request) const {
+ScriptedCardService::Fields ScriptedCardService::plainFields(const UrlRequest& request) const {
     rapidjson::Document body;
     body.Parse(request.body.c_str());
     Fields fields;
-    for (const auto& member : body.GetObject()) {
+    if (!body.IsObject()) return fields;
+    for (const auto& member : std::as_const(body).GetObject()) {
+        if (!member.value.IsString()) continue;
         auto& [name, value] = fields.emplace_back(member.name.GetString(), member.value.GetString());
         if (!name.starts_with("encrypted")) continue;
-        const auto plain = aesCbcDecrypt(key, iv, base64Decode(value).value());
+        const auto cipher = fromBase64(value);
+        const auto plain = cipher ? aesCbc(Direction::decrypt, key, iv, *cipher) : std::nullopt;
         value = plain ? std::string{plain->begin(), plain->end()} : "(not deciphered)";
     }
     return fields;
 }
 
-std::string ScriptedService::sent(const std::string& endpoint, const std::string& name) const {
+std::string ScriptedCardService::sent(const std::string& endpoint, const std::string& name) const {
     const auto& requests = device.urlSession->requests();
     for (auto request = requests.rbegin(); request != requests.rend(); ++request) {
         if (endpointOf(*request) != endpoint) continue;
-        for (const auto& [key, value] : plainFields(*request)) {
-            if (key == name) return value;
+        for (const auto& [each, value] : plainFields(*request)) {
+            if (each == name) return value;
         }
         return "absent";
     }
     return "not sent";
 }
 
-std::string ScriptedService::sent(std::size_t index) const {
+std::string ScriptedCardService::sent(std::size_t index) const {
     const UrlRequest& request = device.urlSession->requests().at(index);
     std::string text = endpointOf(request);
     for (const auto& [name, value] : plainFields(request)) {
         text += " " + name.substr(name.starts_with("encrypted") ? 9 : 0) + "=" + value;
     }
-    return text;
-}
-
-std::string ScriptedService::printed() {
-    std::string text;
-    for (const std::string& line : device.console->lines()) text += (text.empty() ? "" : "|") + line;
-    device.console->clear();
     return text;
 }
 
