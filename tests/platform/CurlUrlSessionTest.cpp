@@ -28,12 +28,12 @@ extern "C" __attribute__((visibility("default"))) void* dlopen(const char* file,
 namespace korvane::testing {
 namespace {
 
-struct NoCurl : ::testing::TestWithParam<std::pair<const char*, const char*>> {};
+struct NoCurl : ::testing::TestWithParam<std::pair<std::string, std::string>> {};
 INSTANTIATE_TEST_SUITE_P(CurlUrlSession, NoCurl,
                          ::testing::Values(std::pair{"libabsent.so.4", "cannot be loaded: libabsent.so.4"},
                                            std::pair{"libc.so.6", "libcurl has no curl_easy_cleanup"}));
 TEST_P(NoCurl, FailsEachRequestAndTellsWhy) {
-    libcurl = GetParam().first;
+    libcurl = GetParam().first.c_str();
     CurlUrlSession session;
     for (int i = 0; i < 2; ++i) expectFailure(post(session, "https://bank.test/"), GetParam().second);
 }

@@ -2,7 +2,6 @@
 #include "platform/linux/CurlTransfer.h"
 
 #include <arpa/inet.h>
-#include <openssl/ssl.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -23,7 +22,7 @@ bool hasControlCharacter(std::string_view text) {
 
 /// libcurl hands all TLS secrets to the file named by the environment variable SSLKEYLOGFILE. Not ours.
 CURLcode keepTlsSecrets(CURL*, void* context, void*) {
-    SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
+    curl().setKeylogCallback(static_cast<SSL_CTX*>(context), nullptr);
     return CURLE_OK;
 }
 
@@ -37,14 +36,15 @@ bool isLoopback(std::string host) {
 /// True when others than this machine would see the request in clear. A URL that libcurl cannot read is left
 /// for it to refuse.
 bool showsItself(const std::string& url, const std::string& proxy) {
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parts{curl_url(), &curl_url_cleanup};
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parts{curl().url(), curl().url_cleanup};
     const auto part = [&parts](CURLUPart which) {
         char* text = nullptr;
-        std::string copy = curl_url_get(parts.get(), which, &text, 0) == CURLUE_OK ? text : "";
-        curl_free(text);
+        std::string copy = curl().url_get(parts.get(), which, &text, 0) == CURLUE_OK ? text : "";
+        curl().free(text);
         return copy;
     };
-    if (!parts || curl_url_set(parts.get(), CURLUPART_URL, url.c_str(), CURLU_DEFAULT_SCHEME) != CURLUE_OK) {
+    if (!parts ||
+        curl().url_set(parts.get(), CURLUPART_URL, url.c_str(), CURLU_DEFAULT_SCHEME) != CURLUE_OK) {
         return false;
     }
     return part(CURLUPART_SCHEME) == "http" && !(proxy.empty() && isLoopback(part(CURLUPART_HOST)));
@@ -65,7 +65,7 @@ void appendWiped(std::string& text, std::string_view more) {
 }  // namespace
 
 CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& options)
-    : request_(std::move(request)) {
+    : request_(std::move(request)), easy_(curl().easy_init()) {
     if (!easy_) {
         refusal_ = "out of memory";
         return;
@@ -105,11 +105,11 @@ CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& opti
 }
 
 CurlTransfer::~CurlTransfer() {
-    curl_easy_cleanup(easy_);
+    curl().easy_cleanup(easy_);
     for (const curl_slist* header = headers_; header; header = header->next) {
         explicit_bzero(header->data, std::strlen(header->data));
     }
-    curl_slist_free_all(headers_);
+    curl().slist_free_all(headers_);
     for (auto& header : request_.headers) wipe(header.second);
     wipe(request_.body);
     wipe(reply_.body);
@@ -118,11 +118,11 @@ CurlTransfer::~CurlTransfer() {
 /// A setting that libcurl does not take refuses the request: nothing is sent with less than we ask for.
 template <class Value>
 void CurlTransfer::set(CURLoption option, Value value) {
-    const CURLcode code = curl_easy_setopt(easy_, option, value);
+    const CURLcode code = curl().easy_setopt(easy_, option, value);
     if (code != CURLE_OK && refusal_.empty()) {
-        const curl_easyoption* known = curl_easy_option_by_id(option);
+        const curl_easyoption* known = curl().easy_option_by_id(option);
         refusal_ = std::string("cannot set ") + (known ? known->name : "an option") + ": " +
-                   curl_easy_strerror(code);
+                   curl().easy_strerror(code);
     }
 }
 
@@ -135,7 +135,10 @@ void CurlTransfer::setSecurity(const CurlUrlSessionOptions& options) {
         set(CURLOPT_CAPATH,
             static_cast<const char*>(nullptr));  // the system's directory would be trusted beside it
     }
-    set(CURLOPT_SSL_CTX_FUNCTION, &keepTlsSecrets);
+    if (curl().setKeylogCallback)
+        set(CURLOPT_SSL_CTX_FUNCTION, &keepTlsSecrets);
+    else
+        refusal_ = "libcurl does not use OpenSSL";
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_DEFAULT_PROTOCOL,
         "https");                     // libcurl would guess from the host's name, and plain HTTP at last
@@ -145,7 +148,7 @@ void CurlTransfer::setSecurity(const CurlUrlSessionOptions& options) {
 
 void CurlTransfer::addHeaders() {
     const auto add = [this](std::string line) {
-        if (curl_slist* longer = curl_slist_append(headers_, line.c_str()))
+        if (curl_slist* longer = curl().slist_append(headers_, line.c_str()))
             headers_ = longer;
         else
             refusal_ = "out of memory";
@@ -171,7 +174,7 @@ void CurlTransfer::addHeaders() {
 /// 9110, 9.2.2).
 int CurlTransfer::mayBeSent(void* easy, char*, char*, int, int) {
     long sent = 0;
-    curl_easy_getinfo(static_cast<CURL*>(easy), CURLINFO_REQUEST_SIZE, &sent);
+    curl().easy_getinfo(static_cast<CURL*>(easy), CURLINFO_REQUEST_SIZE, &sent);
     return sent == 0 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
@@ -183,7 +186,7 @@ std::size_t CurlTransfer::receive(char* data, std::size_t, std::size_t size, voi
     }
     curl_off_t announced = -1;
     if (transfer.reply_.body.empty() &&
-        curl_easy_getinfo(transfer.easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced) == CURLE_OK &&
+        curl().easy_getinfo(transfer.easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced) == CURLE_OK &&
         announced > 0) {
         transfer.reply_.body.reserve(std::min(static_cast<std::size_t>(announced), longestBody));
     }
@@ -194,7 +197,7 @@ std::size_t CurlTransfer::receive(char* data, std::size_t, std::size_t size, voi
 UrlReply CurlTransfer::finish(CURLcode result) {
     if (result == CURLE_OK) {
         long status = 0;
-        curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
+        curl().easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
         reply_.status = static_cast<int>(status);
         return std::exchange(reply_, {});
     }
@@ -202,7 +205,7 @@ UrlReply CurlTransfer::finish(CURLcode result) {
     if (tooLong_ || result == CURLE_FILESIZE_EXCEEDED) {
         none.failure = "the answer is longer than 32 MiB";
     } else {
-        none.failure = error_[0] != '\0' ? error_.data() : curl_easy_strerror(result);
+        none.failure = error_[0] != '\0' ? error_.data() : curl().easy_strerror(result);
     }
     return none;
 }

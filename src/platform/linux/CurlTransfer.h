@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <curl/curl.h>
-
 #include <array>
 #include <string>
 
+#include "platform/linux/CurlLibrary.h"
 #include "platform/linux/CurlUrlSession.h"
 
 namespace korvane {
 
-/// One request on a libcurl easy handle, and the answer as it comes in. Worker thread only.
+/// One request on a libcurl easy handle, and the answer as it comes in. Worker thread only; `curl()` must
+/// have loaded.
 class CurlTransfer {
   public:
     static constexpr std::size_t longestBody = std::size_t{32} << 20;
@@ -44,7 +44,7 @@ class CurlTransfer {
     std::array<char, CURL_ERROR_SIZE> error_{};
     bool tooLong_ = false;
     curl_slist* headers_ = nullptr;
-    CURL* easy_ = curl_easy_init();
+    CURL* easy_;
 };
 
 }  // namespace korvane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/CurlUrlSession.h"
 
-#include <curl/curl.h>
+#include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/eventfd.h>
@@ -134,20 +134,15 @@ void CurlUrlSession::Worker::run() {
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, nullptr);  // the host's signal handlers do not expect this thread
 
-    // At the first request and not before: a host that opens no journey pays nothing, and nothing happens in
-    // static initialisation. Any thread will do, as libcurl guards its own start (since 7.84). It is never
-    // undone: the host may use libcurl as well.
-    static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (started == CURLE_OK) setMulti(curl_multi_init());
+    // At the first request and not before: a host that opens no journey pays nothing.
+    if (curl().failure.empty()) setMulti(curl().multi_init());
 
     while (takeCommands()) {
-        if (!multi_) {  // out of memory: requests are answered with a failure
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            continue;
+        if (multi_) {
+            int running = 0;
+            curl().multi_perform(multi_, &running);
+            finishTransfers();
         }
-        int running = 0;
-        curl_multi_perform(multi_, &running);
-        finishTransfers();
         waitForWork();
     }
 
@@ -162,10 +157,17 @@ void CurlUrlSession::Worker::run() {
 }
 
 void CurlUrlSession::Worker::waitForWork() {
-    curl_waitfd commands{wakeUp_, CURL_WAIT_POLLIN, 0};
-    curl_multi_poll(multi_, &commands, 1, pollTimeout(), nullptr);
+    bool woken = true;
+    if (multi_) {
+        curl_waitfd commands{wakeUp_, CURL_WAIT_POLLIN, 0};
+        curl().multi_poll(multi_, &commands, 1, pollTimeout(), nullptr);
+        woken = commands.revents != 0;
+    } else {
+        pollfd commands{wakeUp_, POLLIN, 0};
+        poll(&commands, 1, pollTimeout());
+    }
     eventfd_t ignored = 0;
-    if (commands.revents != 0) eventfd_read(wakeUp_, &ignored);
+    if (woken) eventfd_read(wakeUp_, &ignored);
 }
 
 /// Does what other threads asked for; false when the session is gone.
@@ -191,11 +193,14 @@ bool CurlUrlSession::Worker::takeCommands() {
 
 void CurlUrlSession::Worker::add(std::shared_ptr<Call> call) {
     if (!call->wanted()) return;
+    if (!multi_) {
+        const std::string& failure = curl().failure;
+        return deliver(*call, UrlReply{0, {}, failure.empty() ? "out of memory" : failure});
+    }
     auto active = std::make_unique<Active>(call, options_);
     CURL* easy = active->transfer.easy();
     std::string refusal = active->transfer.refusal();
-    if (refusal.empty() && (!multi_ || curl_multi_add_handle(multi_, easy) != CURLM_OK))
-        refusal = "out of memory";
+    if (refusal.empty() && curl().multi_add_handle(multi_, easy) != CURLM_OK) refusal = "out of memory";
     if (!refusal.empty()) {
         deliver(*call, UrlReply{0, {}, std::move(refusal)});
         return;
@@ -206,8 +211,8 @@ void CurlUrlSession::Worker::add(std::shared_ptr<Call> call) {
 
 void CurlUrlSession::Worker::remove(ActiveMap::iterator active) {
     // Leaves a name look-up that is under way to its own thread; libcurl would wait for its end.
-    curl_easy_setopt(active->first, CURLOPT_QUICK_EXIT, 1L);
-    curl_multi_remove_handle(multi_, active->first);
+    curl().easy_setopt(active->first, CURLOPT_QUICK_EXIT, 1L);
+    curl().multi_remove_handle(multi_, active->first);
     active_.erase(active);
     lastUse_ = TimerFd::now();
 }
@@ -215,7 +220,7 @@ void CurlUrlSession::Worker::remove(ActiveMap::iterator active) {
 void CurlUrlSession::Worker::finishTransfers() {
     std::vector<std::pair<CURL*, CURLcode>> done;  // removing a handle would spoil the messages behind it
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+    while (const CURLMsg* message = curl().multi_info_read(multi_, &left)) {
         if (message->msg == CURLMSG_DONE) done.emplace_back(message->easy_handle, message->data.result);
     }
     for (const auto& [easy, result] : done) {
@@ -243,14 +248,15 @@ void CurlUrlSession::Worker::deliver(Call& call, UrlReply reply) {
 void CurlUrlSession::Worker::closeIdleConnections() {
     if (!connected_ || !active_.empty()) return;
     if (!doubtful_ && TimerFd::now() - lastUse_ < options_.connectionIdle) return;
-    CURLM* fresh = curl_multi_init();
+    CURLM* fresh = curl().multi_init();
     if (!fresh) return;
     setMulti(fresh);
     connected_ = doubtful_ = false;
 }
 
 void CurlUrlSession::Worker::setMulti(CURLM* multi) {
-    curl_multi_cleanup(std::exchange(multi_, multi));
+    if (multi_) curl().multi_cleanup(multi_);
+    multi_ = multi;
 }
 
 /// In milliseconds. libcurl shortens it to its own timers; commands and a stop wake the poll.
