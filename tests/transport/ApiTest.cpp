@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/API.h"
 
-#include "base/Base64.h"
 #include "tests/support/ServiceFixture.h"
 #include "transport/BearerToken.h"
 
@@ -35,10 +34,9 @@ TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
     api.pinSet("iv-0", encipher("C"), encipher("P"), encipher("T"), keep<RestPinSet>());
     settle();
     const auto& requests = device.urlSession->requests();
-    const std::string key = base64Encode(config.preSharedKeyByteArray);
     EXPECT_EQ(response, encipher("Success"));
     EXPECT_EQ(sent(0), "pinSet offsetId=iv-0 CardId=C PIN=P PciToken=T UUID= brandId=");
-    EXPECT_EQ(sent(1), "token offsetId=iv-0 CardId=card-1 Username=" + key + " Password=" + ivText +
+    EXPECT_EQ(sent(1), "token offsetId=iv-0 CardId=card-1 Username=" + keyText + " Password=" + ivText +
                            " UUID= brandId=");
     EXPECT_EQ(requests[2].url, "https://cards.example/v1/api/sdk/pinSet");
     EXPECT_EQ(requests[2].body, requests[0].body);
@@ -52,7 +50,7 @@ TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
                                  "pinSet - now inside the reAuthClosure... calling refreshBearerToken...|"
                                  "inside refreshBearerToken( ... )|have iv (now?)... use it:|"
                                  "refreshBearerToken(...) on track...|cardId: card-1|encrypted cardId: " +
-                                 encipher("card-1") + "|encryptedUsername = " + encipher(key) +
+                                 encipher("card-1") + "|encryptedUsername = " + encipher(keyText) +
                                  "|encryptedPassword = " + encipher(ivText) +
                                  "|getBearerToken request dictionary: " + values + "|inside doRequest"));
     EXPECT_THAT(
