@@ -8,9 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/CurlUrlSession.h"
+#include "base/Base64.h"
 #include "sandbox/CardService.h"
+#include "sandbox/Json.h"
+#include "tests/platform/CurlTestSupport.h"
 #include "tests/support/TemporaryFolder.h"
+#include "transport/AesCbc.h"
 
 namespace korvane::sandbox {
 
@@ -28,25 +31,80 @@ class TestClient {
 
     explicit TestClient(const CardService& service)
         : TestClient(service.url(), service.caPem(), service.keyBase64()) {}
-    TestClient(std::string url, const std::string& caPem, const std::string& keyBase64);
+    TestClient(std::string url, const std::string& caPem, const std::string& keyBase64)
+        : key(base64Decode(keyBase64).value()),
+          url_(std::move(url)),
+          session_({.caFile = caPem.empty() ? "" : folder_.file("ca.pem", caPem)}) {}
 
     Answer send(const std::string& method, const std::string& path, const std::string& body = {},
-                const Texts& headers = {});
+                const Texts& headers = {}) {
+        Answer answer;
+        answer.reply =
+            testing::fetch(session_, {method, url_ + path, {headers.begin(), headers.end()}, body});
+        const auto object = readJsonObject(answer.reply.body);
+        if (!object) return answer;
+        for (const auto& [name, value] : *object) {
+            const auto* number = std::get_if<std::int64_t>(&value);
+            const std::string text = number ? std::to_string(*number) : std::get<std::string>(value);
+            if (!name.starts_with("encrypted")) {
+                answer.fields[name] = text;
+            } else if (const auto plain = aesCbcDecrypt(key, iv, base64Decode(text).value_or(key))) {
+                answer.fields[name.substr(9)] = std::string(plain->begin(), plain->end());
+            }
+        }
+        return answer;
+    }
 
     /// Asks for an IV, and enciphers under it from now on.
-    void renewIv();
+    void renewIv() {
+        const Texts fields = send("POST", "/host/iv").fields;
+        ivId = fields.at("ivId");
+        iv = base64Decode(fields.at("iv")).value();
+    }
     /// A wire body: the plain fields enciphered, and the keys that every request carries.
-    std::string bodyOf(const Texts& plain) const;
-    Answer call(const std::string& endpoint, const Texts& plain);
+    std::string bodyOf(const Texts& plain) const {
+        JsonObject body{{"offsetId", ivId}, {"UUID", ""}, {"brandId", ""}};
+        for (const auto& [name, text] : plain) {
+            const auto cipher = aesCbcEncrypt(key, iv, std::vector<std::uint8_t>(text.begin(), text.end()));
+            body.emplace_back("encrypted" + name, base64Encode(cipher.value()));
+        }
+        return writeJson(body);
+    }
+    Answer call(const std::string& endpoint, const Texts& plain) {
+        Texts headers = wireHeaders;
+        if (!bearer.empty()) headers["Authorization"] = "Bearer " + bearer;
+        return send("POST", "/api/sdk/" + endpoint, bodyOf(plain), headers);
+    }
 
-    Answer signIn();
-    /// The SMS road up to the PCI token of the card.
-    std::string pciToken(const std::string& cardId);
-    std::string lastCode(const std::string& cardId);
+    Answer signIn() {
+        if (ivId.empty()) renewIv();
+        const Answer answer =
+            call("token", {{"CardId", ""}, {"Username", base64Encode(key)}, {"Password", base64Encode(iv)}});
+        if (answer.result() == "Success") bearer = answer.fields.at("AccessToken");
+        return answer;
+    }
+    std::string lastCode(const std::string& cardId) {
+        return send("POST", "/host/sms", writeJson(JsonObject{{"cardId", cardId}})).fields["code"];
+    }
     /// The token that goes with the code that is sent.
-    std::string smsToken(const std::string& cardId);
-    Answer submit(const std::string& cardId, const std::string& smsToken, const std::string& code);
-    Answer pinSet(const std::string& cardId, const std::string& pin, const std::string& token);
+    std::string smsToken(const std::string& cardId) {
+        if (bearer.empty()) signIn();
+        return call("pciTokenRequest", {{"CardId", cardId}}).fields["PciSmsToken"];
+    }
+    Answer submit(const std::string& cardId, const std::string& smsToken, const std::string& code) {
+        return call("pciTokenSubmission", {{"CardId", cardId},
+                                           {"PciSmsToken", smsToken},
+                                           {"TwoFactorCode", code},
+                                           {"UseBiometrics", "false"}});
+    }
+    /// The SMS road up to the PCI token of the card.
+    std::string pciToken(const std::string& cardId) {
+        const std::string token = smsToken(cardId);
+        return submit(cardId, token, lastCode(cardId)).fields["PciToken"];
+    }
+    Answer pinSet(const std::string& cardId, const std::string& pin, const std::string& token) {
+        return call("pinSet", {{"CardId", cardId}, {"PIN", pin}, {"PciToken", token}});
+    }
     Texts card(const std::string& cardId) { return send("GET", "/host/cards/" + cardId).fields; }
 
     std::string ivId;

@@ -3,7 +3,9 @@
 
 import json
 import os
+import pathlib
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -13,13 +15,6 @@ PROGRAM = sys.argv.pop(1)
 
 
 class CommandLine(unittest.TestCase):
-    def rules(self, text):
-        file = tempfile.NamedTemporaryFile("w", suffix=".json")
-        self.addCleanup(file.close)
-        file.write(text)
-        file.flush()
-        return file.name
-
     def test_serves_until_it_is_told(self):
         key = "AAAAAAAAAAAAAAAAAAAAAA=="
         with tempfile.TemporaryDirectory() as folder:
@@ -38,18 +33,28 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(program.wait(20), 0)
                 self.assertIn("/host/iv 200", program.stderr.read())
 
-    def test_refuses_what_it_does_not_understand(self):
-        cases = {"unknown option --colour": ["--colour"], "--port needs a value": ["--port"],
-                 "--port takes a whole number from 0 to 65535": ["--port", "65536"], "--port takes": ["--port", "12x"],
-                 "--iv-seconds takes": ["--iv-seconds", "0"], "--seed takes": ["--seed", "-1"],
-                 "--db takes a value": ["--db", ""], "--http has no certificate": ["--http", "--ca-out", "ca.pem"],
-                 "not 16, 24 or 32": ["--key", "AAAA"], "--http is for the loopback": ["--http", "--listen", "0.0.0.0"],
-                 "cannot read /none": ["--fault", "/none"], "(line 2, column 1)": ["--fault", self.rules("[\n")],
-                 "rule 2: unexpected key \"x\"": ["--fault", self.rules('[{"endpoint":"*","status":500},{"x":1}]')]}
-        for message, arguments in cases.items():
-            run = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, timeout=20)
-            self.assertEqual((run.stdout, run.returncode), ("", 1 if "--key" in arguments else 2), arguments)
-            self.assertIn(message, run.stderr)
+    def test_refuses_what_it_does_not_understand_or_cannot_use(self):
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        text, rules, ca = (os.path.join(folder, name) for name in ("text", "rules.json", "tls/ca.pem"))
+        os.mkdir(os.path.dirname(ca))
+        for path, content in ((text, "[\n"), (rules, '[{"endpoint":"*","status":500},{"x":1}]'), (ca, "none"), (ca[:-4] + "-key.pem", "")):
+            pathlib.Path(path).write_text(content + "\n" * 100)
+        with socket.create_server(("127.0.0.1", 0)) as taken:
+            for status, message, *arguments in [
+                    (2, "unknown option --colour", "--colour"), (2, "--port needs a value", "--port"),
+                    (2, "--port takes a whole number from 0 to 65535", "--port", "65536"), (2, "--port takes", "--port", "12x"),
+                    (2, "--iv-seconds takes", "--iv-seconds", "0"), (2, "--seed takes", "--seed", "-1"),
+                    (2, "--db takes a value", "--db", ""), (2, "--http has no certificate", "--http", "--ca-out", "ca.pem"),
+                    (2, "--http is for the loopback", "--http", "--listen", "0.0.0.0"), (2, "cannot read /none", "--fault", "/none"),
+                    (2, "(line 102, column 1)", "--fault", text), (2, "rule 2: unexpected key \"x\"", "--fault", rules),
+                    (1, "not 16, 24 or 32", "--key", "AAAA"), (1, "not base64", "--key", "***"),
+                    (1, "not a database", "--db", text), (1, "unable to open", "--db", text + "/cards.db"),
+                    (1, "holds no certificate", "--tls-dir", folder + "/tls"), (1, "cannot make the directory", "--tls-dir", text + "/tls"),
+                    (1, "cannot listen", "--listen", "192.0.2.1"), (1, "neither address nor name", "--listen", "a,DNS:b"),
+                    (1, "cannot listen", "--port", str(taken.getsockname()[1]))]:
+                run = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, timeout=20)
+                self.assertEqual((run.stdout, run.returncode), ("", status), arguments)
+                self.assertIn(message, run.stderr)
         usage = subprocess.run([PROGRAM, "--help"], capture_output=True, text=True, check=True).stdout
         self.assertIn("Usage: korvane-sandbox", usage)
 

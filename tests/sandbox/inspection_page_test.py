@@ -1,9 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The page of the card service in a real browser, while a real journey runs. With a folder as its argument it leaves
-pictures there."""
+"""The page of the card service in a real browser, while a real journey runs."""
 
 import subprocess
-import sys
 import unittest
 
 from selenium import webdriver
@@ -13,7 +11,6 @@ from selenium.webdriver.support.wait import WebDriverWait
 
 from driver import PATIENCE, Journey, Sandbox
 
-PICTURES = sys.argv.pop(1) if len(sys.argv) > 1 else None
 CARD = "document.querySelector('[data-card=card-physical-active]').textContent"
 FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking",
          "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage"]
@@ -54,10 +51,6 @@ class InspectionPage(unittest.TestCase):
         self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
                                      {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
 
-    def picture(self, name):
-        if PICTURES:
-            self.browser.save_screenshot(f"{PICTURES}/{name}.png")
-
     def journey(self, **keywords):
         journey = Journey(self.sandbox, **keywords)
         self.addCleanup(journey.end)
@@ -77,7 +70,6 @@ class InspectionPage(unittest.TestCase):
         self.wait(CARD + ".includes('PIN 1357')")
         self.click("[data-endpoint=pinSet] summary")
         self.wait("document.querySelector('[data-endpoint=pinSet]').innerText.includes('1357')")
-        self.picture("journey")
         self.click("#filter option[value=getCardStatus]")
         self.wait("[...document.querySelectorAll('.entry')].every(entry => entry.dataset.endpoint === 'getCardStatus')")
         self.click("#reset")
@@ -98,7 +90,6 @@ class InspectionPage(unittest.TestCase):
         self.write("#rule", '{"endpoint":"pinSet"}')
         self.click("#add button")
         self.wait("document.querySelector('#refused').textContent === 'rule 1: the rule has no effect'")
-        self.picture("rules")
         self.click("#clear")
         self.wait("!document.querySelector('#rules .row')")
         self.assertEqual(self.sandbox.ask("GET", "/host/faults"), [])
@@ -122,7 +113,6 @@ class InspectionPage(unittest.TestCase):
             self.looks(width, height, scheme)
             self.assertLessEqual(self.run_script("document.documentElement.scrollWidth"), width)
             self.assertEqual(self.run_script(colour) == light, scheme == "light")
-            self.picture(f"{scheme}-{width}")
 
 
 if __name__ == "__main__":

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
+#include <ctime>
+#include <thread>
+
+#include "tests/sandbox/TestClient.h"
+
+namespace korvane::sandbox {
+namespace {
+
+using std::chrono_literals::operator""s;
+using ::testing::HasSubstr;
+
+const std::string id = "card-physical-active";
+const Texts plain{{"CardId", id}};
+
+class Endpoints : public ::testing::Test {
+  protected:
+    /// The result of a call with a PCI token of its own; the card's status and PIN then.
+    std::string called(const std::string& endpoint, const std::string& cardId, Texts fields) {
+        fields.insert({{"CardId", cardId}, {"PciToken", client.pciToken(cardId)}});
+        const std::string result = client.call(endpoint, fields).result();
+        return result + "; " + client.card(cardId).at("status") + client.card(cardId).at("pin");
+    }
+
+    Bench bench;
+    TestClient& client = bench.client;
+};
+
+TEST_F(Endpoints, ActivateOnceTheCardsOfTheirTypeForWhoHasThem) {
+    for (const std::string type : {"physical", "virtual", "wearable", "paywallet"}) {
+        const std::string cardId = "card-" + type + "-new", own = type == "paywallet" ? "physical" : type;
+        const Texts card = client.card(cardId);
+        const auto activated = [&](const std::string& endpoint, Texts fields = {}) {
+            const std::string lastFour = card.at("pan").substr(card.at("pan").size() - 4);
+            if (endpoint == "physical") fields.insert({{"LastFourOfPan", lastFour}, {"CVV", card.at("cvv")}});
+            fields.emplace("PIN", "1357");
+            return called(endpoint + "CardActivationAndPinSet", cardId, fields);
+        };
+        for (const std::string other : {"physical", "virtual", "wearable"}) {
+            if (other == own) continue;
+            EXPECT_EQ(activated(other), "Failure: Invalid Card Type; P2");
+        }
+        for (const Texts& wrong : {Texts{{"CVV", "000"}}, Texts{{"LastFourOfPan", "0000"}}}) {
+            if (own != "physical") continue;
+            EXPECT_EQ(activated(own, wrong), "Failure: Invalid Card Details; P2");
+        }
+        EXPECT_EQ(activated(own, {{"PIN", "13a7"}}), "Failure: Invalid PIN; P2");
+        EXPECT_EQ(activated(own), "Success; A11357");
+        EXPECT_EQ(activated(own, {{"PIN", "2468"}}), "Failure: Card already active; A11357");
+    }
+}
+
+TEST_F(Endpoints, PinsAreFourDigitsAndLiftingAFreezeGoesBackToWhereTheCardWas) {
+    EXPECT_EQ(called("pinSet", "card-physical-new", {{"PIN", "1357"}}), "Failure: Card not active; P2");
+    for (const std::string pin : {"", "135", "13579", "135x", " 135"}) {
+        EXPECT_EQ(called("pinSet", id, {{"PIN", pin}}), "Failure: Invalid PIN; A14827");
+    }
+    EXPECT_EQ(called("pinSet", id, {{"PIN", "1357"}}), "Success; A11357");
+    for (const auto& [cardId, before, other] :
+         {std::tuple{id, "A1", "P2"}, std::tuple{std::string{"card-virtual-new"}, "P2", "A1"}}) {
+        const std::string pin = client.card(cardId).at("pin"), refused = "Failure: Invalid Status; ";
+        for (const auto& [status, result, now] : {std::tuple{other, refused, before},
+                                                  {"BT", "Success; ", "BT"},
+                                                  {"BT", "Success; ", "BT"},  // asked again is no fault
+                                                  {other, refused, "BT"},
+                                                  {before, "Success; ", before},
+                                                  {"ZZ", refused, before}}) {
+            EXPECT_EQ(called("cardStatus", cardId, {{"Status", status}}), result + now + pin);
+        }
+    }
+}
+
+TEST_F(Endpoints, CardDetailsHoldEveryField) {
+    const std::string frozen = "card-physical-frozen";
+    const Texts fields{{"CardId", frozen}, {"PciToken", client.pciToken(frozen)}};
+    const Texts answer = client.call("cardImage", fields).fields;
+    Texts card = client.card(frozen);
+    for (const auto& [wire, name] : {std::pair{"Pan", "pan"},
+                                     {"Cvv", "cvv"},
+                                     {"ExpiryDate", "expiry"},
+                                     {"FirstName", "firstName"},
+                                     {"MiddleName", "middleName"},
+                                     {"LastName", "lastName"},
+                                     {"CardNetwork", "network"}}) {
+        EXPECT_EQ(answer.at(wire), card[name]);
+    }
+    EXPECT_EQ(card["firstName"], "Inés");
+    EXPECT_THAT(answer.at("CardDisclosures"), HasSubstr(R"("Language":"Spanish")"));
+    EXPECT_THAT(answer.at("CardImage"), ::testing::StartsWith("iVBORw0KGgo"));  // PNG's signature
+}
+
+TEST_F(Endpoints, OnlyTheNewestCodeOfTheCardCountsOnceAndForFiveTries) {
+    const std::string first = client.smsToken(id), firstCode = client.lastCode(id);
+    std::string token = client.smsToken(id), code = client.lastCode(id);
+    EXPECT_EQ(client.submit(id, first, firstCode).result(), "Failure: Invalid Token");
+    EXPECT_EQ(client.submit("card-virtual-active", token, code).result(), "Failure: Invalid Token");
+    const auto good = client.submit(id, token, code);
+    EXPECT_EQ(good.result() + good.fields.at("BiometricsAuthenticationTimer"), "Success300");
+    std::tm parts{};
+    ::strptime(good.fields.at("PciTokenExpiration").c_str(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+    EXPECT_NEAR(static_cast<double>(::timegm(&parts) - ::time(nullptr)), 300, 5);
+    EXPECT_EQ(client.submit(id, token, code).result(), "Failure: Invalid Token");
+
+    token = client.smsToken(id);
+    code = client.lastCode(id);
+    const std::string wrong = code == "000000" ? "000001" : "000000";
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(client.submit(id, token, wrong).result(), "Failure: Incorrect SMS verification code");
+    }
+    EXPECT_EQ(client.submit(id, token, code).result(), "Failure: Invalid Token");
+    EXPECT_NE(client.pciToken(id), "") << "a new code starts afresh";
+}
+
+TEST_F(Endpoints, UnknownTokensIvsAndCredentialsAreRefused) {
+    client.renewIv();
+    for (const char* bearer : {"", "unknown"}) {
+        client.bearer = bearer;
+        EXPECT_EQ(client.call("pciTokenRequest", plain).reply.status, 401);
+    }
+    const std::string key = base64Encode(client.key);
+    const auto wrong = client.call("token", {{"CardId", id}, {"Username", key}, {"Password", key}});
+    EXPECT_EQ(std::to_string(wrong.reply.status) + wrong.result(), "403Failure: Invalid Credentials");
+    client.bearer.clear();
+    const std::string token = client.pciToken(id);
+    for (const auto& [cardId, text, status] :
+         {std::tuple{id, std::string{}, 400}, {id, "unknown", 200}, {"card-virtual-active", token, 200}}) {
+        const auto answer = client.pinSet(cardId, "1357", text);
+        EXPECT_EQ(answer.reply.status, status) << text;
+        EXPECT_EQ(answer.result(), "Failure: Invalid Token");
+    }
+    client.ivId = "unknown";
+    EXPECT_EQ(client.call("pciTokenRequest", plain).result(), "Failure: Invalid offsetId")
+        << "readable under the newest IV";
+}
+
+TEST(Lives, WhatHadItsTimeIsRefused) {
+    Bench bearer({.bearerTokenLife = 2s}), iv({.ivLife = 2s}), pci({.pciTokenLife = 1s}),
+        sms({.smsTokenLife = 1s});
+    const std::string smsToken = sms.client.smsToken(id), token = pci.client.pciToken(id);
+    iv.client.signIn();
+    EXPECT_NE(bearer.client.smsToken(id), "") << "not before its time";
+    std::this_thread::sleep_for(2.1s);
+    EXPECT_EQ(bearer.client.call("pciTokenRequest", plain).reply.status, 401);
+    EXPECT_EQ(sms.client.submit(id, smsToken, sms.client.lastCode(id)).result(), "Failure: Expired Token");
+    EXPECT_EQ(pci.client.pinSet(id, "2468", token).result(), "Failure: Expired Token");
+    // Readable under the expired IV; from the token's endpoint a client reads results of failed requests
+    // alone.
+    for (const auto& [answer, status] :
+         {std::pair{iv.client.call("pciTokenRequest", plain), 200}, {iv.client.signIn(), 400}}) {
+        EXPECT_EQ(answer.reply.status, status);
+        EXPECT_EQ(answer.result(), "Failure: IV is expired");
+    }
+}
+
+TEST(WireFormat, GetsAReasonWhereItIsBroken) {
+    std::string log;
+    Bench bench({.log = [&log](const std::string& line) { log += line + "\n"; }});
+    TestClient& client = bench.client;
+    client.signIn();
+    const std::string good = client.bodyOf(plain);
+    const auto refused = [&](const std::string& body, const std::string& reason, const Texts& changed = {}) {
+        Texts headers = changed;
+        headers.merge(Texts(client.wireHeaders));
+        headers["Authorization"] = "Bearer " + client.bearer;
+        const auto answer = client.send("POST", "/api/sdk/pciTokenRequest", body, headers);
+        EXPECT_EQ(answer.reply.status, 400) << body;
+        EXPECT_THAT(answer.fields.at("error"), HasSubstr(reason));
+        EXPECT_THAT(log, HasSubstr("pciTokenRequest 400 " + answer.fields.at("error")));
+    };
+    const auto replaced = [&good](const std::string& from, const std::string& to) {
+        return std::string(good).replace(good.find(from), from.size(), to);
+    };
+    refused("[]", "not a JSON object");
+    refused("{\"offsetId\":\"\xff\"}", "not JSON");
+    refused(std::string(500000, '['), "not JSON");
+    refused(replaced("\"brandId\":\"\"", "\"brandId\":7"), "\"brandId\" is not a text");
+    refused(replaced("\"brandId\"", "\"brand\""), "unexpected key \"brand\"");
+    refused(replaced("\"UUID\":\"\",", ""), "missing key \"UUID\"");
+    refused(replaced("\"UUID\":\"\"", "\"brandId\":\"\""), "occurs twice");
+    refused(client.bodyOf({{"CardId", id}, {"PIN", "1"}}), "unexpected key \"encryptedPIN\"");
+    const std::string head = good.substr(0, good.find("encryptedCardId")) + "encryptedCardId\":\"";
+    for (const std::string cipher : {"", "not base64", "AAAA", "AAAAAAAAAAAAAAAAAAAAAA=="}) {
+        refused(head + cipher + "\"}", "\"encryptedCardId\" does not decipher");
+    }
+    refused(client.bodyOf({{"CardId", "\xff"}}), "does not decipher to text");
+    refused(std::string(1100000, ' '), "1 MiB");
+    refused(good, "Content-Type", {{"Content-Type", "text/plain"}});
+    refused(good, "Accept", {{"Accept", "*/*"}});
+    EXPECT_EQ(client.call("pciTokenRequest", plain).result(), "Success");
+    EXPECT_THAT(log, ::testing::Not(HasSubstr(client.lastCode(id))))
+        << "no secret in the log unless asked for";
+}
+
+}  // namespace
+}  // namespace korvane::sandbox
