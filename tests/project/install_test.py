@@ -106,12 +106,13 @@ class Hosts(unittest.TestCase):
         self.assertNotIn(str(SOURCE / "include"), (folder / "build.ninja").read_text())
         return folder / name
 
-    def reaches(self, program, *talk):
+    def reaches(self, program, *talk, fixed_iv=False):
         """Starts it against a card service; each pair is what to wait for on its output, and what to answer."""
         sandbox = Sandbox()
         self.addCleanup(sandbox.stop)
+        iv = [*sandbox.ask("POST", "/host/iv", {}).values()] if fixed_iv else [sandbox.told["ivUrl"]]
         process = subprocess.Popen(
-            [program, sandbox.url, sandbox.told["key"], sandbox.told["ivUrl"], sandbox.ca], stdin=subprocess.PIPE,
+            [program, sandbox.url, sandbox.told["key"], *iv, sandbox.ca], stdin=subprocess.PIPE,
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, bufsize=1,
             env={**os.environ, "QT_QPA_PLATFORM": "offscreen", "QT_QUICK_BACKEND": "software"})
         self.addCleanup(process.communicate)
@@ -143,6 +144,9 @@ class Hosts(unittest.TestCase):
         for static in "OFF", "ON":
             self.assertRegex(run(self.built("own-port", "-DKorvane_USE_STATIC_LIBS=" + static).parent / "my_queue_test"),
                              r"\[  PASSED  \] [5-9] tests")
+
+    def test_the_controller_of_the_guides(self):
+        self.reaches(BUILD / "bin/docs-controller", ("cardId: •••", None), ("viewToShow: SMSExplainView", None), fixed_iv=True)
 
     def test_a_program_in_c(self):
         program = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "c-host"

@@ -1,0 +1,116 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The house rules that a machine can check. rules_test.py TOP BUILD COMPILER [CASE …]"""
+
+import concurrent.futures
+import graphlib
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOP, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
+# From the lowest up. platform/ stands for the ports; its adapters are no part of the core.
+LAYERS = ["base", "platform", "sdk", "transport", "custody", "operations", "uikit", "flows", "capi"]
+OUTSIDE = ("platform/linux/", "platform/qt/", "platform/fakes/", "uikit/quick/", "capi/")
+# Setting up is where the layers meet.
+MAY_REACH_UP = {"sdk/Initialize.cpp": {"custody", "transport"}}
+FOREIGN = ("Q", "qt", "curl/", "glib", "gio/", "libsecret/", "dbus/")
+PUBLIC_FOREIGN = FOREIGN + ("openssl/", "rapidjson/", "gmock/")
+# One of each kind that the generator of the reference treats in its own way.
+COMMENTS = [("Initialize.h", r"/// Sets the component up.*?\n(?=KORVANE_API bool)", "initialize"),
+            ("Journey.h", r"/// Which journey\.\n", "JourneyKind"),
+            ("Journey.h", r"///< digit boxes, on the screens.*?\n", "passcode"),
+            ("platform/UrlSession.h", r"    /// Starts a request\..*?\n(?=    virtual std::unique)", "start"),
+            ("korvane.h", r"/\*\* Uses the control of that id\. \*/\n", "korvane_journey_perform")]
+
+
+def sources(*folders):
+    """The C++ files below the folders that the project tracks or is about to."""
+    listed = subprocess.run(["git", "-C", TOP, "ls-files", "-co", "--exclude-standard", "--", *folders],
+                            capture_output=True, text=True, check=True).stdout.splitlines()
+    found = [TOP / name for name in listed if name.endswith((".h", ".cpp")) and (TOP / name).exists()]
+    assert len(found) > 20, "too few files were found: is this the project's folder?"
+    return found
+
+
+def includes(path):
+    return re.findall(r'(?m)^\s*#\s*include\s*[<"]([^>"]+)[>"]', path.read_text())
+
+
+def reference(top, out):
+    """What the generator has against the comments of the public names."""
+    settings = (top / "Doxyfile").read_text() + f"\nOUTPUT_DIRECTORY = {out}\n"
+    done = subprocess.run(["doxygen", "-"], input=settings, cwd=top, capture_output=True, text=True)
+    return done.stderr if done.returncode else ""
+
+
+class Rules(unittest.TestCase):
+    def test_layering(self):
+        """No folder of the core includes one above it, files do not include each other in a circle, and neither the core
+        nor a public header needs a toolkit or a device library."""
+        faults, edges = [], {}
+        for path in sources("src"):
+            name = path.relative_to(TOP / "src").as_posix()
+            if name.startswith(OUTSIDE):
+                continue
+            edges[name] = [other for other in includes(path) if (TOP / "src" / other).exists()]
+            faults += [(name, other) for other in includes(path) if other.startswith(FOREIGN + OUTSIDE)]
+            for other in edges[name]:
+                mine, above = name.split("/")[0], other.split("/")[0]
+                if LAYERS.index(above) > LAYERS.index(mine) and above not in MAY_REACH_UP.get(name, ()):
+                    faults.append((name, other))
+        for path in sources("include"):
+            foreign = PUBLIC_FOREIGN + ("gtest/",) * (path.parent.name != "contracts")
+            faults += [(path.name, other) for other in includes(path) if other.startswith(foreign)]
+        self.assertEqual(faults, [], "which must not be included there")
+        graphlib.TopologicalSorter(edges).prepare()  # raises when there is a circle
+
+    def test_headers_compile_alone(self):
+        """As C too, where they say that they can."""
+        def complaints(job):
+            header, language, standard = job
+            name = header.relative_to(TOP / "include").as_posix()
+            return subprocess.run(
+                [sys.argv[3], "-std=" + standard, "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-I", TOP / "include",
+                 "-I", BUILD / "include", "-x", language, "-"], input=f"#include <{name}>\n", capture_output=True, text=True).stderr
+        headers = sources("include")
+        jobs = [(header, "c++", "c++20") for header in headers]
+        jobs += [(header, "c", "c99") for header in headers if "#ifdef __cplusplus" in header.read_text()]
+        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+            self.assertEqual("".join(pool.map(complaints, jobs)), "")
+
+    def test_format(self):
+        tool = shutil.which("clang-format") or shutil.which("clang-format-14")
+        files = sources("include", "src", "sandbox", "apps", "tests", "fuzz", "benchmarks", "examples", "docs")
+        done = subprocess.run([tool, "--dry-run", "--Werror", *files], capture_output=True, text=True, cwd=TOP)
+        self.assertEqual((done.stderr, done.returncode), ("", 0))
+
+    def test_reference(self):
+        """Every public name has a comment of its own. The generator must notice each that is taken away in a copy."""
+        out = BUILD / "reference"
+        shutil.rmtree(out, ignore_errors=True)  # pages of names that are gone
+        out.mkdir(parents=True)
+        self.assertEqual(reference(TOP, out), "")
+        self.assertTrue((out / "index.html").exists())
+        installed = re.search(r"KORVANE_LINUX_HEADERS ([^)]*?) CACHE", (TOP / "src/platform/linux/CMakeLists.txt").read_text())[1]
+        for header in installed.split():
+            self.assertIn(f"/linux/{header}", (TOP / "Doxyfile").read_text())
+        copy = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+        for name in ("include", "src/platform", "docs"):
+            shutil.copytree(TOP / name, copy / name)
+        shutil.copy(TOP / "Doxyfile", copy)
+        for header, comment, name in COMMENTS:
+            path = copy / "include/korvane" / header
+            changed, times = re.subn(comment, "\n", path.read_text(), count=1, flags=re.DOTALL)
+            self.assertEqual(times, 1, name)
+            path.write_text(changed)
+        noticed = reference(copy, copy / "reference")
+        for _, _, name in COMMENTS:
+            self.assertRegex(noticed, rf"\b{name}\b.* is not documented")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:], verbosity=2)
