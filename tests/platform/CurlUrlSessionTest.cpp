@@ -9,13 +9,12 @@
 using namespace std::chrono_literals;
 
 /// Stands before the C library's. A look-up of "hanging.test" hangs, as it does where the name server is out
-/// of reach; "other.test" is this machine.
+/// of reach.
 extern "C" __attribute__((visibility("default"))) int getaddrinfo(const char* node, const char* service,
                                                                   const addrinfo* hints, addrinfo** result) {
-    const std::string_view name = node ? node : "";
-    if (name == "hanging.test") std::this_thread::sleep_for(3s);
+    if (node && node == std::string_view("hanging.test")) std::this_thread::sleep_for(3s);
     static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
-    return real(name == "other.test" ? "127.0.0.1" : node, service, hints, result);
+    return real(node, service, hints, result);
 }
 
 /// The same, for libcurl: what stands in its place on the device.
@@ -173,25 +172,12 @@ TEST(CurlUrlSession, SendsTheRequestAsGivenAndNothingMore) {
         EXPECT_FALSE(requests[1].has_header(name)) << name;
 }
 
-TEST(CurlUrlSession, WhatIsNoWholeAnswerIsAFailureThatTellsWhy) {
-    const auto serve = [](Connection& connection, const httplib::Request& request, httplib::Response&) {
-        if (request.path == "/short")
-            TestServer::send(connection, "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\npart");
-        if (request.path == "/garbage") TestServer::send(connection, "this is no HTTP\r\n\r\n");
-        connection.shutDown();
-    };
-    const TestServer server(serve, {.tls = false});
-    const std::string stopped = TestServer(serve, {.tls = false}).url("/");
+TEST(CurlUrlSession, WhatLeadsToNoServiceIsAFailureThatTellsWhy) {
     CurlUrlSession session;
-    for (const auto& [url, text] : {std::pair{server.url("/short"), "5 bytes remaining"},
-                                    {server.url("/empty"), "Empty reply"},
-                                    {server.url("/garbage"), "HTTP/0.9"},
-                                    {stopped, "Couldn't connect"},
-                                    {"https://host.invalid/", "resolve host"},
+    for (const auto& [url, text] : {std::pair{"https://host.invalid/", "resolve host"},
                                     {"", "URL"},
                                     {"file:///etc/hostname", "rotocol"},
                                     {"ftp://127.0.0.1/", "rotocol"}}) {
-        SCOPED_TRACE(url);
         expectFailure(post(session, url), text);
     }
 }
