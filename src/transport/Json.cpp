@@ -20,9 +20,21 @@ constexpr unsigned parseFlags =
 
 using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
+/// An escape stands for the second half of a surrogate pair without the first, which names no character (RFC
+/// 8259, section 8.2). The library looks at first halves alone, and would make text of it that is not UTF-8.
+bool hasLoneSecondHalf(std::string_view json) {
+    for (std::size_t at = json.find('\\'); at < json.size(); at = json.find('\\', at + 2)) {
+        const std::string escape = lowercased(json.substr(at, 4));
+        if (escape >= "\\udc" && escape <= "\\udf") return true;
+        if (escape >= "\\ud8" && escape <= "\\udb") at += 6;  // to the second half
+    }
+    return false;
+}
+
 std::optional<JsonError> parse(rapidjson::Document& document, std::string& json) {
     // In situ the end is a NUL: one inside the text would hide what follows it.
     if (json.find('\0') != std::string::npos) return JsonError{"a NUL stands in the text"};
+    if (hasLoneSecondHalf(json)) return JsonError{"half of a surrogate pair stands in the text"};
     document.ParseInsitu<parseFlags>(json.data());
     if (!document.HasParseError()) return std::nullopt;
     return JsonError{std::string{rapidjson::GetParseError_En(document.GetParseError())} + " (at byte " +
