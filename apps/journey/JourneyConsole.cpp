@@ -12,6 +12,7 @@ namespace korvane {
 namespace {
 
 constexpr double defaultWaitSeconds = 30;
+constexpr double longestWaitSeconds = 86'400;
 constexpr const char* promptCancel = "sdk.biometrics.cancel";
 
 std::pair<std::string, std::string> splitAtBlank(const std::string& text) {
@@ -84,6 +85,9 @@ void JourneyConsole::runQueued() {
 }
 
 void JourneyConsole::run(const std::string& line) {
+    // What is refused is told in an event, which is JSON; no text of the C interface goes past a NUL.
+    if (!g_utf8_validate(line.data(), static_cast<gssize>(line.size()), nullptr))
+        return error("a command is UTF-8 without NUL");
     const auto [verb, argument] = splitAtBlank(line);
     if (verb.empty()) return;
     if (verb == "type") {
@@ -114,7 +118,8 @@ void JourneyConsole::startWait(const std::string& argument) {
     double limit = defaultWaitSeconds;
     const auto [end, failure] = std::from_chars(seconds.data(), seconds.data() + seconds.size(), limit);
     if (view.empty() ||
-        (!seconds.empty() && (failure != std::errc{} || end != seconds.data() + seconds.size()))) {
+        (!seconds.empty() && (failure != std::errc{} || end != seconds.data() + seconds.size())) ||
+        !(limit >= 0 && limit <= longestWaitSeconds)) {
         error("wait takes a view's name and, if you like, seconds");
         return;
     }
