@@ -2,6 +2,8 @@
 #include "sandbox/Wire.h"
 
 #include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -44,6 +46,12 @@ int connectTo(const std::string& host, int port, std::string& reason) {
         ::close(socket);
     }
     return -1;
+}
+
+/// Bytes go on as they come: waiting to fill a segment would cost a round of delayed acknowledgement.
+void sendAtOnce(int socket) {
+    const int on = 1;
+    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
 bool sendAll(int socket, std::string_view bytes) {
@@ -211,6 +219,8 @@ void Wire::Impl::serve(Link& link) {
         link.service = service;
         if (stopping_) ::shutdown(link.client, SHUT_RDWR);
     }
+    sendAtOnce(link.client);
+    sendAtOnce(service);
     if (service < 0) link.end = "no service: " + reason;
     std::array<char, 65536> buffer;
     for (bool going = service >= 0; going;) {
