@@ -39,6 +39,7 @@ struct CurlLibrary {
     /// Why there is none to use, and then no function may be called; "" when all is well.
     std::string failure;
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the name is declared
 #define KORVANE_CURL_POINTER(name) decltype(&curl_##name) name = nullptr;
     KORVANE_CURL_FUNCTIONS(KORVANE_CURL_POINTER)
 #undef KORVANE_CURL_POINTER
