@@ -61,19 +61,19 @@ double CardFaceItem::radius() const {
 void CardFaceItem::componentComplete() {
     QQuickPaintedItem::componentComplete();
     theme_ = Theme::of(this);
-    if (theme_) connect(theme_, &Theme::changed, this, &CardFaceItem::fit);
+    if (theme_) connect(theme_, &Theme::changed, this, &QQuickItem::polish);
     decode();
 }
 
 void CardFaceItem::geometryChange(const QRectF& now, const QRectF& before) {
     QQuickPaintedItem::geometryChange(now, before);
     if (now.width() != before.width()) setImplicitHeight(std::round(now.width() * idHeight / idWidth));
-    if (now.size() != before.size()) fit();
+    if (now.size() != before.size()) polish();
 }
 
 void CardFaceItem::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickPaintedItem::itemChange(change, data);
-    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) fit();
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) polish();
 }
 
 void CardFaceItem::decode() {
@@ -84,10 +84,11 @@ void CardFaceItem::decode() {
                                             static_cast<int>(bytes->size()))
                          : QImage();
     }
-    fit();
+    polish();
 }
 
-void CardFaceItem::fit() {
+/// Once before a frame, however often its size changed while the page was laid out.
+void CardFaceItem::updatePolish() {
     if (!isComponentComplete() || width() <= 0 || height() <= 0) return;
     const double ratio = window() ? window()->effectiveDevicePixelRatio() : 1;
     const QSize size = (QSizeF(width(), height()) * ratio).toSize();

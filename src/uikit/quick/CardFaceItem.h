@@ -47,10 +47,10 @@ class CardFaceItem : public QQuickPaintedItem {
     void componentComplete() override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
+    void updatePolish() override;
 
   private:
     void decode();
-    void fit();
     QImage placeholderFace(QSize size) const;
 
     QPointer<CardModel> card_;

@@ -20,6 +20,12 @@ FocusScope {
         return Qt.inputMethod.visible && keyboard.height > 0 ? Math.max(0, height - mapFromItem(null, 0, keyboard.y).y) : 0;
     }
 
+    // The types of the pages to come are made ready on the engine's own thread while the first answer is awaited.
+    Component.onCompleted: {
+        for (const page of ["EntryPage", "MessagePage", "CardViewerPage"])
+            Qt.createComponent(page + ".qml", Component.Asynchronous, root);
+    }
+
     focus: true
     LayoutMirroring.enabled: Theme.mirrored
     LayoutMirroring.childrenInherit: true
