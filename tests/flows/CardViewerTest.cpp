@@ -5,119 +5,71 @@
 namespace korvane {
 namespace {
 
-using namespace std::chrono_literals;
-
-class CardViewer : public Viewer {
+class CardViewer : public JourneyFixture {
   protected:
-    std::string secrets() const { return row(number) + " " + row(details + "cvv"); }
-    const std::string masks = "################ ###";
-    const std::string digits = "5555550000079197 8642";
+    const std::string masks = "cardNumber=################, cvv=###";
+    const std::string digits = "cardNumber=5555550000079197, cvv=8642";
 };
 
 TEST_F(CardViewer, ShowsTheCardWithTheNumberAndTheCvvBehindMasks) {
-    show();
-    EXPECT_EQ(card().networkLogo, "mastercard_logo");
-    EXPECT_EQ(card().image->size(), 12u);
-    EXPECT_THAT(state(), HasSubstr("isCardImageLoaded=true"));
-    EXPECT_EQ(card().name, "sdk.cardtype.physical");
-    EXPECT_EQ(toast(), "");
-    EXPECT_EQ(row(details + "cardholderName"), "Sam Okafor");
-    EXPECT_EQ(row(details + "expirationDate"), "12/31");
-    EXPECT_EQ(secrets(), masks);
-    const std::function<void()> hidings[] = {[&] { tap(reveal); }, [&] { pass(30s); },
+    showCard();
+    see("logo=mastercard_logo, image=12, isCardImageLoaded=true, name=sdk.cardtype.physical, toast=");
+    see("cardholderName=Sam Okafor, expirationDate=12/31, " + masks);
+    const std::function<void()> hidings[] = {[&] { tap("reveal"); }, [&] { walk({"wait 30"}); },
                                              [&] { journey->hideSensitive(); }, [&] { tap("xmark"); }};
     for (const auto& hide : hidings) {
-        tap(reveal);
-        pass(29s);
-        EXPECT_EQ(secrets(), digits);
-        EXPECT_THAT(state(), Not(HasSubstr("8642")));
+        walk({"reveal", "wait 29 > " + digits});
         hide();
-        EXPECT_EQ(secrets(), masks);
+        see(masks);
     }
     // The time runs from the last revealing.
-    tap(reveal);
-    pass(20s);
-    tap(reveal);
-    tap(reveal);
-    pass(29s);
-    EXPECT_EQ(secrets(), digits);
+    walk({"reveal", "wait 20", "reveal", "reveal", "wait 29 > " + digits});
 }
 
 TEST_F(CardViewer, CopiesTheValuesThemselvesAndTakesThemBack) {
-    const FakePasteboard& pasteboard = *device.pasteboard;
-    show();
-    const std::pair<const char*, const char*> rows[] = {{"cardholderName", "Sam Okafor"},
-                                                        {"cardNumber", "5555550000079197"},
-                                                        {"expirationDate", "12/31"},
-                                                        {"cvv", "8642"}};
-    for (const auto& [row, value] : rows) {
-        tap(details + row);
-        EXPECT_EQ(pasteboard.text(), value);
-        EXPECT_EQ(toast(), "sdk.copiedToClipboard");
-        pass(5s);
-    }
-    pass(54s);
-    EXPECT_EQ(pasteboard.text(), "8642");
-    pass(1s);
-    EXPECT_EQ(pasteboard.text(), "");
-
-    tap(number);
+    showCard();
+    for (const std::string copied :
+         {"cardholderName > pasteboard=Sam Okafor", "cardNumber > pasteboard=5555550000079197",
+          "expirationDate > pasteboard=12/31", "cvv > pasteboard=8642"})
+        walk({copied + ", toast=sdk.copiedToClipboard", "wait 5"});
+    walk({"wait 54 > pasteboard=8642", "wait 1 > pasteboard=", "cardNumber"});
     device.pasteboard->setString("of another app");
-    pass(60s);
-    EXPECT_EQ(pasteboard.text(), "of another app");
-    tap(number);
+    walk({"wait 60 > pasteboard=of another app", "cardNumber"});
     journey.reset();
-    EXPECT_EQ(pasteboard.text(), "");
+    EXPECT_EQ(device.pasteboard->text(), "");
 }
 
 TEST_F(CardViewer, SaysCopiedOnlyWhenItWas) {
     cardDetails.erase("encryptedPan");
-    show();
-    EXPECT_EQ(row(number), "") << "a mask would promise a number";
-    EXPECT_EQ(tap(number), "not enabled");
+    showCard();
     device.pasteboard->setAvailable(false);
-    tap(details + "cvv");
-    EXPECT_EQ(toast(), "");
-    tap("xmark");
-    EXPECT_EQ(closed, "CANCELED");
+    walk({"cardNumber > not enabled, cardNumber=",  // a mask would promise a number
+          "cvv > toast=", "xmark > closed=CANCELED"});
 }
 
 TEST_F(CardViewer, OffersWhatTheStatusAllows) {
-    show("P2");
-    EXPECT_EQ(card().button, activate);
-    EXPECT_FALSE(card().activated);
-    EXPECT_TRUE(enabled(freezeSwitch));
-    tap(reveal);
-    tap(activate);
-    tap("back");
-    EXPECT_EQ(secrets(), masks);
+    showCard("P2");
+    see("offers=sdk.cardviewer.activateAndSetPin.onCardButton, isCardActivated=false, freezeMyCard=on");
+    walk({"reveal", "onCardButton", "back > " + masks});
     for (const char* const unknown : {"X9", "a1", ""}) {
-        show(unknown);
-        EXPECT_FALSE(card().activated || card().frozen) << unknown;
-        EXPECT_EQ(card().button, "");
-        EXPECT_EQ(tap(freezeSwitch), "not enabled");
-        EXPECT_EQ(row(details + "expirationDate"), "12/31");
+        showCard(unknown);
+        see("isCardActivated=false, isCardFrozen=false, offers=, freezeMyCard=off, expirationDate=12/31");
     }
 }
 
 TEST_F(CardViewer, PictureOrDisclosuresThatCannotBeShownAreToldOneAfterTheOther) {
     const std::string wellFormed = cardDetails["encryptedCardDisclosures"];
-    const std::tuple<std::string, std::string, Views> cases[] = {
-        {"", wellFormed, {"errors.decodedimgstrempty.failed"}},
-        {"iVBORw0KGgo", wellFormed, {"errors.base64todata.failed"}},
-        {"bm90IGFuIGltYWdl", wellFormed, {"errors.datatoimage.failed"}},
-        {"", "[", {"errors.decodedimgstrempty.failed", "errors.decodedDisclosureStructIsNil"}}};
-    for (const auto& [image, disclosures, toasts] : cases) {
+    const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+        {"", wellFormed, "errors.decodedimgstrempty.failed", ""},
+        {"iVBORw0KGgo", wellFormed, "errors.base64todata.failed", ""},
+        {"bm90IGFuIGltYWdl", wellFormed, "errors.datatoimage.failed", ""},
+        {"", "[", "errors.decodedimgstrempty.failed", "errors.decodedDisclosureStructIsNil"}};
+    for (const auto& [image, disclosures, first, second] : cases) {
         cardDetails["encryptedCardImage"] = image;
         cardDetails["encryptedCardDisclosures"] = disclosures;
-        show();
-        EXPECT_EQ(card().image, nullptr);
-        for (const std::string& each : toasts) {
-            EXPECT_EQ(toast(), each);
-            pass(4s);
-        }
-        EXPECT_EQ(toast(), "");
-        EXPECT_TRUE(enabled(number)) << "the details are of use without";
+        showCard();
+        see("image=0, toast=" + first);
+        walk({"wait 4 > toast=" + second, "wait 4 > toast=, cvv=###"});  // the details are of use without
     }
 }
 
@@ -131,43 +83,37 @@ TEST_F(CardViewer, DisclosureComesInTheDevicesLanguage) {
     for (const auto& [language, disclosures, text] : cases) {
         config.deviceLanguageCode = language;
         cardDetails["encryptedCardDisclosures"] = disclosures;
-        show();
-        EXPECT_EQ(screen().disclosureText, text) << language << disclosures;
-        EXPECT_EQ(toast(), "");
+        showCard();
+        see("toast=, disclosureText=" + text);
     }
 }
 
 TEST_F(CardViewer, WearableBearsTheHostsNameAndPicture) {
     const auto png = base64Decode("iVBORw0KGgoB").value();
     const auto* const first = reinterpret_cast<const std::byte*>(png.data());
+    const ImageData picture(first, first + png.size());
     config.wearableName = "Korvane Ring";
-    config.wearableImage = ImageData(first, first + png.size());
-    cardDetails.erase("encryptedCardImage");  // nobody looks at it then
-    show("A1", "wearable");
-    EXPECT_EQ(card().name, "Korvane Ring");
-    EXPECT_EQ(*card().image, config.wearableImage);
-    EXPECT_EQ(toast(), "");
-    show("A1", "virtual");
-    EXPECT_EQ(card().name, "sdk.cardtype.virtual");
-    EXPECT_EQ(card().image, nullptr);
-
-    config.wearableImage = ImageData(3);
-    cardDetails["encryptedCardImage"] = "iVBORw0KGgoAAAAA";
-    show("A1", "wearable");
-    EXPECT_EQ(card().image->size(), 12u) << "the service's, in place of one that cannot be drawn";
+    cardDetails.erase("encryptedCardImage");
+    const std::tuple<std::string, ImageData, std::string> cases[] = {
+        {"wearable", picture, "name=Korvane Ring, image=9, toast="},
+        {"virtual", picture, "name=sdk.cardtype.virtual, image=0"},
+        {"wearable", ImageData(3), "image=0"}};  // the service's, in place of one that cannot be drawn
+    for (const auto& [type, image, seen] : cases) {
+        config.wearableImage = image;
+        showCard("A1", type);
+        see(seen);
+    }
 }
 
 TEST_F(CardViewer, ALaterViewerHasTheDetailsForItselfAndLeavesNothingBehind) {
-    show();
+    showCard();
     auto earlier = std::move(journey);
     cardDetails["encryptedPan"] = "4000000000000002";
-    show();
+    showCard();
     std::swap(journey, earlier);
-    tap(reveal);
-    EXPECT_EQ(row(number), "none");
+    walk({"reveal > not enabled, cardNumber=none"});
     journey = std::move(earlier);
-    tap(reveal);
-    EXPECT_EQ(row(number), "4000000000000002");
+    walk({"reveal > cardNumber=4000000000000002"});
     journey.reset();
     EXPECT_EQ(config.decCardImage + config.decPan + config.decMaskedPan + config.decCvv +
                   config.decMaskedCvv + config.decExpiryDate + config.decFirstName + config.decLastName +
@@ -177,17 +123,81 @@ TEST_F(CardViewer, ALaterViewerHasTheDetailsForItselfAndLeavesNothingBehind) {
 }
 
 TEST_F(CardViewer, ClosesWithSuccessOnceSomethingWasDone) {
-    const std::pair<Views, std::string> cases[] = {
-        {{}, "CANCELED"},
-        {{freezeSwitch, freezing + "freezeCardPopup.cancelButton"}, "CANCELED"},
-        {{freezeSwitch, freezing + "freezeCardPopup.freezeButton"}, "SUCCESS"},
-        {{reveal}, "SUCCESS"},
-        {{number}, "SUCCESS"}};
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"freezeMyCard", "freezeCardPopup.cancelButton"}, "CANCELED"},
+        {{"freezeMyCard", "freezeCardPopup.freezeButton"}, "SUCCESS"},
+        {{"reveal"}, "SUCCESS"},
+        {{"cardNumber"}, "SUCCESS"}};
     for (const auto& [taps, result] : cases) {
-        show();
-        for (const std::string& each : taps) tap(each);
-        tap("xmark");
-        EXPECT_EQ(closed, result);
+        showCard();
+        walk(taps);
+        walk({"xmark > closed=" + result});
+    }
+}
+
+/// The switch on the viewer.
+class FreezeSwitch : public JourneyFixture {
+  protected:
+    std::string freeze() { return walk({"freezeMyCard", "freezeCardPopup.freezeButton"}); }
+    std::string unfreeze() { return walk({"freezeMyCard", "unFreezeCardPopup.unFreezeButton"}); }
+};
+
+TEST_F(FreezeSwitch, FreezesAndUnfreezesAfterAsking) {
+    for (const std::string status : {"A1", "P2"}) {
+        showCard(status);
+        walk({"freezeMyCard > isCardFrozenShowToggleOn=true, controls=2",  // nothing beside the question
+              "freezeCardPopup.cancelButton > isCardFrozen=false, showToggleOff=true", "freezeMyCard",
+              "freezeCardPopup.freezeButton > cardStatus.Status=BT, offers=, "
+              "card=sdk.cardviewer.card.activateAndSetPin.onCardFrozenMessage.header/"
+              "sdk.cardviewer.activateAndSetPin.onCardFrozenMessage.subheader",
+              "freezeMyCard > isCardFrozenShowToggleOff=true",
+              "unFreezeCardPopup.cancelButton > isCardFrozen=true, showToggleOff=false", "freezeMyCard",
+              "unFreezeCardPopup.unFreezeButton > isCardFrozen=false, card=, calls cardStatus=2"});
+        see("cardStatus.Status=" + status);
+    }
+}
+
+TEST_F(FreezeSwitch, StaysWhereItWasWhenTheCallFailsAndStaleIvsAreNoFailure) {
+    showCard();
+    const std::string renewed = "Success getting new iV - re-calling reEntrantSetCardStatus";
+    next("cardStatus", refusal(403, "failure: iv is expired"));
+    next("cardStatus", refusal(400, "Failure: Invalid offsetId"));
+    freeze();
+    see("isCardFrozen=true");
+    EXPECT_TRUE(printedLine(renewed + "FreezeGuts"));
+    next("cardStatus", refusal(403, "Failure: IV is expired"));
+    unfreeze();
+    see("isCardFrozen=false");
+    EXPECT_TRUE(printedLine(renewed + "UnFreezeGuts"));
+
+    showCard("BT");
+    see("isCardFrozen=true, isCardActivated=true");
+    hostSuppliesIvs = false;
+    for (const UrlReply& failure : {refusal(500, "Failure: No"), refusal(403, "Failure: IV is expired")}) {
+        next("cardStatus", failure);
+        config.currentPciToken = "held";
+        unfreeze();
+        see("toast=errors.generic.api, isCardFrozen=true, freezeMyCard=on");
+        walk({"wait 4 > toast="});
+    }
+    hang("cardStatus");
+    unfreeze();
+    walk({"freezeMyCard > not enabled, showSpinner=true, calls cardStatus=3", "xmark > closed=CANCELED"});
+}
+
+TEST_F(FreezeSwitch, SpentTokenGoesThroughTheSmsStepAndTheCallIsDone) {
+    for (const UrlReply& spent : {result("Failure: Expired Token"), UrlReply{500, "", ""}}) {
+        showCard();
+        config.currentPciToken.clear();
+        next("cardStatus", spent);
+        tap("reveal");
+        EXPECT_EQ(freeze(), "SMSExplainView");
+        walk({"back > CardImage_NoNav, cardNumber=################, isCardFrozen=false, calls cardStatus=1"});
+        next("cardStatus", spent);
+        freeze();
+        verifyBySMS();
+        see("stack=GetCardImage/CardImage_NoNav, isCardFrozen=true, calls cardStatus=3");
+        see("calls cardImage=1");  // the viewer is the one that asked
     }
 }
 

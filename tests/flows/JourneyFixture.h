@@ -6,7 +6,6 @@
 #include <korvane/CloseNotification.h>
 #include <korvane/Journey.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,64 +14,47 @@
 
 namespace korvane {
 
-using testing::HasSubstr;
-using testing::Not;
-
-using Views = std::vector<std::string>;
-
 /// A journey on the scripted service, driven as a person would.
 class JourneyFixture : public testing::Test, protected ScriptedService {
   protected:
-    /// Shows another journey for a card of that status and type. Like all that a person does it lets
-    /// everything settle, and tells the view that is then shown.
+    /// Shows another journey for a card of that status and type, and tells the view that is then shown.
     std::string start(JourneyKind kind, const std::string& status = "A1",
                       const std::string& type = "physical");
-    /// The view that is then shown, or "not enabled", "no such control", "not digits".
-    std::string tap(const std::string& controlId);
-    std::string type(const std::string& digits);  ///< in place of what was typed
-    std::string insert(const std::string& digits);
-    /// Through the SMS step with the right code, from its explanation on.
-    std::string verifyBySMS();
-    /// From the PIN entry to what comes of the confirm button.
-    std::string enterAndConfirm(const std::string& pin);
-    void pass(std::chrono::duration<double> time);
+    std::string showCard(const std::string& status = "A1", const std::string& type = "physical") {
+        return start(JourneyKind::getCardImage, status, type);
+    }
 
+    /// Does one thing after the other and lets everything settle each time: "type 1357" in place of what was
+    /// typed, "insert 4", "wait 30" in seconds, else a tap on the control of that id, or whose id ends so.
+    /// Behind " > " stands what must then be seen. Tells what came of the last one: a view or a refusal.
+    std::string walk(const std::vector<std::string>& steps);
+    std::string tap(const std::string& control) { return walk({control}); }
+    /// Checks what is seen: views or refusals as `walk` tells them, and "name=value", divided by ", ".
+    void see(const std::string& expected);
+    /// What goes by that name: "filled", "message", "toast", "stack", "controls" (how many), "closed",
+    /// "typed" (what is kept of it), "pasteboard", "calls pinSet" (in this journey), the parts of the card's
+    /// face, a state field, a row, a control ("on", "off"), a field as it was sent last ("pinSet.PIN"); else
+    /// "none".
+    std::string value(const std::string& name) const;
+
+    /// Through the SMS step with the right code, from its explanation on.
+    std::string verifyBySMS() { return walk({"sdk.sms.explain.button", "type 123456"}); }
+    /// From the PIN entry to what comes of the confirm button.
+    std::string enterAndConfirm() {
+        return walk({"type 2580", "sdk.setpin.button", "type 2580", "sdk.confirmpin.button"});
+    }
     ScreenSnapshot screen() const { return journey->screen(); }
-    std::string view() const { return screen().view; }
-    Views stack() const { return screen().stack; }
-    int filled() const { return screen().passcode->filled; }
-    bool enabled(const std::string& controlId) const;
-    /// "isCardFrozen=false resendSeconds=30 …", every field that is told.
-    std::string state() const;
-    /// What is shown in the row; "none" when there is no such row.
-    std::string row(const std::string& id) const;
     bool printedLine(const std::string& line) const { return device.console->has(line); }
 
     std::unique_ptr<Journey> journey;
-    std::string closed;  ///< results of the close notifications of this journey so far
 
   private:
-    std::string shown(Journey::Outcome outcome);
-
+    std::string outcome_;          ///< of the last step
+    std::string closed_;           ///< results of the close notifications of this journey so far
+    std::ptrdiff_t requests_ = 0;  ///< before this journey
     std::shared_ptr<NotificationCenter::Observation> observation_ =
         NotificationCenter::defaultCenter().observe(
-            NotificationCloseUI, [this](const NotificationUserInfo& info) { closed += info.at("result"); });
-};
-
-inline const std::string details = "sdk.cardviewer.device.details.";
-inline const std::string reveal = details + "reveal";
-inline const std::string number = details + "cardNumber";
-inline const std::string activate = "sdk.cardviewer.activateAndSetPin.onCardButton";
-inline const std::string freezing = "sdk.cardviewer.card.activateAndSetPin.";
-inline const std::string freezeSwitch = freezing + "freezeMyCard";
-
-class Viewer : public JourneyFixture {
-  protected:
-    std::string show(const std::string& status = "A1", const std::string& type = "physical") {
-        return start(JourneyKind::getCardImage, status, type);
-    }
-    CardFace card() const { return screen().card.value(); }
-    std::string toast() const { return screen().toast; }
+            NotificationCloseUI, [this](const NotificationUserInfo& info) { closed_ += info.at("result"); });
 };
 
 }  // namespace korvane
