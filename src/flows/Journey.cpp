@@ -27,7 +27,7 @@ const JourneyHost::Kind& hostOf(JourneyKind kind) {
 
 class Journey::Impl {
   public:
-    explicit Impl(JourneyKind kind) : kind_(kind) {}
+    Impl(JourneyKind kind, std::string cardId) : kind_(kind), cardId_(std::move(cardId)) {}
     ~Impl() { stack_->end(); }
 
     void appear() {
@@ -40,17 +40,20 @@ class Journey::Impl {
     /// Runs `use` on the screen in view, which stays alive meanwhile even if the journey ends in it.
     template <class Use>
     Outcome onScreen(Use use) const {
+        // Another journey may have been made since: what a person does here is meant for this one's card.
+        SdkConfig::sharedInstance().cardId = cardId_;
         const auto screen = stack_->inView();
         return screen ? use(*screen) : Outcome::noSuchControl;
     }
 
   private:
     JourneyKind kind_;
+    std::string cardId_;
     bool appeared_ = false;
     std::shared_ptr<NavigationStack> stack_ = std::make_shared<NavigationStack>();
 };
 
-Journey::Journey(JourneyKind kind, std::string cardId) : impl_(std::make_shared<Impl>(kind)) {
+Journey::Journey(JourneyKind kind, std::string cardId) : impl_(std::make_shared<Impl>(kind, cardId)) {
     // All journeys log this one's name (deliberate).
     log({"SetPIN init - cardID param = ", cardId});
     SdkConfig::sharedInstance().cardId = cardId;
