@@ -18,6 +18,8 @@ SMSExplainView::SMSExplainView(std::shared_ptr<NavigationStack> stack)
           "sdk.sms.explain.button", [this] { return std::make_shared<EnterSMSCodeView>(sharedStack()); },
           [this](const KorvaneNavigationToken& token) {
               showSpinner_ = true;
+              SdkConfig& config = SdkConfig::sharedInstance();
+              config.viewToShowAfterSMSVerify = config.viewToShowAfterSMSVerifyBackup = returnTo_;
               requestSMSCode([weak = weak(this), token](const KorvaneRetStruct& result) {
                   const auto self = weak.lock();
                   if (!self) return;
@@ -35,7 +37,8 @@ SMSExplainView::SMSExplainView(std::shared_ptr<NavigationStack> stack)
 
 void SMSExplainView::onAppear() {
     SdkConfig& config = SdkConfig::sharedInstance();
-    config.viewToShowAfterSMSVerifyBackup = config.viewToShowAfterSMSVerify;
+    if (returnTo_.empty()) returnTo_ = config.viewToShowAfterSMSVerify;
+    config.viewToShowAfterSMSVerifyBackup = returnTo_;
 }
 
 std::vector<Screen::ScreenControl> SMSExplainView::controls() {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string>
+
 #include "flows/KorvaneActionNavigationLink.h"
 #include "flows/Screen.h"
 #include "operations/Operations.h"
@@ -20,6 +22,7 @@ class SMSExplainView final : public Screen {
 
   private:
     KorvaneActionNavigationLink send_;
+    std::string returnTo_;  // what this step was needed for: another journey may ask for one meanwhile
     bool showSpinner_ = false;
 };
 
