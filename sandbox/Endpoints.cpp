@@ -139,10 +139,11 @@ std::string disclosures() {
 
 Reply getCardImage(Call& call) {
     const Card& card = call.card;
-    const auto image = cardImagePng(card.type);
-    if (image.empty()) return failure("No Card Image");
+    std::string& picture = call.state.pictures[card.type];
+    if (picture.empty()) picture = base64Encode(cardImagePng(card.type));
+    if (picture.empty()) return failure("No Card Image");
     Reply reply;
-    reply.fields = {{"encryptedCardImage", base64Encode(image)},
+    reply.fields = {{"encryptedCardImage", picture},
                     {"encryptedCardDisclosures", disclosures()},
                     {"encryptedPan", card.pan},
                     {"encryptedCvv", card.cvv},

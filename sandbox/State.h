@@ -3,6 +3,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -30,6 +31,7 @@ struct State {
     Database database;
     Faults faults;
     Journal journal;
+    std::map<std::string, std::string> pictures;  ///< base64, by the cards' type: drawn once
     std::function<void(std::string cardId, std::string code)> smsCallback;
 };
 
