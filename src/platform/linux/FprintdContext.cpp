@@ -96,8 +96,9 @@ class FprintdContext::Worker {
     bool lastProbe() {
         probe();
         std::unique_lock lock(mutex_);
-        // Only while there is no answer yet is the probe waited for.
-        return probed_.wait_for(lock, probeWait, [this] { return found_.has_value(); }) && *found_;
+        // Waited for once: a daemon that hangs would cost the main thread as much at each call.
+        if (!probed_.wait_for(lock, probeWait, [this] { return found_.has_value(); })) found_ = false;
+        return *found_;
     }
 
     void run(std::shared_ptr<Wish> wish, std::int64_t deadline, Reports reports) {
