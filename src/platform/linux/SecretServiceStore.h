@@ -38,8 +38,9 @@ namespace korvane {
 /// old value stays behind.
 class KORVANE_API SecretServiceStore final : public SecureItemStore {
   public:
-    /// `timeout` is what one call may cost its caller, whatever the daemon does.
-    explicit SecretServiceStore(std::chrono::milliseconds timeout = std::chrono::seconds(5));
+    /// `timeout` is what one call may cost its caller, whatever the daemon does. The caller is the main
+    /// thread: desktops ask whether to end an app that does not answer for some 5 s.
+    explicit SecretServiceStore(std::chrono::milliseconds timeout = std::chrono::seconds(2));
     /// Takes away a prompt that still stands.
     ~SecretServiceStore() override;
 
