@@ -9,7 +9,7 @@
 namespace korvane::sandbox {
 namespace {
 
-using std::chrono_literals::operator""s;
+using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 
 const std::string id = "card-physical-active";

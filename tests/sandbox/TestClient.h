@@ -78,7 +78,7 @@ class TestClient {
 
     Answer signIn() {
         if (ivId.empty()) renewIv();
-        const Answer answer =
+        Answer answer =
             call("token", {{"CardId", ""}, {"Username", base64Encode(key)}, {"Password", base64Encode(iv)}});
         if (answer.result() == "Success") bearer = answer.fields.at("AccessToken");
         return answer;

@@ -33,9 +33,9 @@ std::string readByLibrary(const std::string& json) {
     document.Parse<rapidjson::kParseValidateEncodingFlag>(json.data(), json.size());
     if (document.HasParseError() || !document.IsObject()) return "-";
     std::map<std::string, std::string> texts{{"a", "none"}, {"b", "none"}};
-    for (const auto& member : document.GetObject()) {
-        if (!member.value.IsString() && !member.value.IsNull()) return "-";
-        texts[member.name.GetString()] = member.value.IsString() ? member.value.GetString() : "none";
+    for (auto member = document.MemberBegin(); member < document.MemberEnd(); ++member) {
+        if (!member->value.IsString() && !member->value.IsNull()) return "-";
+        texts[member->name.GetString()] = member->value.IsString() ? member->value.GetString() : "none";
     }
     return texts["a"] + ", " + texts["b"];
 }
