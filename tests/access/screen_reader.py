@@ -50,7 +50,7 @@ class Window:
     def __init__(self, *arguments):
         self.Atspi, self.GLib = atspi()
         self.Atspi.init()
-        self.events = []  # (type, role, name of the source, any data)
+        self.announced = []  # names of the notifications that came into sight
         self.listener = self.Atspi.EventListener.new(self._hear)
         for kind in ("object:state-changed:focused", "object:state-changed:showing", "object:property-change",
                      "object:text-changed", "object:children-changed"):
@@ -70,7 +70,8 @@ class Window:
 
     def _hear(self, event, *_):
         try:
-            self.events.append((event.type, event.source.get_role_name(), event.source.get_name(), str(event.any_data)))
+            if event.type == "object:state-changed:showing" and event.source.get_role_name() == "notification":
+                self.announced.append(event.source.get_name())
         except self.GLib.Error:
             pass  # gone already
 
@@ -128,30 +129,14 @@ class Window:
     def states(self, node):
         return {state.value_nick for state in node.get_state_set().get_states()}
 
-    def find(self, role, name):
+    def find(self, role, name, *states):
         for node in self.nodes():
-            if re.fullmatch(role, node.get_role_name()) and re.fullmatch(name, node.get_name() or "") and "showing" in self.states(node):
-                return node
+            if re.fullmatch(role, node.get_role_name()) and re.fullmatch(name, node.get_name() or ""):
+                if self.states(node) >= {"showing", *states}:
+                    return node
 
-    def see(self, role, name):
-        return self.wait(lambda: self.find(role, name), f"{role} '{name}'")
-
-    def usable(self, role, name):
-        def seen():
-            node = self.find(role, name)
-            return node if node and "enabled" in self.states(node) else None
-        return self.wait(seen, f"usable {role} '{name}'")
-
-    def focused(self, role, name):
-        def seen():
-            node = self.find(role, name)
-            return node if node and "focused" in self.states(node) else None
-        return self.wait(seen, f"focus on {role} '{name}'")
-
-    def focus(self):
-        for node in self.nodes():
-            if "focused" in self.states(node) and node.get_role_name() not in ("frame", "application"):
-                return node
+    def see(self, role, name, *states):
+        return self.wait(lambda: self.find(role, name, *states), f"{role} '{name}' {states}")
 
     # What a person does.
 
@@ -161,12 +146,12 @@ class Window:
 
     def press(self, role, name):
         """Uses a control by its accessible action."""
-        node = self.usable(role, name)
+        node = self.see(role, name, "enabled")
         actions = [node.get_action_name(i) for i in range(node.get_n_actions())]
         node.do_action(actions.index("Press"))
         self.turn(0.05)
 
     def dictate(self, name, text):
         """Enters text through the accessible interface, as voice control does."""
-        self.usable("text", name).get_editable_text_iface().insert_text(0, text, len(text))
+        self.see("text", name, "enabled").get_editable_text_iface().insert_text(0, text, len(text))
         self.turn(0.05)

@@ -25,12 +25,17 @@ class TokenTimer : public testing::Test {
     SdkConfig& config = SdkConfig::sharedInstance();
 };
 
-TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUp) {
+TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUpSinceTheLastStart) {
+    start("10");
+    EXPECT_FALSE(clearedAfter(6));
+    start("1.5");
+    EXPECT_FALSE(clearedAfter(1.4));
     start("1.5");
     EXPECT_FALSE(clearedAfter(1.4));
     EXPECT_FALSE(config.timerPciExpired);
     EXPECT_TRUE(clearedAfter(0.2));
     EXPECT_TRUE(config.timerPciExpired);
+    EXPECT_FALSE(config.pciTimer.isArmed());
     EXPECT_EQ(device.console->lines(),
               (std::vector<std::string>{
                   "=========", "Timer hit - doing SdkConfig.sharedInstance.currentPciToken = blank",
@@ -38,9 +43,10 @@ TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUp) {
                   "handlePCITokenClearTimer - setting SdkConfig timerPciExpired to true", "========="}));
 }
 
-TEST_F(TokenTimer, ReadsItsIntervalStrictly) {
+TEST_F(TokenTimer, ReadsItsIntervalStrictlyAndStopsWithoutOne) {
     for (const std::string none : {"", " 5", "\t5", "5 ", "5s", "abc", "0", "0.0"}) {
         device.console->clear();
+        start("5");
         start(none);
         EXPECT_FALSE(config.pciTimer.isArmed()) << none;
         EXPECT_TRUE(device.console->has("Note: timer interval is 0"));
@@ -51,15 +57,6 @@ TEST_F(TokenTimer, ReadsItsIntervalStrictly) {
     config.currentPciToken = "token";
     start("-4");
     EXPECT_TRUE(clearedAfter(0));
-}
-
-TEST_F(TokenTimer, StartingAgainTimesFromTheSecondStart) {
-    start("10");
-    EXPECT_FALSE(clearedAfter(6));
-    start("10");
-    EXPECT_FALSE(clearedAfter(6));
-    EXPECT_TRUE(clearedAfter(4));
-    EXPECT_FALSE(config.pciTimer.isArmed());
 }
 
 }  // namespace

@@ -21,14 +21,12 @@ class Application : public testing::Environment {
     void SetUp() override {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("QT_QUICK_BACKEND", "software");
-        app_.emplace(count_, arguments_);
+        app_.emplace(count_, nullptr);
     }
     void TearDown() override { app_.reset(); }
 
   private:
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    int count_ = 1;
+    int count_ = 0;
     std::optional<QGuiApplication> app_;
 };
 
@@ -44,8 +42,7 @@ void collectTexts(QAccessibleInterface* node, QStringList& texts) {
     for (int i = 0; i < node->childCount(); ++i) collectTexts(node->child(i), texts);
 }
 
-/// A number is a text here only when it is the whole secret: geometry is full
-/// of the others.
+/// A number is a text here only when it is the whole secret: geometry is full of the others.
 QStringList textsOf(const QVariant& value) {
     const int type = value.typeId();
     if (type == QMetaType::QString || type == QMetaType::QStringList || type == QMetaType::QVariantList)
@@ -77,11 +74,11 @@ QuickFixture::~QuickFixture() {
     delete root_;
 }
 
-QQuickItem* QuickFixture::show(const QByteArray& qml, const QVariantMap& properties, QSize size) {
+QQuickItem* QuickFixture::show(const QByteArray& qml, QSize size, const QVariantMap& properties) {
+    delete root_;
     QQmlComponent component(&engine_);
-    component.setData(qml, QUrl("test.qml"));
-    QObject* const made = component.createWithInitialProperties(properties);
-    root_ = qobject_cast<QQuickItem*>(made);
+    component.setData("import QtQuick\nimport Korvane\n" + qml, QUrl("test.qml"));
+    root_ = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
     EXPECT_TRUE(root_) << component.errorString().toStdString();
     if (!root_) return nullptr;
     theme().setReducedMotion(true);
@@ -94,12 +91,10 @@ QQuickItem* QuickFixture::show(const QByteArray& qml, const QVariantMap& propert
     return root_;
 }
 
-void QuickFixture::showSetPIN(QSize size) {
-    QQuickItem* const item = show("import Korvane\nSetPIN { cardId: \"card-1\" }", {}, size);
-    const auto* const journey = item ? item->findChild<JourneyModel*>() : nullptr;
-    ASSERT_TRUE(journey);
-    QObject::connect(journey, &JourneyModel::closed, journey,
-                     [this](const QString& result) { closed << result; });
+QQuickItem* QuickFixture::toPinEntry(QSize size) {
+    show("SetPIN { cardId: 'card-1' }", size);
+    EXPECT_EQ(view(), "EnterCardPINView");
+    return root_;
 }
 
 void QuickFixture::settle() {
@@ -125,11 +120,14 @@ bool QuickFixture::usable(const QString& objectName) const {
     return item && item->isEnabled();
 }
 
-bool QuickFixture::tap(const QString& objectName) {
+QPointF QuickFixture::middle(const QString& objectName) const {
     const QQuickItem* const item = find(objectName);
-    if (!item) return false;
-    const QPointF at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
-    QTest::mouseClick(&window, Qt::LeftButton, {}, at.toPoint());
+    return item ? item->mapToScene(item->boundingRect().center()) : QPointF(-1, -1);
+}
+
+bool QuickFixture::tap(const QString& objectName) {
+    if (!find(objectName)) return false;
+    QTest::mouseClick(&window, Qt::LeftButton, {}, middle(objectName).toPoint());
     settle();
     return true;
 }
@@ -153,8 +151,7 @@ ScreenModel* QuickFixture::screen() const {
 
 QString QuickFixture::view() const {
     const ScreenModel* const shown = screen();
-    // What the person sees, not what the model says: the item of that name must
-    // be there.
+    // What the person sees, not what the model says: the item of that name must be there.
     return shown && find(shown->view()) ? shown->view() : "none";
 }
 
@@ -163,9 +160,8 @@ QString QuickFixture::text(const QString& objectName) const {
     return item ? item->property("text").toString() : "none";
 }
 
-void QuickFixture::answer(const UrlReply& reply) {
-    service.device.urlSession->reply(service.device.urlSession->requests().size() - 1, reply);
-    settle();
+QString QuickFixture::focused() const {
+    return window.activeFocusItem() ? window.activeFocusItem()->objectName() : "none";
 }
 
 std::pair<QString, QString> QuickFixture::readable() {
@@ -207,11 +203,6 @@ QStringList QuickFixture::faults() const {
         if (area.left() < 0 || area.right() > window.width()) found << "sticks out: " + what;
     }
     return found;
-}
-
-void QuickFixture::toPinEntry() {
-    showSetPIN();
-    EXPECT_EQ(view(), "EnterCardPINView");
 }
 
 }  // namespace korvane

@@ -23,11 +23,10 @@ class QuickFixture : public ::testing::Test {
     QuickFixture();
     ~QuickFixture() override;
 
-    /// Shows `SetPIN { cardId: "card-1" }` and lets it settle.
-    void showSetPIN(QSize size = {390, 844});
-    /// Shows what the QML text makes, which starts with its imports. The root
-    /// item fills the window.
-    QQuickItem* show(const QByteArray& qml, const QVariantMap& properties, QSize size = {390, 844});
+    /// Shows what the QML text makes, on which lie the fixture's imports. The root item fills the window.
+    QQuickItem* show(const QByteArray& qml, QSize size = {390, 844}, const QVariantMap& properties = {});
+    /// Shows the journey, which starts with the PIN entry: the service asks for no SMS step.
+    QQuickItem* toPinEntry(QSize size = {390, 844});
 
     /// Runs the fake queue and Qt's events until both are empty.
     void settle();
@@ -37,31 +36,25 @@ class QuickFixture : public ::testing::Test {
     /// The item of that name that a person sees; none when there is none.
     QQuickItem* find(const QString& objectName) const;
     bool usable(const QString& objectName) const;
+    QPointF middle(const QString& objectName) const;  ///< in the window
     /// Presses the middle of the item with a mouse and lets everything settle.
     bool tap(const QString& objectName);
-    /// Answers the request that was left hanging last.
-    void answer(const UrlReply& reply);
     void key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {});
     void type(const QString& text);
     QString view() const;
     QString text(const QString& objectName) const;  ///< "none" when there is no such item
+    QString focused() const;                        ///< name of the item that has the keys
     ScreenModel* screen() const;
+    int filled() const { return screen()->boxes() ? screen()->boxes()->filled : -1; }
     Theme& theme() const { return *Theme::of(root_); }
 
-    /// Shows the journey, which starts with the PIN entry: the service asks for
-    /// no SMS step.
-    void toPinEntry();
-
-    /// Every text that QML, a script or an input method can read in the window,
-    /// and every accessible one.
+    /// Every text that QML, a script or an input method can read in the window, and every accessible one.
     std::pair<QString, QString> readable();
-    /// All that a designer would send back: what is cut, sticks out, or is too
-    /// small to hit.
+    /// All that a designer would send back: what is cut, sticks out, or is too small to hit.
     QStringList faults() const;
 
     ScriptedService service;
-    QStringList closed;   ///< results that the item signalled
-    QStringList results;  ///< and those that were posted
+    QStringList results;  ///< of the close notifications
 
   private:
     std::shared_ptr<NotificationCenter::Observation> observation_ =

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QGuiApplication>
 
 #include "sdk/SdkConfig.h"
@@ -20,40 +19,37 @@ class ViewControllerTest : public QuickFixture {
         }
         return nullptr;
     }
+    void showWindow() {
+        controller->show(400, 700);
+        settle();
+        ASSERT_TRUE(journeyWindow());
+    }
+
+    std::unique_ptr<ViewController> controller = SetPINFactory::create("card-7");
 };
 
 TEST_F(ViewControllerTest, MakingOneStoresTheCardAndShowingItStartsTheJourney) {
-    const auto controller = SetPINFactory::create("card-7");
-    EXPECT_EQ(SdkConfig::sharedInstance().cardId, "card-7");
+    const std::string& card = SdkConfig::sharedInstance().cardId;
+    EXPECT_EQ(card, "card-7");
     settle();
     EXPECT_EQ(service.calls("getCardStatus"), 0);
-    controller->show(400, 700);
-    settle();
-    ASSERT_TRUE(journeyWindow());
+    showWindow();
     EXPECT_EQ(journeyWindow()->size(), QSize(400, 700));
-    EXPECT_EQ(service.calls("getCardStatus"), 1);
     EXPECT_EQ(journeyWindow()->title(), "Choose your PIN");
     controller->hide();
-    controller->show();
-    settle();
+    showWindow();
     EXPECT_EQ(service.calls("getCardStatus"), 1) << "the journey stays where it is";
-    EXPECT_TRUE(ActivateCardAndSetPINFactory::create("card-8"));
-    EXPECT_EQ(SdkConfig::sharedInstance().cardId, "card-8");
-    EXPECT_TRUE(GetCardImageFactory::create("card-9"));
-    EXPECT_EQ(SdkConfig::sharedInstance().cardId, "card-9");
+    EXPECT_TRUE(ActivateCardAndSetPINFactory::create("card-8") && card == "card-8");
+    EXPECT_TRUE(GetCardImageFactory::create("card-9") && card == "card-9");
 }
 
 TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
-    auto controller = SetPINFactory::create("card-7");
     const auto letGo = NotificationCenter::defaultCenter().observe(
         NotificationCloseUI, [&](const NotificationUserInfo&) { controller.reset(); });
     service.next("getCardStatus", service.result("Failure: something else"));
-    controller->show();
-    settle();
-    QWindow* const shown = journeyWindow();
-    ASSERT_TRUE(shown);
+    showWindow();
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, {});
-    QCoreApplication::sendEvent(shown, &press);
+    QCoreApplication::sendEvent(journeyWindow(), &press);
     EXPECT_EQ(results, QStringList("FAILURE"));
     EXPECT_EQ(controller, nullptr);
     settle();
@@ -61,10 +57,7 @@ TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
 }
 
 TEST_F(ViewControllerTest, ClosingTheWindowCancels) {
-    const auto controller = SetPINFactory::create("card-7");
-    controller->show();
-    settle();
-    ASSERT_TRUE(journeyWindow());
+    showWindow();
     journeyWindow()->close();
     settle();
     EXPECT_EQ(results, QStringList("CANCELED"));
