@@ -1,73 +1,180 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <fcntl.h>
+#include <glib.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <korvane/Journey.h>
+#include <korvane/platform/Ports.h>
+#include <unistd.h>
 
 #include <chrono>
-#include <functional>
+#include <cstdlib>
 #include <memory>
 #include <string>
+#include <thread>
 
+#include "common/HostIv.h"
 #include "platform/fakes/FakeConsole.h"
+#include "platform/linux/CurlUrlSession.h"
+#include "platform/linux/GLibMainQueue.h"
+#include "platform/linux/GLibTimers.h"
 #include "sandbox/CardService.h"
 #include "sandbox/Wire.h"
+#include "sdk/SdkConfig.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace korvane::testing {
 
 using namespace std::chrono_literals;
-using sandbox::WireFault;
-using Kind = WireFault::Kind;
 
 /// Journeys as an app has them (main loop, HTTP session, card service), with a wire before the service. No
-/// turn of the main loop may keep a tap waiting for more than 50 ms; the time that the thread could have run
-/// and other threads had the processor does not count.
+/// turn of the main loop may keep a tap waiting for more than 50 ms; the time does not count in which the
+/// thread was ready and other threads had the processor.
 class RealStack {
   public:
     /// A request is given up after `timeout`, where an app waits for 60 s.
-    explicit RealStack(bool tls, std::chrono::milliseconds timeout = 20s);
-    ~RealStack();
+    explicit RealStack(bool tls, std::chrono::milliseconds timeout = 20s) : tls_(tls), timeout_(timeout) {
+        EXPECT_EQ(service_.start(), "");
+        folder_.file("ca.pem", service_.caPem());
+        const std::string url = service_.url(), base = url.substr(0, url.rfind(':') + 1);
+        EXPECT_EQ(wire.start("127.0.0.1", std::atoi(url.c_str() + base.size())), "");
+        call(base + std::to_string(wire.port()), tls ? caFile() : "");
+        send("getCardStatus");
+        EXPECT_EQ(shown(), "SMSExplainView");
+        send("pciTokenRequest");
+        EXPECT_EQ(shown(), "EnterSMSCodeView");
+        send("pciTokenSubmission");
+        EXPECT_EQ(shown(), "EnterCardPINView");
+        bearerToken_ = SdkConfig::sharedInstance().currentBearerToken;
+        pciToken_ = SdkConfig::sharedInstance().currentPciToken;
+    }
+    ~RealStack() {
+        journey_.reset();
+        uninstallPorts();
+        ::close(schedule_);
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        constexpr auto longest = 500ms;  // under a checker everything takes about ten times as long
+#else
+        constexpr auto longest = 50ms;
+#endif
+        std::cout << journeys_ << " journeys, the longest turn of the main loop took " << longestTurn_ / 1us
+                  << " us\n";
+        EXPECT_LE(longestTurn_, longest);
+    }
     RealStack(const RealStack&) = delete;
 
-    /// Leads the component elsewhere, with these authorities to trust.
-    void call(const std::string& url, const std::string& caFile);
-    /// Of the wire.
-    std::string url() const;
-    std::string caFile() const { return folder_ / "ca.pem"; }
+    std::string caFile() const {
+        return folder_ / "ca.pem";
+    }
 
-    /// Shows another journey, with the bearer and PCI token of a cardholder who was here a moment ago.
-    void start(JourneyKind kind = JourneyKind::setPIN);
-    /// To just before the request, and the step that sends it.
-    void reach(const std::string& endpoint);
-    void send(const std::string& endpoint);
-    void tap(const std::string& control) { EXPECT_EQ(journey->perform(control), Journey::Outcome::done); }
-    void type(const std::string& digits) { EXPECT_EQ(journey->replaceText(digits), Journey::Outcome::done); }
+    /// Leads the component to a service, by a session with nothing behind it.
+    void call(const std::string& url, const std::string& caFile) {
+        journey_.reset();
+        const CurlUrlSessionOptions options{.caFile = caFile, .timeout = timeout_};
+        EXPECT_TRUE(installPorts({.mainQueue = std::make_shared<GLibMainQueue>(),
+                                  .timers = std::make_shared<GLibTimers>(),
+                                  .urlSession = std::make_shared<CurlUrlSession>(options),
+                                  .console = console_}));
+        EXPECT_TRUE(initialize(service_.keyBase64(), url, hostIvCallback(service_.ivUrl()), false, {}, {}));
+    }
 
-    /// Lets the loop run until something else is shown, at rest, and tells its view: "still …" when that does
-    /// not come to pass.
-    std::string shown();
+    /// To just before the request, on a wire without a fault.
+    void reach(const std::string& endpoint) {
+        wire.set({});
+        if (endpoint == "pinSet") {
+            start(JourneyKind::setPIN, bearerToken_, pciToken_);
+            EXPECT_EQ(shown(), "EnterCardPINView");
+            journey_->replaceText("1470");
+            journey_->perform("sdk.setpin.button");
+            EXPECT_EQ(shown(), "ConfirmCardPINView");
+            journey_->replaceText("1470");
+        } else if (endpoint.starts_with("pciToken")) {
+            start(JourneyKind::setPIN, bearerToken_, "");
+            EXPECT_EQ(shown(), "SMSExplainView");
+            if (endpoint == "pciTokenRequest") return;
+            send("pciTokenRequest");
+            EXPECT_EQ(shown(), "EnterSMSCodeView");
+        }
+    }
+    void send(const std::string& endpoint) {
+        using Done = Journey::Outcome;
+        if (endpoint == "pciTokenRequest") {
+            EXPECT_EQ(journey_->perform("sdk.sms.explain.button"), Done::done);
+        } else if (endpoint == "pciTokenSubmission") {
+            EXPECT_EQ(journey_->replaceText(service_.lastSmsCode(card_)), Done::done);
+        } else if (endpoint == "pinSet") {
+            EXPECT_EQ(journey_->perform("sdk.confirmpin.button"), Done::done);
+        } else {
+            start(endpoint == "cardImage" ? JourneyKind::getCardImage : JourneyKind::setPIN,
+                  endpoint == "getBearerToken" ? "" : bearerToken_, pciToken_);
+        }
+    }
+
+    /// Lets the loop run until something else is shown, at rest, and tells its view.
+    std::string shown() {
+        const auto until = std::chrono::steady_clock::now() + 30s;
+        ScreenSnapshot screen = journey_->screen();
+        for (; screen.spinner || screen.instance == instance_ || screen.stack.size() < 2;
+             screen = journey_->screen()) {
+            if (std::chrono::steady_clock::now() > until) return "still " + screen.view;
+            turn();
+        }
+        instance_ = screen.instance;
+        return screen.view;
+    }
+
     /// The lines printed since the last journey began, one below the other.
-    std::string printed() const;
+    std::string printed() const {
+        std::string text;
+        for (const std::string& line : console_->lines()) text += line + "\n";
+        return text;
+    }
 
-    const std::string cardId = "card-physical-active";
-    sandbox::CardService service;
     sandbox::Wire wire;
-    std::unique_ptr<Journey> journey;
-    int journeys = 0;
 
   private:
-    void turn();
-    std::chrono::nanoseconds waitedForProcessor() const;
+    void start(JourneyKind kind, const std::string& bearerToken, const std::string& pciToken) {
+        ++journeys_;
+        console_->clear();
+        journey_.reset();
+        SdkConfig::sharedInstance().currentBearerToken = bearerToken;
+        SdkConfig::sharedInstance().currentPciToken = pciToken;
+        journey_ = std::make_unique<Journey>(kind, card_);
+        instance_ = 0;
+        journey_->appear();
+    }
 
+    void turn() {
+        const auto waited = waitedForProcessor();
+        const auto begin = std::chrono::steady_clock::now();
+        const bool worked = g_main_context_iteration(nullptr, FALSE);
+        const std::chrono::nanoseconds took = std::chrono::steady_clock::now() - begin;
+        longestTurn_ = std::max(longestTurn_, took - (waitedForProcessor() - waited));
+        if (!worked) std::this_thread::sleep_for(50us);
+    }
+
+    /// How long the thread was ready to run and had no processor: the second number (proc(5), schedstat).
+    std::chrono::nanoseconds waitedForProcessor() const {
+        char text[64] = "";
+        char* second = text;
+        if (::pread(schedule_, text, sizeof text - 1, 0) > 0) std::strtoll(text, &second, 10);
+        return std::chrono::nanoseconds(std::strtoll(second, nullptr, 10));
+    }
+
+    const bool tls_;
+    const std::chrono::milliseconds timeout_;
+    const std::string card_ = "card-physical-active";
     const TemporaryFolder folder_;
     const std::shared_ptr<FakeConsole> console_ = std::make_shared<FakeConsole>();
-    const std::chrono::milliseconds timeout_;
-    std::string bearerToken_, pciToken_;
-    std::uint64_t instance_ = 0;  // of the screen before the last step
+    sandbox::CardService service_{{.tls = tls_, .pciTokenLife = 3600s, .bearerTokenLife = 3600s}};
+    std::unique_ptr<Journey> journey_;
+    std::string bearerToken_, pciToken_;  // of a cardholder who was here a moment ago
+    std::uint64_t instance_ = 0;          // of the screen before the last step
+    int journeys_ = 0;
     std::chrono::nanoseconds longestTurn_{};
-    int schedule_ = -1;
+    const int schedule_ = ::open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC);
 };
 
 }  // namespace korvane::testing
