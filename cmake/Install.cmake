@@ -77,7 +77,7 @@ endif()
 
 file(RELATIVE_PATH up /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set_target_properties(korvane-journey PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
-install(TARGETS korvane-sandbox korvane-journey RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT sandbox)
+install(TARGETS korvane-sandbox korvane-wire korvane-journey RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT sandbox)
 
 include(cmake/Sbom.cmake)
 install(FILES LICENSE docs/licences.md ${PROJECT_BINARY_DIR}/korvane.spdx.json DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvane

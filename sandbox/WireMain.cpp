@@ -79,7 +79,8 @@ Outcome<WireFault> readWireFault(std::span<char* const> words) {
     const auto row = std::ranges::find(rows, std::string_view(words[0]), &Row::name);
     if (row == rows.end()) return Failure{"no such fault: " + std::string(words[0])};
     if (words.size() != row->words) {
-        return Failure{std::string(row->name) + " takes " + std::to_string(row->words - 1) + " values"};
+        return Failure{std::string(row->name) + " takes " + std::to_string(row->words - 1) +
+                       (row->words == 2 ? " value" : " values")};
     }
     fault.kind = row->kind;
     if (row->kind == Kind::reply) {

@@ -9,6 +9,7 @@ commands above it, where "…" is any text and any number of lines:
 """
 
 import fnmatch
+import functools
 import json
 import os
 import pathlib
@@ -23,7 +24,7 @@ TOP, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
 WRITE = "--write" in sys.argv
 DOCS = sorted([*TOP.glob("*.md"), *TOP.glob("docs/*.md")])
 FENCE = re.compile(r"((?:^<!-- [^\n]* -->\n\n?)?)^```(\w*)\n(.*?)^```$", re.M | re.S)
-OURS = {"korvane-sandbox", "korvane-journey", "korvane-demo", "run", "test", "bench"}
+OURS = {"korvane-sandbox", "korvane-wire", "korvane-journey", "korvane-demo", "run", "test", "bench"}
 # Too long or too far for this check; what runs them instead.
 ELSEWHERE = {
     r"\./(run|test|bench)\b": "themselves; their options are compared below",
@@ -182,27 +183,31 @@ class Documents(unittest.TestCase):
             if mixed == {False}:
                 # What goes on in the background is waited for: its port is open, and it has told where it is.
                 told, waited = re.subn(r"(?<!null) &$", " >told &", code, flags=re.M)
-                script += told
+                script += "rm -f told\n" + told
                 if " &\n" in code:
                     tells = "&& [ -s told ]" if waited else ""
                     script += f"until (: </dev/tcp/localhost/8443) 2>/dev/null {tells}; do kill -0 $!; sleep 0.05; done\n"
                     script += "cat told\n" if waited else ""
             script += "echo '@@@'\n"
-        with tempfile.TemporaryDirectory() as folder, socket.socket() as taken:
+        with tempfile.TemporaryDirectory() as folder, socket.socket() as taken, socket.socket() as other:
             for entry in TOP.iterdir():
                 if entry.name not in ("build", ".git"):
                     pathlib.Path(folder, entry.name).symlink_to(entry)
             pathlib.Path(folder, "build").mkdir()
             for name in ("release", "dev"):
                 pathlib.Path(folder, "build", name).symlink_to(BUILD)
-            taken.bind(("localhost", 0))
-            port = str(taken.getsockname()[1])
-            taken.close()
-            done = subprocess.run(["bash", "-c", script.replace("8443", port)], cwd=folder, text=True, timeout=200,
+            ports = {}
+            for name, free in (("8443", taken), ("9443", other)):
+                free.bind(("localhost", 0))
+                ports[name] = str(free.getsockname()[1])
+                script = script.replace(name, ports[name])
+            taken.close(), other.close()
+            done = subprocess.run(["bash", "-c", script], cwd=folder, text=True, timeout=200,
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL,
                                   env={**os.environ, "PATH": f"{BUILD}/bin:{os.environ['PATH']}"})
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
-        return [part.lstrip("\n") for part in done.stdout.replace(port, "8443").split("@@@\n")]
+        shown = functools.reduce(lambda text, names: text.replace(names[1], names[0]), ports.items(), done.stdout)
+        return [part.lstrip("\n") for part in shown.split("@@@\n")]
 
     def test_options_exist_and_are_told_of(self):
         own = {program: options(program) for program in OURS if (TOP / program).exists() or (BUILD / "bin" / program).exists()}

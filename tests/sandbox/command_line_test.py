@@ -58,6 +58,29 @@ class CommandLine(unittest.TestCase):
         usage = subprocess.run([PROGRAM, "--help"], capture_output=True, text=True, check=True).stdout
         self.assertIn("Usage: korvane-sandbox", usage)
 
+    def test_the_wire_makes_its_fault_and_refuses_what_it_cannot_mean(self):
+        wire = PROGRAM.replace("sandbox", "wire")
+        service = subprocess.Popen([PROGRAM, "--http"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.addCleanup(service.communicate)
+        self.addCleanup(service.kill)
+        to = json.loads(service.stdout.readline())["url"].removeprefix("http://")
+        for fault, statuses in {"": (0, 0), "refuse": (7, 7), "--times 1 reset 0": (56, 0), "--skip 1 close 0": (0, 52),
+                                "stall 9": (28, 28), "drip 99 1": (0, 0), f"reply {__file__}": (1, 1)}.items():
+            program = subprocess.Popen([wire, "--to", to, *fault.split()], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            self.addCleanup(program.kill)
+            url = f"http://127.0.0.1:{json.loads(program.stdout.readline())['port']}/host/cards"
+            asked = [subprocess.run(["curl", "-sm2", "-o/dev/null", url], check=False).returncode for _ in statuses]
+            program.terminate()
+            self.assertEqual((tuple(asked), program.wait(20)), (statuses, 0), fault)
+            self.assertEqual(program.communicate()[1].count("bytes to the service"), 0 if fault == "refuse" else 2)
+        for message, arguments in {"--to is missing": "", "--to takes HOST:PORT": "--to x", "unknown option -x": "-x 1",
+                                   "--skip takes a whole number": "--to x:1 --skip x", "no such fault": "--to x:1 melt",
+                                   "reset takes 1 value": "--to x:1 reset", "at least 1 byte": "--to x:1 drip 0 1",
+                                   "cannot read /none": "--to x:1 reply /none", "a number of bytes": "--to x:1 stall x"}.items():
+            run = subprocess.run([wire, *arguments.split()], capture_output=True, text=True, timeout=20)
+            self.assertEqual((run.stdout, run.returncode), ("", 2), arguments)
+            self.assertIn(message, run.stderr)
+
 
 if __name__ == "__main__":
     unittest.main()
