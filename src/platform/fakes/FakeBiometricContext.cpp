@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/fakes/FakeBiometricContext.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -47,6 +48,11 @@ bool FakeBiometricContext::answer(bool match) {
         return true;
     }
     return false;
+}
+
+std::size_t FakeBiometricContext::open() const {
+    return static_cast<std::size_t>(
+        std::count_if(open_.begin(), open_.end(), [](const auto& check) { return check->reply != nullptr; }));
 }
 
 void FakeBiometricContext::post(std::shared_ptr<Check> check, bool match) {

@@ -26,6 +26,8 @@ class KORVANE_API FakeBiometricContext final : public BiometricContext {
     void setAvailable(bool available) { available_ = available; }
     /// Answers the oldest check that is still open; false when there is none.
     bool answer(bool match);
+    /// Checks that are neither answered nor cancelled.
+    std::size_t open() const;
     /// What each check so far said as its reason, oldest first.
     const std::vector<std::string>& reasons() const { return reasons_; }
 
