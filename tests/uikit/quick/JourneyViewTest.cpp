@@ -10,26 +10,10 @@ namespace {
 
 class JourneyViewTest : public QuickFixture {};
 
-TEST_F(JourneyViewTest, MismatchIsToldAndTheNextDigitBeginsAgain) {
-    toPinEntry();
-    type("8642");
-    tap("sdk.setpin.button");
-    type("8643");
-    find("sdk.confirmpin.button")->forceActiveFocus(Qt::TabFocusReason);
-    key(Qt::Key_Space, " ");
-    EXPECT_EQ(text("message"), "The PINs don’t match. Enter your new PIN again.");
-    EXPECT_EQ(focused(), "sdk.confirmpin.input");
-    const QQuickItem* const button = find("sdk.confirmpin.button");
-    type("8");
-    EXPECT_FALSE(find("message"));
-    EXPECT_EQ(find("sdk.confirmpin.button"), button) << "what has not changed is not drawn anew";
-}
-
 TEST_F(JourneyViewTest, WheelStandsOnTheButtonOfTheCallAndTypingIsNotLost) {
     service.next("getCardStatus", service.result("Failure: Invalid Token"));
     show("SetPIN { cardId: 'card-1' }");
-    tap("sdk.sms.explain.button");
-    ASSERT_EQ(view(), "EnterSMSCodeView");
+    walk({"sdk.sms.explain.button > EnterSMSCodeView"});
     const QString resend = "sdk.sms.code.resend";
     for (const auto& [time, label] : {std::pair{12, "Send a new code in 18 s"}, {18, "Send a new code"}}) {
         EXPECT_FALSE(usable(resend));
@@ -46,16 +30,12 @@ TEST_F(JourneyViewTest, WheelStandsOnTheButtonOfTheCallAndTypingIsNotLost) {
 
 TEST_F(JourneyViewTest, EscapeClosesTheSheetThenGoesBackAndThenIsTheHosts) {
     toPinEntry();
-    type("8642");
-    key(Qt::Key_Return);
-    ASSERT_EQ(view(), "ConfirmCardPINView");
-    key(Qt::Key_Escape);
-    ASSERT_EQ(view(), "EnterCardPINView");
-
-    tap("sdk.setpin.fourdigits");
+    const QQuickItem* const button = find("sdk.setpin.button");
+    walk({"type 8642"});
+    EXPECT_EQ(find("sdk.setpin.button"), button) << "what has not changed is not drawn anew";
+    walk({"key Return > ConfirmCardPINView", "key Esc > EnterCardPINView", "sdk.setpin.fourdigits"});
     EXPECT_FALSE(usable("sdk.setpin.button")) << "nothing under the sheet can be reached";
-    type("1");
-    key(Qt::Key_Escape);
+    walk({"type 1", "key Esc"});
     EXPECT_FALSE(screen()->sheetOpen());
     EXPECT_EQ(filled(), 4) << "the entry is kept";
     EXPECT_EQ(focused(), "sdk.setpin.input");

@@ -48,17 +48,11 @@ TEST_F(LanguagesTest, SwitchChangesAllThatIsShownAndNothingOfTheHosts) {
     EXPECT_EQ(screen()->sheetText().left(18), "Votre code PIN com");
     EXPECT_EQ(text("sdk.setpin.fourdigits.info.button"), "J’ai compris");
     EXPECT_EQ(text("sdk.setpin.fourdigits"), "Utilisez quatre chiffres") << "under the sheet";
-    tap("sdk.setpin.fourdigits.info.button");
-    type("1234");
-    tap("sdk.setpin.button");
+    walk({"sdk.setpin.fourdigits.info.button", "type 1234", "sdk.setpin.button > YouCanDoBetterView"});
     ASSERT_TRUE(setLanguage("es_MX"));
     EXPECT_EQ(language(), "es-MX");
     EXPECT_TRUE(readable().first.contains("Sin secuencias (1234, 4321)"));
-    tap("sdk.youcandobetter.button");
-
-    type("8642");
-    tap("sdk.setpin.button");
-    type("86");
+    walk({"sdk.youcandobetter.button", "type 8642", "sdk.setpin.button > ConfirmCardPINView", "type 86"});
     ASSERT_TRUE(setLanguage("de"));
     EXPECT_EQ(screen()->title(), "PIN noch einmal eingeben");
     EXPECT_EQ(screen()->passcodeDescription(), "Neue PIN, noch einmal, 2 von 4 Ziffern eingegeben");
@@ -75,8 +69,7 @@ TEST_F(LanguagesTest, MessagesToastsAndDisclosuresFollow) {
     tap(freezing + "freezeMyCard");
     ASSERT_TRUE(setLanguage("fr"));
     EXPECT_EQ(screen()->popupHeader().left(19), "Bloquer votre carte");
-    tap(freezing + "freezeCardPopup.cancelButton");
-    tap("sdk.cardviewer.device.details.cardholderName");
+    walk({freezing + "freezeCardPopup.cancelButton", "sdk.cardviewer.device.details.cardholderName"});
     EXPECT_EQ(screen()->toast(), "Copié");
     ASSERT_TRUE(setLanguage("es"));
     EXPECT_EQ(screen()->toast(), "Copiado");

@@ -21,15 +21,10 @@ TEST_F(PasscodeItemTest, KeysFillAndEmptyTheBoxesAndLettersAreRefused) {
     EXPECT_EQ(focused(), "sdk.setpin.input") << "a person can type at once";
     type("8a6 .");
     EXPECT_EQ(filled(), 2);
-    key(Qt::Key_Backspace);
-    type("٣");  // the key for 3 of an Arabic keyboard
+    walk({"key Backspace", "type ٣"});  // the key for 3 of an Arabic keyboard
     EXPECT_EQ(filled(), 2);
     EXPECT_FALSE(usable("sdk.setpin.button"));
-    key(Qt::Key_Return);
-    EXPECT_EQ(view(), "EnterCardPINView") << "not all boxes are full";
-    type("42");
-    key(Qt::Key_Enter);
-    EXPECT_EQ(view(), "ConfirmCardPINView");
+    walk({"key Return > EnterCardPINView", "type 42", "key Enter > ConfirmCardPINView"});
 }
 
 TEST_F(PasscodeItemTest, WholeCodeIsPastedOrCommittedAtOnce) {

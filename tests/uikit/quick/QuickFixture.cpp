@@ -144,6 +144,20 @@ void QuickFixture::type(const QString& text) {
     for (const QChar letter : text) key(letter.toUpper().unicode(), letter);
 }
 
+void QuickFixture::walk(const QStringList& steps) {
+    for (const QString& step : steps) {
+        const QString act = step.section(" > ", 0, 0), seen = step.section(" > ", 1);
+        if (act.startsWith("type ")) {
+            type(act.mid(5));
+        } else if (act.startsWith("key ")) {
+            key(QKeySequence(act.mid(4))[0].key());
+        } else {
+            EXPECT_TRUE(tap(act)) << step.toStdString();
+        }
+        EXPECT_TRUE(seen.isEmpty() || view() == seen) << step.toStdString() << ": " << view().toStdString();
+    }
+}
+
 ScreenModel* QuickFixture::screen() const {
     auto* const journey = root_ ? root_->findChild<JourneyModel*>() : nullptr;
     return journey ? journey->current() : nullptr;

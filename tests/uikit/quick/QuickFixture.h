@@ -41,6 +41,9 @@ class QuickFixture : public ::testing::Test {
     bool tap(const QString& objectName);
     void key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {});
     void type(const QString& text);
+    /// One thing after the other: "type 1357", "key Esc", else a tap on the item of that name, which must be
+    /// there. Behind " > " stands the view that must then be seen.
+    void walk(const QStringList& steps);
     QString view() const;
     QString text(const QString& objectName) const;  ///< "none" when there is no such item
     QString focused() const;                        ///< name of the item that has the keys

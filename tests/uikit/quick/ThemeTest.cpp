@@ -57,9 +57,7 @@ TEST_F(ThemeTest, EachOfTheFifteenColoursReachesAScreenThatIsShown) {
               0);
     tap("sdk.setpin.fourdigits");
     EXPECT_EQ(unpainted({&C::colorOnSurface, &C::colorOnPrimary}), 0);
-    tap("sdk.setpin.fourdigits.info.button");
-    type("34");
-    tap("sdk.setpin.button");
+    walk({"sdk.setpin.fourdigits.info.button", "type 34", "sdk.setpin.button > YouCanDoBetterView"});
     EXPECT_EQ(unpainted({&C::error, &C::onError, &C::success}), 0);
 
     show("GetCardImage { cardId: 'card-1' }");
