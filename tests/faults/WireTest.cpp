@@ -213,11 +213,13 @@ TEST(Faults, Http2ThatEndsTheStreamOrTheConnectionLeadsToAPageAndNothingIsSentAg
          }) {
         SCOPED_TRACE(row.name);
         std::atomic<int> requests = 0;
-        TestServer server(nullptr, {.raw = [&](sandbox::Connection& connection) {
-                              if (TestServer::receiveUntil(connection, "\"}").ends_with("\"}")) ++requests;
-                              TestServer::send(connection, settings + row.frames);
-                              if (row.frames.size() > 5) TestServer::waitForClose(connection);
-                          }});
+        TestServer server(
+            [&](auto&, sandbox::Connection& connection) {
+                if (TestServer::receiveUntil(connection, "\"}").ends_with("\"}")) ++requests;
+                TestServer::send(connection, settings + row.frames);
+                if (row.frames.size() > 5) TestServer::waitForClose(connection);
+            },
+            TestServer::Speaks::http2);
         stack.call(server.url("", "localhost"), server.caFile());
         stack.send("getBearerToken");
         EXPECT_EQ(stack.shown(), tryAgain);

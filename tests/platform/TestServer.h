@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <netinet/in.h>
 #include <openssl/ssl.h>
+#include <signal.h>
 
 #include <atomic>
 #include <functional>
-#include <memory>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "sandbox/Certificates.h"
 #include "sandbox/Connection.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -19,55 +22,132 @@ namespace korvane::testing {
 
 using sandbox::Connection;
 
-struct TestServerOptions {
-    bool tls = true;          ///< with a certificate for the loopback names, made for the run
-    bool oldTlsOnly = false;  ///< at most TLS 1.1
-    std::function<void(Connection&)> raw = nullptr;  ///< has all of a connection; "h2" is taken (ALPN)
-};
-
-/// An HTTP/1.1 server on a free port of 127.0.0.1, one thread a connection, whose handler has the raw
-/// connection in its hands: it can stall, reset, or send anything.
-class TestServer : private httplib::Server {
+/// A server on a free port of 127.0.0.1. What a connection gets is the test's affair, on a thread of its own:
+/// it can answer, stall, reset, or send anything.
+class TestServer {
   public:
-    /// The response goes nowhere when the handler shut the connection down or dropped it.
-    using Handler = std::function<void(Connection&, const httplib::Request&, httplib::Response&)>;
+    using Serve = std::function<void(TestServer&, Connection&)>;
+    /// Over TLS with a certificate for the loopback names, made for the run; `old` ends at TLS 1.1.
+    enum class Speaks { http, https, http2, old };
 
-    explicit TestServer(Handler handler, TestServerOptions options = {});
-    ~TestServer() override;
+    explicit TestServer(Serve serve = answerAll, Speaks speaks = Speaks::https) : serve_(std::move(serve)) {
+        if (speaks != Speaks::http) useTls(speaks);
+        auto* const any = reinterpret_cast<sockaddr*>(&address_);
+        socklen_t size = sizeof address_;
+        if (::bind(listener_, any, size) || ::listen(listener_, 99) || ::getsockname(listener_, any, &size))
+            throw std::runtime_error("cannot listen");
+        acceptor_ = std::thread([this] {
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_BLOCK, &all, nullptr);  // SIGPIPE, in our threads alone
+            std::vector<std::thread> threads;
+            for (int socket; (socket = ::accept(listener_, nullptr, nullptr)) >= 0;) {
+                ++connections_;
+                threads.emplace_back([this, socket] {
+                    Connection connection(socket, tls_.get());
+                    change([&] { open_.insert(&connection); });
+                    if (connection.open()) serve_(*this, connection);
+                    change([&] { open_.erase(&connection); });
+                    ++closed_;
+                });
+            }
+            for (std::thread& thread : threads) thread.join();
+        });
+    }
+    ~TestServer() {
+        ::shutdown(listener_, SHUT_RDWR);
+        change([this] {
+            for (Connection* const connection : open_) connection->shutDown();
+        });
+        acceptor_.join();
+        ::close(listener_);
+    }
 
-    std::string url(const std::string& path, const std::string& host = "127.0.0.1") const;
+    /// HTTP/1.1: "hello" and the body; "/failure" resets the connection, "/stall" leaves it open.
+    static void answerAll(TestServer& server, Connection& connection) {
+        for (std::string request; !(request = server.receive(connection)).empty();) {
+            const std::string path = request.substr(request.find(' ') + 1);
+            if (path.starts_with("/failure")) return connection.drop();
+            if (path.starts_with("/stall")) return waitForClose(connection);
+            const std::string body = "hello " + request.substr(request.find("\r\n\r\n") + 4);
+            send(connection, "HTTP/1.1 202 Yes\r\nSet-Cookie: id=1\r\nContent-Length: " +
+                                 std::to_string(body.size()) + "\r\n\r\n" + body);
+        }
+    }
+
+    std::string url(const std::string& path, const std::string& host = "127.0.0.1") const {
+        return (tls_ ? "https://" : "http://") + host + ":" + std::to_string(ntohs(address_.sin_port)) + path;
+    }
     /// PEM file with the authority of the server's certificate.
     std::string caFile() const { return folder_ / "ca.pem"; }
 
-    std::vector<httplib::Request> requests() const;
+    /// Those that were received here, byte by byte.
+    std::vector<std::string> requests() const {
+        const std::lock_guard lock(mutex_);
+        return requests_;
+    }
     int connections() const { return connections_; }
     int closed() const { return closed_; }
 
+    /// The next request; empty when the other side is gone.
+    std::string receive(Connection& connection) {
+        std::string request = receiveUntil(connection, "\r\n\r\n");
+        const std::size_t length = request.find("Content-Length: ");
+        for (auto left = length == request.npos ? 0 : std::stoul(request.substr(length + 16)); left > 0;
+             --left)
+            request += receiveUntil(connection, "");
+        const std::lock_guard lock(mutex_);
+        return request.empty() ? "" : requests_.emplace_back(std::move(request));
+    }
     /// False when the other side is gone.
     static bool send(Connection& connection, const std::string& bytes) {
         return connection.httplib::Stream::write(bytes) > 0;
     }
-    /// What comes up to these bytes and with them, or until the other side is gone.
-    static std::string receiveUntil(Connection& connection, const std::string& end);
-    /// Waits until the other side closes, or the server stops.
-    static void waitForClose(Connection& connection);
+    /// One byte or more, up to these and with them, or until the other side is gone.
+    static std::string receiveUntil(Connection& connection, const std::string& end) {
+        std::string text;
+        for (char byte = 0; connection.read(&byte, 1) == 1;)
+            if ((text += byte).ends_with(end)) break;
+        return text;
+    }
+    /// Waits until the other side closes.
+    static void waitForClose(Connection& connection) {
+        for (char byte = 0; connection.read(&byte, 1) == 1;) continue;
+    }
 
   private:
-    void useTls();
-    bool process_and_close_socket(socket_t socket) override;
+    void change(const auto& what) {
+        const std::lock_guard lock(mutex_);
+        what();
+    }
+    void useTls(Speaks speaks) {
+        const auto made = sandbox::makeServerCertificate("");
+        if (!made) throw std::runtime_error(made.reason());
+        folder_.file("ca.pem", made->caCertificate);
+        const std::string file = folder_.file("server.pem", made->certificate + made->privateKey);
+        tls_.reset(SSL_CTX_new(TLS_server_method()));
+        SSL_CTX_use_certificate_file(tls_.get(), file.c_str(), SSL_FILETYPE_PEM);
+        SSL_CTX_use_PrivateKey_file(tls_.get(), file.c_str(), SSL_FILETYPE_PEM);
+        const auto takeHttp2 = [](SSL*, const unsigned char** name, unsigned char* size, auto...) {
+            *name = reinterpret_cast<const unsigned char*>("h2");
+            *size = 2;
+            return SSL_TLSEXT_ERR_OK;
+        };
+        if (speaks == Speaks::http2) SSL_CTX_set_alpn_select_cb(tls_.get(), takeHttp2, nullptr);
+        if (speaks != Speaks::old) return;
+        SSL_CTX_set_security_level(tls_.get(), 0);
+        SSL_CTX_set_max_proto_version(tls_.get(), TLS1_1_VERSION);
+    }
 
-    const TestServerOptions options_;
+    const Serve serve_;
     const TemporaryFolder folder_;
     std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> tls_{nullptr, SSL_CTX_free};
-    int port_ = 0;
-    std::atomic<int> connections_ = 0;
-    std::atomic<int> closed_ = 0;
-
-    mutable std::mutex mutex_;  // for the next three
-    bool stopping_ = false;
+    sockaddr_in address_{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+    const int listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    std::atomic<int> connections_ = 0, closed_ = 0;
+    mutable std::mutex mutex_;  // for the next two
     std::set<Connection*> open_;
-    std::vector<httplib::Request> requests_;
-
+    std::vector<std::string> requests_;
     std::thread acceptor_;  // last: it uses all of the above
 };
 
