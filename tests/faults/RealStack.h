@@ -2,45 +2,32 @@
 #pragma once
 
 #include <fcntl.h>
-#include <glib.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <korvane/Journey.h>
-#include <korvane/platform/Ports.h>
-#include <unistd.h>
 
-#include <chrono>
-#include <cstdlib>
-#include <memory>
-#include <string>
 #include <thread>
 
-#include "common/HostIv.h"
 #include "platform/fakes/FakeConsole.h"
-#include "platform/linux/CurlUrlSession.h"
-#include "platform/linux/GLibMainQueue.h"
-#include "platform/linux/GLibTimers.h"
-#include "sandbox/CardService.h"
 #include "sandbox/Wire.h"
 #include "sdk/SdkConfig.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/soak/RealDevice.h"
 
 namespace korvane::testing {
 
 using namespace std::chrono_literals;
 
-/// Journeys as an app has them (main loop, HTTP session, card service), with a wire before the service. No
-/// turn of the main loop may keep a tap waiting for more than 50 ms; the time does not count in which the
-/// thread was ready and other threads had the processor.
+/// Journeys on the real adapters, with a wire before the card service. No turn of the main loop may keep a
+/// tap waiting for more than 50 ms; the time does not count in which the thread was ready and other threads
+/// had the processor.
 class RealStack {
   public:
     /// A request is given up after `timeout`, where an app waits for 60 s.
-    explicit RealStack(bool tls, std::chrono::milliseconds timeout = 20s) : tls_(tls), timeout_(timeout) {
-        EXPECT_EQ(service_.start(), "");
-        folder_.file("ca.pem", service_.caPem());
-        const std::string url = service_.url(), base = url.substr(0, url.rfind(':') + 1);
-        EXPECT_EQ(wire.start("127.0.0.1", std::atoi(url.c_str() + base.size())), "");
-        call(base + std::to_string(wire.port()), tls ? caFile() : "");
+    explicit RealStack(bool tls, std::chrono::milliseconds timeout = 20s)
+        : device_(tls, {.timeout = timeout}), timeout_(timeout) {
+        const auto port = device_.url.rfind(':') + 1;
+        EXPECT_EQ(wire.start("127.0.0.1", std::atoi(device_.url.c_str() + port)), "");
+        device_.console = console_;
+        call(device_.url.substr(0, port) + std::to_string(wire.port()), tls ? device_.caFile : "");
         send("getCardStatus");
         EXPECT_EQ(shown(), "SMSExplainView");
         send("pciTokenRequest");
@@ -51,8 +38,6 @@ class RealStack {
         pciToken_ = SdkConfig::sharedInstance().currentPciToken;
     }
     ~RealStack() {
-        journey_.reset();
-        uninstallPorts();
         ::close(schedule_);
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         constexpr auto longest = 500ms;  // under a checker everything takes about ten times as long
@@ -65,19 +50,15 @@ class RealStack {
     }
     RealStack(const RealStack&) = delete;
 
-    std::string caFile() const {
-        return folder_ / "ca.pem";
+    const std::string& caFile() const {
+        return device_.caFile;
     }
 
     /// Leads the component to a service, by a session with nothing behind it.
     void call(const std::string& url, const std::string& caFile) {
         journey_.reset();
-        const CurlUrlSessionOptions options{.caFile = caFile, .timeout = timeout_};
-        EXPECT_TRUE(installPorts({.mainQueue = std::make_shared<GLibMainQueue>(),
-                                  .timers = std::make_shared<GLibTimers>(),
-                                  .urlSession = std::make_shared<CurlUrlSession>(options),
-                                  .console = console_}));
-        EXPECT_TRUE(initialize(service_.keyBase64(), url, hostIvCallback(service_.ivUrl()), false, {}, {}));
+        device_.connect({.caFile = caFile, .timeout = timeout_});
+        device_.initialize(false, url);
     }
 
     /// To just before the request, on a wire without a fault.
@@ -103,7 +84,7 @@ class RealStack {
         if (endpoint == "pciTokenRequest") {
             EXPECT_EQ(journey_->perform("sdk.sms.explain.button"), Done::done);
         } else if (endpoint == "pciTokenSubmission") {
-            EXPECT_EQ(journey_->replaceText(service_.lastSmsCode(card_)), Done::done);
+            EXPECT_EQ(journey_->replaceText(device_.smsCode(card_)), Done::done);
         } else if (endpoint == "pinSet") {
             EXPECT_EQ(journey_->perform("sdk.confirmpin.button"), Done::done);
         } else {
@@ -163,12 +144,10 @@ class RealStack {
         return std::chrono::nanoseconds(std::strtoll(second, nullptr, 10));
     }
 
-    const bool tls_;
+    RealDevice device_;
     const std::chrono::milliseconds timeout_;
     const std::string card_ = "card-physical-active";
-    const TemporaryFolder folder_;
     const std::shared_ptr<FakeConsole> console_ = std::make_shared<FakeConsole>();
-    sandbox::CardService service_{{.tls = tls_, .pciTokenLife = 3600s, .bearerTokenLife = 3600s}};
     std::unique_ptr<Journey> journey_;
     std::string bearerToken_, pciToken_;  // of a cardholder who was here a moment ago
     std::uint64_t instance_ = 0;          // of the screen before the last step

@@ -29,9 +29,7 @@ class Concurrency : public DeviceTest {
     std::vector<std::jthread> threads;
 };
 
-INSTANTIATE_TEST_SUITE_P(Over, Concurrency, ::testing::Values(true), [](const auto&) { return "TLS"; });
-
-TEST_P(Concurrency, AHostAnswersFromManyThreadsAtOnce) {
+TEST_F(Concurrency, AHostAnswersFromManyThreadsAtOnce) {
     initializeWithManyThreads();
     const auto journey = begin(JourneyKind::setPIN, one);
     verify(*journey, one);
@@ -42,7 +40,7 @@ TEST_P(Concurrency, AHostAnswersFromManyThreadsAtOnce) {
     EXPECT_EQ(pinOf(one), "1357");
 }
 
-TEST_P(Concurrency, JourneysGoAndTheHostIsSetUpAnewWithCallsOnTheirWay) {
+TEST_F(Concurrency, JourneysGoAndTheHostIsSetUpAnewWithCallsOnTheirWay) {
     std::vector<IvReply> late;
     device.ask("POST", "/host/faults", R"({"endpoint": "*", "count": "forever", "delayMs": 4})");
     for (int i = 0; i < 60; ++i) {
@@ -65,7 +63,7 @@ TEST_P(Concurrency, JourneysGoAndTheHostIsSetUpAnewWithCallsOnTheirWay) {
     on(*journey, "CardImage_NoNav", "xmark");
 }
 
-TEST_P(Concurrency, TwoJourneysOfTwoCardsSetEachTheirOwnPin) {
+TEST_F(Concurrency, TwoJourneysOfTwoCardsSetEachTheirOwnPin) {
     device.initialize();
     const auto first = begin(JourneyKind::setPIN, one);
     const auto second = begin(JourneyKind::setPIN, other);

@@ -28,10 +28,12 @@ namespace korvane::testing {
 class RealDevice final : Console, Pasteboard {
   public:
     explicit RealDevice(bool tls = true, CurlUrlSessionOptions options = {}) {
-        const std::string arguments = tls ? "--ca-out " + caFile_ : "--http";
         // Not longer than that, should we end without ending it.
         sandbox_ = popen(
-            ("echo $$; exec timeout 2h " KORVANE_SANDBOX " " + arguments + " 2>/dev/null").c_str(), "r");
+            ("echo $$; exec timeout 2h " KORVANE_SANDBOX " --pci-token-seconds 3600 --bearer-seconds 3600 " +
+             (tls ? "--ca-out " + caFile : "--http") + " 2>/dev/null")
+                .c_str(),
+            "r");
         std::array<char, 1024> pid{}, told{};
         if (!sandbox_ || !std::fgets(pid.data(), pid.size(), sandbox_) ||
             !std::fgets(told.data(), told.size(), sandbox_))
@@ -41,11 +43,10 @@ class RealDevice final : Console, Pasteboard {
         line.Parse(told.data());
         url = textMember(line, "url");
         key = textMember(line, "key");
-        options.caFile = tls ? caFile_ : "";
-        session_ = std::make_shared<CurlUrlSession>(options);
+        options.caFile = tls ? caFile : "";
+        connect(options);
         options.timeout = std::chrono::minutes(1);
         host_ = std::make_unique<CurlUrlSession>(options);
-        install();
     }
     ~RealDevice() {
         uninstallPorts();
@@ -53,6 +54,11 @@ class RealDevice final : Console, Pasteboard {
         pclose(sandbox_);
     }
 
+    /// The component's requests go through a session with nothing behind it.
+    void connect(const CurlUrlSessionOptions& options) {
+        session_ = std::make_shared<CurlUrlSession>(options);
+        install();
+    }
     /// Puts a new reader into the ports.
     void install() {
         const auto lent = [this](auto* port) {
@@ -62,13 +68,14 @@ class RealDevice final : Console, Pasteboard {
         installPorts({.mainQueue = queue_,
                       .timers = timers_,
                       .urlSession = session_,
-                      .console = lent(static_cast<Console*>(this)),
+                      .console = console ? console : lent(static_cast<Console*>(this)),
                       .secureItemStore = store,
                       .biometricContext = reader,
                       .pasteboard = lent(static_cast<Pasteboard*>(this))});
     }
-    void initialize(bool useBiometrics = false) {
-        korvane::initialize(key, url, hostIvCallback(url + "/host/iv"), useBiometrics, {}, {});
+    void initialize(bool useBiometrics = false, const std::string& service = {}) {
+        korvane::initialize(key, service.empty() ? url : service, hostIvCallback(url + "/host/iv"),
+                            useBiometrics, {}, {});
     }
 
     /// Runs the main loop; false when the condition does not come true within that time.
@@ -100,7 +107,10 @@ class RealDevice final : Console, Pasteboard {
         return textMember(ask("POST", "/host/sms", R"({"cardId":")" + cardId + R"("})"), "code");
     }
 
+    const TemporaryFolder folder;
+    const std::string caFile = folder / "ca.pem";
     std::string url, key;
+    std::shared_ptr<Console> console;  ///< in place of this, from the next installing on
     std::shared_ptr<FakeBiometricContext> reader;
     const std::shared_ptr<FakeSecureItemStore> store = std::make_shared<FakeSecureItemStore>();
     int timeOuts = 0;     ///< requests of the component that were given up
@@ -114,8 +124,6 @@ class RealDevice final : Console, Pasteboard {
     bool setString(const std::string&) override { return copied = true; }
     void clearIfHolds(const std::string&) override { copied = false; }
 
-    const TemporaryFolder folder_;
-    const std::string caFile_ = folder_ / "ca.pem";
     FILE* sandbox_ = nullptr;
     int process_ = 0;
     const std::shared_ptr<GLibMainQueue> queue_ = std::make_shared<GLibMainQueue>();

@@ -90,8 +90,9 @@ Hidden absentPin() {
     }
 }
 
-class SecretsLeave : public DeviceTest {
+class SecretsLeave : public DeviceTest, public ::testing::WithParamInterface<bool> {
   protected:
+    SecretsLeave() : DeviceTest(GetParam()) {}
     void setPin(Journey& journey, const Hidden& pin) {
         on(journey, "EnterCardPINView", "sdk.setpin.button", *pin.shown());
         on(journey, "ConfirmCardPINView", "sdk.confirmpin.button", *pin.shown());
