@@ -3,84 +3,83 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
+#include "transport/FlatJson.h"
+
 namespace korvane {
 namespace {
 
 using namespace std::string_literals;
 
-template <class Value>
-std::string errorOf(const std::variant<Value, JsonError>& outcome) {
+std::string errorOf(const std::string& json) {
+    const auto outcome = decodeRecord<RestPinSet>(json);
     const auto* error = std::get_if<JsonError>(&outcome);
     return error ? error->text : "";
 }
 
-/// Every field of the record, and no other, is read and written under its own key.
-template <class Record>
-void expectKeys(const std::vector<std::string>& keys) {
-    std::string json = "{";
-    for (const std::string& key : keys)
-        json += (json.size() > 1 ? ",\"" : "\"") + key + "\":\"" + key + "!\"";
-    json += "}";
-    const auto record = decodeRecord<Record>(json);
-    ASSERT_EQ(errorOf(record), "");
-    EXPECT_EQ(std::get<std::string>(encodeRecord(std::get<Record>(record))), json);
-    EXPECT_EQ(sizeof(Record), keys.size() * sizeof(WireText));
-    EXPECT_EQ(std::get<Record>(record).encryptedResult, "encryptedResult!");
-    EXPECT_EQ(std::get<std::string>(encodeRecord(Record{})), "{}");
-}
-
-TEST(WireRecords, KeysAreTheFieldsNames) {
-    expectKeys<RestBearerToken>({"encryptedResult", "encryptedAccessToken", "encryptedExpiration"});
-    expectKeys<RestPciTokenRequest>({"encryptedPciSmsToken", "encryptedResult"});
-    expectKeys<RestPciTokenSubmission>({"encryptedResult", "encryptedPciToken", "encryptedPciTokenExpiration",
-                                        "encryptedBiometricsAuthenticationTimer"});
-    expectKeys<RestGetCardStatus>({"encryptedResult", "encryptedCardStatus", "encryptedCardType"});
-    expectKeys<RestGetCardImage>({"encryptedResult", "encryptedCardImage", "encryptedCardDisclosures",
-                                  "encryptedPan", "encryptedCvv", "encryptedExpiryDate", "encryptedFirstName",
-                                  "encryptedMiddleName", "encryptedLastName", "encryptedCardNetwork"});
-    expectKeys<RestPinSet>({"encryptedResult"});
-}
-
-TEST(WireRecords, WhatIsMissingIsAbsentAndWhatIsUnknownIsSkipped) {
-    const auto read = [](std::string json) {
-        return std::get<RestGetCardStatus>(decodeRecord<RestGetCardStatus>(std::move(json)));
-    };
-    EXPECT_FALSE(read("{}").encryptedResult);
-    EXPECT_FALSE(read(R"({"encryptedResult": "first", "encryptedResult": null})").encryptedResult);
-    EXPECT_EQ(read(R"( {"x": [1, {"encryptedResult": "no"}], "encryptedResult": "a\u00e9\n\ud83d\ude42\/"} )")
-                  .encryptedResult,
-              "aé\n🙂/");
-    EXPECT_EQ(read(R"({"encryptedResult": "first", "encryptedResult": "last"})").encryptedResult, "last");
-    EXPECT_EQ(read(R"({"encryptedResult": "a\u0000b"})").encryptedResult, "a\0b"s);
-    EXPECT_FALSE(read(R"({"encryptedresult": "other case"})").encryptedResult);
-}
-
-TEST(WireRecords, WhatIsNoSuchObjectIsAnErrorThatSaysWhy) {
+TEST(WireRecords, WhatIsNoObjectOfTextsIsAnErrorThatSaysWhy) {
     const std::string deep = std::string(1'000'000, '[') + std::string(1'000'000, ']');
-    const std::pair<std::string, std::string> cases[] = {
-        {"", "The document is empty. (at byte 0)"},
-        {"<html>", "Invalid value. (at byte 0)"},
-        {"[]", "not a JSON object"},
-        {deep, "not a JSON object"},
-        {R"({"encryptedResult": 1})", R"(the value of "encryptedResult" is not a text)"},
-        {R"({"encryptedResult": "a"} x)",
-         "The document root must not be followed by other values. (at byte 25)"},
-        {"{}\0{}"s, "a NUL stands in the text"},
-        {"{\"encryptedResult\": \"\xC3(\"}", "the text is not UTF-8"},
-        {R"({"encryptedResult": "\ud800"})", "The surrogate pair in string is invalid. (at byte 21)"},
-    };
-    for (const auto& [json, error] : cases)
-        EXPECT_EQ(errorOf(decodeRecord<RestPinSet>(json)), error) << json.substr(0, 80);
-    EXPECT_EQ(errorOf(decodeRecord<RestPinSet>("{\"x\":" + deep + "}")), "");
+    EXPECT_EQ(errorOf(R"({"encryptedResult": 1})"), R"(the value of "encryptedResult" is not a text)");
+    EXPECT_EQ(errorOf(R"({"encryptedResult": "a"} x)"),
+              "The document root must not be followed by other values. (at byte 25)");
+    EXPECT_EQ(errorOf(deep), "not a JSON object");
+    EXPECT_EQ(errorOf("{\"x\":" + deep + R"(,"encryptedresult": 1})"), "") << "nobody asks for these keys";
 }
 
-TEST(Disclosures, AreAListOfItemsWithOptionalTexts) {
-    for (const std::string json :
-         {R"({"CardDisclosures":[{"Language":"en","CardDisclosure":"t"},{"Language":"fr"},{}]})",
-          R"({"CardDisclosures":[]})", "{}"}) {
-        const auto outcome = decodeDisclosures(json);
-        ASSERT_EQ(errorOf(outcome), "");
-        EXPECT_EQ(std::get<std::string>(encodeDisclosures(std::get<DecryptedCardDisclosure>(outcome))), json);
+/// What is read of two texts; "-" when it is refused.
+std::string read(const std::string& json,
+                 const std::function<bool(const std::string&, std::span<const TextSlot>)>& way) {
+    WireText a, b;
+    const TextSlot slots[] = {{"a", &a}, {"b", &b}};
+    return way(json, slots) ? a.value_or("none") + ", " + b.value_or("none") : "-";
+}
+
+/// Where "-" leaves it to the JSON library.
+std::string readShort(const std::string& json) {
+    return read(json, readFlatJson);
+}
+
+std::string readByLibrary(std::string json) {
+    json.insert(json.find('{') + 1, R"("":0,)");  // a number goes that way
+    return read(json, [](auto& text, auto slots) { return decodeTexts(text, slots).index() == 0; });
+}
+
+TEST(FlatJson, ReadsPlainObjectsOfTextsAlone) {
+    EXPECT_EQ(readShort("{}"), "none, none");
+    EXPECT_EQ(readShort(" {\t} \r\n"), "none, none");
+    EXPECT_EQ(readShort(R"({"a":"1","x":"2","b":"3"})"), "1, 3");
+    EXPECT_EQ(readShort(" {\n\"b\" : \"\" , \"a\" :\t\"x y\" }\r\n"), "x y, ");
+    EXPECT_EQ(readShort(R"({"a":"1","b":"2","a":"3","b":null})"), "3, none");
+    for (const std::size_t size : {16'383, 16'384, 16'385, 32'768, 100'000}) {
+        const std::string text(size, 'k');
+        EXPECT_EQ(readShort("{\"a\":\"" + text + "\",\"b\":\"" + text + "\"}"), text + ", " + text);
+        EXPECT_EQ(readShort("{\"a\":\"" + text + "\n\"}"), "-");
+    }
+}
+
+TEST(FlatJson, TakesNothingForSomethingElse) {
+    const std::string good = R"( {"a":"n1","b":null})", odd = "\"\\,:{}[]'n1 \n\f\x7F\xC3\xEF\0"s;
+    for (std::size_t place = 0; place <= good.size(); ++place) {
+        for (const std::size_t cut : {0, 1, 2, 4}) {
+            for (std::size_t which = 0; which <= odd.size(); ++which) {
+                const std::string json = std::string(good).replace(place, cut, odd.substr(which, 1));
+                const std::string text = readShort(json);
+                EXPECT_TRUE(text == "-" || text == readByLibrary(json)) << json;
+            }
+        }
+    }
+}
+
+TEST(FlatJson, WritesWhatItReads) {
+    TextMap texts;
+    EXPECT_EQ(writeFlatJson(texts), "{}");
+    texts.set("a", "x+/=");
+    texts.set("b", "");
+    EXPECT_EQ(writeFlatJson(texts), R"({"a":"x+/=","b":""})");
+    for (const std::string& odd : {"\""s, "\\"s, "\n"s, "\0"s, "é"s}) {
+        texts.set("b", odd);
+        EXPECT_EQ(writeFlatJson(texts), std::nullopt);
     }
 }
 
