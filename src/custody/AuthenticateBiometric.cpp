@@ -130,8 +130,8 @@ std::shared_ptr<BiometricEvaluation>& initializeCheck() {
     return *held;
 }
 
-/// Starts a check; `done` runs on the main queue, unless the handle is released first. None when the device
-/// cannot evaluate.
+/// Starts a check; `done` runs on the main queue, unless the handle is released first; after a match when the
+/// store, which `done` reads, is ready. None when the device cannot evaluate.
 std::shared_ptr<BiometricEvaluation> evaluate(std::function<void(bool)> done) {
     // One reader, one check at a time: a journey's gate does what the check of `initialize` would have done.
     initializeCheck().reset();
@@ -140,12 +140,19 @@ std::shared_ptr<BiometricEvaluation> evaluate(std::function<void(bool)> done) {
     const std::string reason = ports().stringTable->text("enrollment.enableFaceID.reason");
     // The reply may be queued already when the handle goes: the token that dies with it tells.
     auto alive = std::make_shared<int>();
-    auto check = context.evaluate(reason, [queue = ports().mainQueue, weak = std::weak_ptr<int>(alive),
-                                           done = std::move(done)](bool success) {
-        queue->post([weak, done, success] {
-            if (!weak.expired()) done(success);
+    auto check =
+        context.evaluate(reason, [queue = ports().mainQueue, store = ports().secureItemStore,
+                                  weak = std::weak_ptr<int>(alive), done = std::move(done)](bool success) {
+            const auto tell = [queue, weak, done, success] {
+                queue->post([weak, done, success] {
+                    if (!weak.expired()) done(success);
+                });
+            };
+            if (success)
+                store->prepare(tell);
+            else
+                tell();
         });
-    });
     BiometricEvaluation* const handle = check.get();
     return {handle, [check = std::shared_ptr<BiometricEvaluation>(std::move(check)),
                      alive = std::move(alive)](BiometricEvaluation*) mutable {
@@ -155,6 +162,12 @@ std::shared_ptr<BiometricEvaluation> evaluate(std::function<void(bool)> done) {
 }
 
 }  // namespace
+
+void AuthenticateBiometric::prepareToSave(std::function<void()> ready) {
+    if (!SdkConfig::sharedInstance().useBiometrics) return ready();
+    ports().secureItemStore->prepare(
+        [queue = ports().mainQueue, ready = std::move(ready)] { queue->post(ready); });
+}
 
 bool AuthenticateBiometric::savePciTokenAndTimeoutToKeychain() {
     if (SdkConfig::sharedInstance().currentPciToken.empty()) {

@@ -68,7 +68,11 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
             api, sent,
             [self = shared_from_this()](std::optional<Reply> reply, std::optional<CallError> error) {
                 self->call_.reset();
-                error ? self->failed(*error) : self->answered(std::move(reply));
+                if (error) return self->failed(*error);
+                if (!self->does_.beforeReading) return self->answered(std::move(reply));
+                self->does_.beforeReading([self, reply = std::move(reply)]() mutable {
+                    if (!self->isOver()) self->answered(std::move(reply));
+                });
             });
     }
 

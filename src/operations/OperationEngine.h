@@ -56,6 +56,7 @@ struct OperationDescription {
     bool printsSeparator = false;  ///< a line of "=" behind that
     bool printsValues = false;     ///< each value in clear (deliberate)
     void (*beforeSending)() = nullptr;
+    void (*beforeReading)(std::function<void()> goOn) = nullptr;  ///< holds a reply back until it calls that
 
     std::string_view errLine{};        ///< in place of "NAME() (middle layer) err != nil"
     std::string_view cancelledLine{};  ///< with the next: a cancelled request is a case of its own

@@ -84,6 +84,7 @@ Operation doPciTokenSubmission(OperationCompletion completion) {
                    {&SdkConfig::useBiometric}},
         .send = sendTo<RestPciTokenSubmission, &API::pciTokenSubmission, 4, storePciToken>,
         .beforeSending = settleUseBiometric,
+        .beforeReading = AuthenticateBiometric::prepareToSave,
         // A cancelled submission may have used the code up: the SMS screens start over.
         .cancelledLine = "Forcing SMS flow reset...",
         .cancelledMsg = "forceSMSFlowReset",

@@ -5,6 +5,7 @@
 #include <korvane/contracts/SecureItemStoreContract.h>
 
 #include <chrono>
+#include <future>
 
 #include "platform/linux/SecretServiceClient.h"
 #include "tests/platform/support/Devices.h"
@@ -96,6 +97,28 @@ TEST_F(SecretService, NoBusNoDaemonAndNoCollectionAreToldApart) {
     devices.ask("start_keyring --login-is-not-made");
     EXPECT_THAT(all(), Each(secureItemNoCollection));
     devices.ask("kill_bus");
+    EXPECT_THAT(all(), Each(secureItemNotAvailable));
+}
+
+TEST_F(SecretService, AStoppedDaemonIsNotWaitedForOnceItWasAskedForALifeSign) {
+    devices.ask("start_keyring");
+    EXPECT_EQ(store.add("service", "account", "secret"), secureItemSuccess);
+    const auto prepare = [this] {
+        const auto ready = std::make_shared<std::promise<void>>();
+        store.prepare([ready] { ready->set_value(); });
+        return ready->get_future();
+    };
+    devices.ask("stop keyring");
+    ASSERT_EQ(prepare().wait_for(10s), std::future_status::ready);
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_EQ(store.exists("service", "account"), secureItemTimedOut);
+    EXPECT_EQ(store.copy("service", "account").status, secureItemTimedOut);
+    EXPECT_THAT(std::chrono::steady_clock::now() - asked, Lt(50ms));
+    devices.ask("go_on keyring");
+    prepare().wait();
+    EXPECT_EQ(store.copy("service", "account").value, "secret");
+    devices.ask("kill_keyring");
+    prepare().wait();
     EXPECT_THAT(all(), Each(secureItemNotAvailable));
 }
 

@@ -4,11 +4,14 @@
 #include <gtest/gtest.h>
 #include <korvane/platform/SecureItemStore.h>
 
+#include <atomic>
+#include <chrono>
 #include <concepts>
 #include <memory>
 #include <numeric>
 #include <optional>
 #include <string>
+#include <thread>
 
 namespace korvane::testing {
 
@@ -73,8 +76,18 @@ TYPED_TEST_P(SecureItemStoreContract, AValueIsAnyBytesNoneIncluded) {
     }
 }
 
+TYPED_TEST_P(SecureItemStoreContract, ItIsReadyOnceAndHoldsWhatItHeld) {
+    auto& store = *this->driver.store;
+    EXPECT_EQ(store.add("service", "account", "value"), secureItemSuccess);
+    const auto times = std::make_shared<std::atomic<int>>(0);
+    store.prepare([times] { ++*times; });
+    for (int i = 0; i < 500 && *times == 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(store.copy("service", "account").value, "value");
+    EXPECT_EQ(*times, 1);
+}
+
 REGISTER_TYPED_TEST_SUITE_P(SecureItemStoreContract, AnItemIsAddedOnceUpdatedReadAndRemoved,
-                            AValueIsAnyBytesNoneIncluded);
+                            AValueIsAnyBytesNoneIncluded, ItIsReadyOnceAndHoldsWhatItHeld);
 /// @endcond
 
 }  // namespace korvane::testing

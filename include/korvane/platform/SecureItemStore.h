@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -57,6 +58,10 @@ class SecureItemStore {
     virtual SecureItem copy(std::string_view service, std::string_view account) = 0;
     /// Deletes the item; `secureItemNotFound` when there is none.
     virtual SecureItemStatus remove(std::string_view service, std::string_view account) = 0;
+
+    /// Calls are to come: a store that may hang finds out whether it answers, and has the calls after `ready`
+    /// not wait if it does not. `ready` runs once, on any thread, from inside this call too, within 5 s.
+    virtual void prepare(std::function<void()> ready) { ready(); }
 };
 
 /// The store of a device that has none: every call answers `secureItemNotAvailable`.

@@ -54,7 +54,7 @@ SecretServiceClient::~SecretServiceClient() {
                            nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
-SecureItemStatus SecretServiceClient::connect() {
+SecureItemStatus SecretServiceClient::connectToBus() {
     GLibError error;
     connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable_.get(), error.out()));
     if (!connection_) {
@@ -63,6 +63,22 @@ SecureItemStatus SecretServiceClient::connect() {
     }
     // Or GLib ends the host's process when the bus goes. libsecret knows no connection but the shared one.
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
+    return secureItemSuccess;
+}
+
+bool SecretServiceClient::answers(std::chrono::milliseconds limit) {
+    if (const SecureItemStatus status = connectToBus(); status != secureItemSuccess)
+        return status != secureItemTimedOut;
+    GLibError error;
+    const GLibPtr<GVariant> reply(g_dbus_connection_call_sync(
+        connection_.get(), busName, servicePath, serviceInterface, "ReadAlias", g_variant_new("(s)", "login"),
+        nullptr, G_DBUS_CALL_FLAGS_NONE, static_cast<int>(limit.count()), cancellable_.get(), error.out()));
+    return reply || statusOf(error) != secureItemTimedOut;
+}
+
+SecureItemStatus SecretServiceClient::connect() {
+    if (const SecureItemStatus status = connectToBus(); status != secureItemSuccess) return status;
+    GLibError error;
     service_.reset(secret_service_open_sync(SECRET_TYPE_SERVICE, busName, SECRET_SERVICE_OPEN_SESSION,
                                             cancellable_.get(), error.out()));
     return service_ ? secureItemSuccess : statusOf(error);

@@ -8,6 +8,7 @@
 #define SECRET_API_SUBJECT_TO_CHANGE
 #include <libsecret/secret.h>
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,9 @@ class SecretServiceClient {
     SecretServiceClient(const SecretServiceClient&) = delete;
     SecretServiceClient& operator=(const SecretServiceClient&) = delete;
 
+    /// Whether the daemon answers at all within that time, be it that there is none. Needs no `connect`.
+    bool answers(std::chrono::milliseconds limit);
+
     SecureItemStatus connect();
     SecureItemStatus openCollection();
     SecureItemStatus find(std::string service, std::string account);
@@ -42,6 +46,7 @@ class SecretServiceClient {
     SecretService* service() const { return service_.get(); }
 
   private:
+    SecureItemStatus connectToBus();
     GLibPtr<GVariant> call(const char* path, const char* interface, const char* method, GVariant* arguments,
                            const char* replyType, SecureItemStatus& status);
     std::string alias(const char* name, SecureItemStatus& status);

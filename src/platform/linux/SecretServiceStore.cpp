@@ -88,6 +88,7 @@ class SecretServiceStore::Worker {
     explicit Worker(std::chrono::milliseconds timeout) : timeout_(timeout) {}
 
     ~Worker() {
+        g_cancellable_cancel(asking_.get());
         const auto done = std::make_shared<std::promise<void>>();
         thread_.post([this, done] {
             endPrompt();
@@ -96,19 +97,31 @@ class SecretServiceStore::Worker {
         done->get_future().wait();
     }
 
-    SecureItem run(std::string_view service, std::string_view account, Work work);
+    SecureItem run(std::string_view service, std::string_view account, Work work, bool patient = false);
+    void prepare(std::function<void()> ready);
 
   private:
     SecureItem serve(GCancellable* cancellable, std::string service, std::string account, const Work& work);
     void endPrompt();
 
     const std::chrono::milliseconds timeout_;
+    const GLibPtr<GCancellable> asking_{g_cancellable_new()};
+    std::atomic<bool> silent_ = false;   // it had no answer for the last `prepare`
     std::atomic<bool> hanging_ = false;  // the last call ran out of time
     Prompts prompts_;                    // its thread only
     GLibThread thread_{"korvane-secrets"};
 };
 
-SecureItem SecretServiceStore::Worker::run(std::string_view service, std::string_view account, Work work) {
+void SecretServiceStore::Worker::prepare(std::function<void()> ready) {
+    thread_.post([this, ready = std::move(ready)] {
+        hanging_ = silent_ = !SecretServiceClient(asking_.get()).answers(timeout_);
+        ready();
+    });
+}
+
+SecureItem SecretServiceStore::Worker::run(std::string_view service, std::string_view account, Work work,
+                                           bool patient) {
+    if (silent_ && !patient) return {secureItemTimedOut, std::nullopt};
     const auto call = std::make_shared<Call>();
     thread_.post([this, call, work = std::move(work), serviceName = std::string{service},
                   accountName = std::string{account}] {
@@ -199,11 +212,17 @@ SecureItem SecretServiceStore::copy(std::string_view service, std::string_view a
 
 SecureItemStatus SecretServiceStore::remove(std::string_view service, std::string_view account) {
     return worker_
-        ->run(service, account,
-              [](SecretServiceClient& client, SecureItemStatus found) {
-                  return statusOnly(found == secureItemSuccess ? client.erase() : found);
-              })
+        ->run(
+            service, account,
+            [](SecretServiceClient& client, SecureItemStatus found) {
+                return statusOnly(found == secureItemSuccess ? client.erase() : found);
+            },
+            true)
         .status;
+}
+
+void SecretServiceStore::prepare(std::function<void()> ready) {
+    worker_->prepare(std::move(ready));
 }
 
 }  // namespace korvane

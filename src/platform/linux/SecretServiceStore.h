@@ -22,15 +22,13 @@ namespace korvane {
 /// Statuses beside found, not found and duplicate:
 /// - `secureItemNotAvailable`: no bus, no daemon, or it went away during the call;
 /// - `secureItemNoCollection`: neither a login nor a default collection;
-/// - `secureItemLocked`: the collection is locked and does not open without the user. The daemon's own prompt
-/// is
-///   put up then, once at a time, and the call does not wait for it: it could take minutes, and the caller
-///   holds up the screen. A later call finds the collection open;
+/// - `secureItemLocked`: the collection is locked and does not open without the user. The daemon's own
+///   prompt is put up then, once at a time, and the call does not wait for it: it could take minutes, and the
+///   caller holds up the screen. A later call finds the collection open;
 /// - `secureItemDismissed`: the same, but the user declined that prompt. Nobody is asked twice by one store;
 /// - `secureItemBusy`: the thread did not get round to the call in time, or the bus refuses more calls;
-/// - `secureItemTimedOut`: no answer within the time-out. While the daemon hangs, further calls wait for a
-/// tenth
-///   of that: a save is four calls;
+/// - `secureItemTimedOut`: no answer within the time-out, or `prepare` found that there is none. While the
+///   daemon hangs, further calls wait for a tenth of the time-out: a save is four calls;
 /// - `secureItemFailed`: anything else.
 ///
 /// Another program, or another process of the app at the same moment, may make several items of one service
@@ -49,7 +47,11 @@ class KORVANE_API SecretServiceStore final : public SecureItemStore {
     SecureItemStatus update(std::string_view service, std::string_view account,
                             std::string_view value) override;
     SecureItem copy(std::string_view service, std::string_view account) override;
+    /// Waits for the daemon even if `prepare` found that it hangs: a log-out matters more than a short wait.
     SecureItemStatus remove(std::string_view service, std::string_view account) override;
+    /// Asks the daemon something, for the time-out at most. Calls after a question without an answer do not
+    /// wait at all, until the next one has its answer.
+    void prepare(std::function<void()> ready) override;
 
   private:
     class KORVANE_HIDDEN Worker;
