@@ -11,8 +11,8 @@ namespace korvane {
 /// Keeps the PCI token and its timeout in the secure item store, behind the biometric check. Main thread.
 class AuthenticateBiometric {
   public:
-    /// With biometrics on, has the store made ready, so that the main thread does not wait for one that hangs:
-    /// `ready` runs on the main queue then, else from inside this call.
+    /// With biometrics on, has the store made ready, so that the main thread does not wait for one that
+    /// hangs: `ready` runs on the main queue then, else from inside this call.
     static void prepareToSave(std::function<void()> ready);
     /// Writes both; true only if both were written.
     static bool savePciTokenAndTimeoutToKeychain();
