@@ -32,15 +32,8 @@ class Custody(unittest.TestCase):
         event = journey.next(lambda e: e["event"] == "custody")
         return event["tokenInMemory"], event["timerPciExpired"]
 
-    def wait_for_line(self, journey, line):
-        end = time.monotonic() + PATIENCE
-        while line + "\n" not in journey.log:
-            self.assertLess(time.monotonic(), end, line)
-            time.sleep(0.05)
-
-    def save_by_sms(self):
-        """A first visit: the check is declined, an SMS code gives the token."""
-        journey = self.start()
+    def test_finger_in_place_of_sms_until_the_time_is_up_or_biometrics_go_off(self):
+        journey = self.start()  # a first visit: the check is declined, an SMS code gives the token
         journey.next(lambda e: "reason" in e)
         journey.tap("sdk.biometrics.cancel")
         journey.verify_by_sms(self.sandbox)
@@ -49,8 +42,6 @@ class Custody(unittest.TestCase):
         self.assertEqual(self.custody(journey), (True, False))
         self.leave(journey)
 
-    def test_finger_in_place_of_sms_until_the_time_is_up_or_biometrics_go_off(self):
-        self.save_by_sms()
         requests = self.sandbox.requests()["pciTokenRequest"]
         self.devices.set_item(TIMEOUT, "4")  # the one timer of the tests that runs on the real clock
         journey = self.start()
@@ -61,7 +52,10 @@ class Custody(unittest.TestCase):
         self.assertEqual(self.custody(journey), (True, False))
         self.assertEqual(self.sandbox.requests()["pciTokenRequest"], requests)
 
-        self.wait_for_line(journey, "handlePCITokenClearTimer - setting SdkConfig timerPciExpired to true")
+        end = time.monotonic() + PATIENCE
+        while "handlePCITokenClearTimer - setting SdkConfig timerPciExpired to true\n" not in journey.log:
+            self.assertLess(time.monotonic(), end)
+            time.sleep(0.05)
         self.assertEqual(self.custody(journey), (False, True))
         self.assertEqual(self.devices.items().keys(), {TOKEN, TIMEOUT})
         journey.enter_and_confirm("1357")
@@ -72,18 +66,6 @@ class Custody(unittest.TestCase):
         journey.shows("SMSExplainView")
         self.assertFalse(self.devices.items())
         self.leave(journey)
-
-    def test_lost_or_locked_keyring_leads_to_the_sms_step_and_on(self):
-        self.save_by_sms()
-        for fault in (self.devices.lock, self.devices.kill_keyring):
-            fault()
-            journey = self.start()
-            self.devices.touch()
-            self.wait_for_line(journey, "KeychainCommunicator.get pci token failed")
-            journey.verify_by_sms(self.sandbox)
-            self.wait_for_line(journey, "Error KeychainCommunicator.set pci token")
-            journey.shows("EnterCardPINView")
-            self.leave(journey)
 
 
 if __name__ == "__main__":

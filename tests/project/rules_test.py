@@ -8,7 +8,6 @@ import re
 import shutil
 import subprocess
 import sys
-import tempfile
 import unittest
 
 TOP, BUILD = (pathlib.Path(argument).resolve() for argument in sys.argv[1:3])
@@ -19,12 +18,6 @@ OUTSIDE = ("platform/linux/", "platform/qt/", "platform/fakes/", "uikit/quick/",
 MAY_REACH_UP = {"sdk/Initialize.cpp": {"custody", "transport"}}
 FOREIGN = ("Q", "qt", "curl/", "glib", "gio/", "libsecret/", "dbus/")
 PUBLIC_FOREIGN = FOREIGN + ("openssl/", "rapidjson/", "gmock/")
-# One of each kind that the generator of the reference treats in its own way.
-COMMENTS = [("Initialize.h", r"/// Sets the component up.*?\n(?=KORVANE_API bool)", "initialize"),
-            ("Journey.h", r"/// Which journey\.\n", "JourneyKind"),
-            ("Journey.h", r"///< digit boxes, on the screens.*?\n", "passcode"),
-            ("platform/UrlSession.h", r"    /// Starts a request\..*?\n(?=    virtual std::unique)", "start"),
-            ("korvane.h", r"/\*\* Uses the control of that id\. \*/\n", "korvane_journey_perform")]
 
 
 def sources(*folders):
@@ -38,13 +31,6 @@ def sources(*folders):
 
 def includes(path):
     return re.findall(r'(?m)^\s*#\s*include\s*[<"]([^>"]+)[>"]', path.read_text())
-
-
-def reference(top, out):
-    """What the generator has against the comments of the public names."""
-    settings = (top / "Doxyfile").read_text() + f"\nOUTPUT_DIRECTORY = {out}\n"
-    done = subprocess.run(["doxygen", "-"], input=settings, cwd=top, capture_output=True, text=True)
-    return done.stderr if done.returncode else ""
 
 
 class Rules(unittest.TestCase):
@@ -89,27 +75,17 @@ class Rules(unittest.TestCase):
         self.assertEqual((done.stderr, done.returncode), ("", 0))
 
     def test_reference(self):
-        """Every public name has a comment of its own. The generator must notice each that is taken away in a copy."""
+        """Every public name has a comment of its own: the generator takes a warning for an error."""
         out = BUILD / "reference"
         shutil.rmtree(out, ignore_errors=True)  # pages of names that are gone
         out.mkdir(parents=True)
-        self.assertEqual(reference(TOP, out), "")
+        settings = (TOP / "Doxyfile").read_text() + f"\nOUTPUT_DIRECTORY = {out}\n"
+        done = subprocess.run(["doxygen", "-"], input=settings, cwd=TOP, capture_output=True, text=True)
+        self.assertEqual(done.stderr if done.returncode else "", "")
         self.assertTrue((out / "index.html").exists())
         installed = re.search(r"KORVANE_LINUX_HEADERS ([^)]*?) CACHE", (TOP / "src/platform/linux/CMakeLists.txt").read_text())[1]
         for header in installed.split():
-            self.assertIn(f"/linux/{header}", (TOP / "Doxyfile").read_text())
-        copy = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
-        for name in ("include", "src/platform", "docs"):
-            shutil.copytree(TOP / name, copy / name)
-        shutil.copy(TOP / "Doxyfile", copy)
-        for header, comment, name in COMMENTS:
-            path = copy / "include/korvane" / header
-            changed, times = re.subn(comment, "\n", path.read_text(), count=1, flags=re.DOTALL)
-            self.assertEqual(times, 1, name)
-            path.write_text(changed)
-        noticed = reference(copy, copy / "reference")
-        for _, _, name in COMMENTS:
-            self.assertRegex(noticed, rf"\b{name}\b.* is not documented")
+            self.assertIn(f"/linux/{header}", settings)
 
 
 if __name__ == "__main__":

@@ -30,11 +30,9 @@ class TestClient {
     };
 
     explicit TestClient(const CardService& service)
-        : TestClient(service.url(), service.caPem(), service.keyBase64()) {}
-    TestClient(std::string url, const std::string& caPem, const std::string& keyBase64)
-        : key(base64Decode(keyBase64).value()),
-          url_(std::move(url)),
-          session_({.caFile = caPem.empty() ? "" : folder_.file("ca.pem", caPem)}) {}
+        : key(base64Decode(service.keyBase64()).value()),
+          url_(service.url()),
+          session_({.caFile = service.caPem().empty() ? "" : folder_.file("ca.pem", service.caPem())}) {}
 
     Answer send(const std::string& method, const std::string& path, const std::string& body = {},
                 const Texts& headers = {}) {
@@ -70,11 +68,12 @@ class TestClient {
         }
         return writeJson(body);
     }
-    Answer call(const std::string& endpoint, const Texts& plain) {
+    Answer post(const std::string& endpoint, const std::string& body) {
         Texts headers = wireHeaders;
         if (!bearer.empty()) headers["Authorization"] = "Bearer " + bearer;
-        return send("POST", "/api/sdk/" + endpoint, bodyOf(plain), headers);
+        return send("POST", "/api/sdk/" + endpoint, body, headers);
     }
+    Answer call(const std::string& endpoint, const Texts& plain) { return post(endpoint, bodyOf(plain)); }
 
     Answer signIn() {
         if (ivId.empty()) renewIv();

@@ -15,23 +15,27 @@ PROGRAM = sys.argv.pop(1)
 
 
 class CommandLine(unittest.TestCase):
+    def start(self, program, *arguments):
+        process = subprocess.Popen([program, *arguments], text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        return process, json.loads(process.stdout.readline())
+
+    def assert_refused(self, status, message, *command):
+        run = subprocess.run(command, capture_output=True, text=True, timeout=20)
+        self.assertEqual((run.stdout, run.returncode), ("", status), command)
+        self.assertIn(message, run.stderr)
+
     def test_serves_until_it_is_told(self):
         key = "AAAAAAAAAAAAAAAAAAAAAA=="
-        with tempfile.TemporaryDirectory() as folder:
-            for number in (signal.SIGTERM, signal.SIGINT):
-                ca = os.path.join(folder, "ca.pem")
-                program = subprocess.Popen([PROGRAM, "--ca-out", ca, "--key", key, "--verbose"], text=True,
-                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-                self.addCleanup(program.communicate)
-                self.addCleanup(program.kill)
-                told = json.loads(program.stdout.readline())
-                self.assertEqual(told, {"url": told["url"], "ca": ca, "key": key, "ivUrl": told["url"] + "/host/iv"})
-                answer = subprocess.run(["curl", "-sS", "--cacert", ca, "-X", "POST", told["ivUrl"]],
-                                        capture_output=True, check=True).stdout
-                self.assertIn("ivId", json.loads(answer))
-                program.send_signal(number)
-                self.assertEqual(program.wait(20), 0)
-                self.assertIn("/host/iv 200", program.stderr.read())
+        ca = os.path.join(self.enterContext(tempfile.TemporaryDirectory()), "ca.pem")
+        for number in (signal.SIGTERM, signal.SIGINT):
+            program, told = self.start(PROGRAM, "--ca-out", ca, "--key", key, "--verbose")
+            self.assertEqual(told, {"url": told["url"], "ca": ca, "key": key, "ivUrl": told["url"] + "/host/iv"})
+            subprocess.run(["curl", "-sS", "--cacert", ca, "-X", "POST", told["ivUrl"]], capture_output=True, check=True)
+            program.send_signal(number)
+            self.assertEqual(program.wait(20), 0)
+            self.assertIn("/host/iv 200", program.stderr.read())
 
     def test_refuses_what_it_does_not_understand_or_cannot_use(self):
         folder = self.enterContext(tempfile.TemporaryDirectory())
@@ -52,34 +56,24 @@ class CommandLine(unittest.TestCase):
                     (1, "holds no certificate", "--tls-dir", folder + "/tls"), (1, "cannot make the directory", "--tls-dir", text + "/tls"),
                     (1, "cannot listen", "--listen", "192.0.2.1"), (1, "neither address nor name", "--listen", "a,DNS:b"),
                     (1, "cannot listen", "--port", str(taken.getsockname()[1]))]:
-                run = subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, timeout=20)
-                self.assertEqual((run.stdout, run.returncode), ("", status), arguments)
-                self.assertIn(message, run.stderr)
-        usage = subprocess.run([PROGRAM, "--help"], capture_output=True, text=True, check=True).stdout
-        self.assertIn("Usage: korvane-sandbox", usage)
+                self.assert_refused(status, message, PROGRAM, *arguments)
 
     def test_the_wire_makes_its_fault_and_refuses_what_it_cannot_mean(self):
         wire = PROGRAM.replace("sandbox", "wire")
-        service = subprocess.Popen([PROGRAM, "--http"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        self.addCleanup(service.communicate)
-        self.addCleanup(service.kill)
-        to = json.loads(service.stdout.readline())["url"].removeprefix("http://")
+        to = self.start(PROGRAM, "--http")[1]["url"].removeprefix("http://")
         for fault, statuses in {"": (0, 0), "refuse": (7, 7), "--times 1 reset 0": (56, 0), "--skip 1 close 0": (0, 52),
                                 "stall 9": (28, 28), "drip 99 1": (0, 0), f"reply {__file__}": (1, 1)}.items():
-            program = subprocess.Popen([wire, "--to", to, *fault.split()], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-            self.addCleanup(program.kill)
-            url = f"http://127.0.0.1:{json.loads(program.stdout.readline())['port']}/host/cards"
+            program, told = self.start(wire, "--to", to, *fault.split())
+            url = f"http://127.0.0.1:{told['port']}/host/cards"
             asked = [subprocess.run(["curl", "-sm2", "-o/dev/null", url], check=False).returncode for _ in statuses]
             program.terminate()
             self.assertEqual((tuple(asked), program.wait(20)), (statuses, 0), fault)
-            self.assertEqual(program.communicate()[1].count("bytes to the service"), 0 if fault == "refuse" else 2)
+            self.assertEqual(program.stderr.read().count("bytes to the service"), 0 if fault == "refuse" else 2)
         for message, arguments in {"--to is missing": "", "--to takes HOST:PORT": "--to x", "unknown option -x": "-x 1",
                                    "--skip takes a whole number": "--to x:1 --skip x", "no such fault": "--to x:1 melt",
                                    "reset takes 1 value": "--to x:1 reset", "at least 1 byte": "--to x:1 drip 0 1",
                                    "cannot read /none": "--to x:1 reply /none", "a number of bytes": "--to x:1 stall x"}.items():
-            run = subprocess.run([wire, *arguments.split()], capture_output=True, text=True, timeout=20)
-            self.assertEqual((run.stdout, run.returncode), ("", 2), arguments)
-            self.assertIn(message, run.stderr)
+            self.assert_refused(2, message, wire, *arguments.split())
 
 
 if __name__ == "__main__":

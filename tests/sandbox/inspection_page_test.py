@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 """The page of the card service in a real browser, while a real journey runs."""
 
-import subprocess
 import unittest
 
 from selenium import webdriver
@@ -27,7 +26,6 @@ class InspectionPage(unittest.TestCase):
             options.add_argument(flag)
         self.browser = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)  # with a profile of its own
         self.addCleanup(self.browser.quit)
-        self.looks(1280, 900, "light")
         self.browser.get(self.sandbox.url)
         self.wait("document.querySelector('#live').textContent === 'live'")
 
@@ -40,23 +38,12 @@ class InspectionPage(unittest.TestCase):
     def click(self, selector):
         self.browser.find_element(By.CSS_SELECTOR, selector).click()
 
-    def write(self, selector, text):
-        field = self.browser.find_element(By.CSS_SELECTOR, selector)
-        field.clear()
-        field.send_keys(text)
-
-    def looks(self, width, height, scheme):
-        self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                                     {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})
-        self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
-                                     {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
-
     def journey(self, **keywords):
         journey = Journey(self.sandbox, **keywords)
         self.addCleanup(journey.end)
         return journey
 
-    def test_a_journey_arrives_while_the_page_is_open(self):
+    def test_a_journey_arrives_while_the_page_is_open_at_any_size(self):
         self.assertIn("PIN 4827", self.run_script(CARD))
         journey = self.journey()
         journey.at("SMSExplainView", "sdk.sms.explain.button")
@@ -70,6 +57,12 @@ class InspectionPage(unittest.TestCase):
         self.wait(CARD + ".includes('PIN 1357')")
         self.click("[data-endpoint=pinSet] summary")
         self.wait("document.querySelector('[data-endpoint=pinSet]').innerText.includes('1357')")
+        for width, scheme, white in ((1280, "light", True), (360, "light", True), (360, "dark", False)):
+            command = self.browser.execute_cdp_cmd
+            command("Emulation.setDeviceMetricsOverride", {"width": width, "height": 740, "deviceScaleFactor": 1, "mobile": False})
+            command("Emulation.setEmulatedMedia", {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
+            self.assertLessEqual(self.run_script("document.documentElement.scrollWidth"), width)
+            self.assertEqual(self.run_script("getComputedStyle(document.body).backgroundColor > 'rgb(2'"), white)
         self.click("#filter option[value=getCardStatus]")
         self.wait("[...document.querySelectorAll('.entry')].every(entry => entry.dataset.endpoint === 'getCardStatus')")
         self.click("#reset")
@@ -78,41 +71,25 @@ class InspectionPage(unittest.TestCase):
         self.wait(CARD + ".includes('PIN 4827')")
         self.assertEqual([entry for entry in self.browser.get_log("browser") if entry["level"] == "SEVERE"], [])
 
-    def test_rules_are_added_refused_and_cleared(self):
+    def test_rules_are_added_refused_and_cleared_and_nothing_from_outside_runs(self):
         self.click("#endpoint option[value=getCardStatus]")
         self.click("#fault option[value='Connection reset']")
-        self.write("#times", "2")
         self.click("#add button")
-        self.wait("document.querySelector('#rules').textContent.includes('2 left')")
-        self.journey().shows("UhOhTryAgainView")
         self.wait("document.querySelector('#rules').textContent.includes('1 left')")
+        self.journey(card="<img id=evil src=https://192.0.2.1/x onerror=document.title='evil'>").shows("UhOhTryAgainView")
         self.wait("document.querySelector('.entry .badge.bad')?.textContent === 'fault'")
-        self.write("#rule", '{"endpoint":"pinSet"}')
+        self.wait("document.querySelector('.entry .card')?.textContent.includes('<img')")
+        rule = self.browser.find_element(By.CSS_SELECTOR, "#rule")
+        rule.clear()
+        rule.send_keys('{"endpoint":"pinSet"}')
         self.click("#add button")
         self.wait("document.querySelector('#refused').textContent === 'rule 1: the rule has no effect'")
         self.click("#clear")
         self.wait("!document.querySelector('#rules .row')")
         self.assertEqual(self.sandbox.ask("GET", "/host/faults"), [])
-
-    def test_nothing_from_outside_runs_or_is_fetched(self):
-        self.journey(card="<img id=evil src=https://192.0.2.1/x onerror=document.title='evil'>").shows("SMSExplainView")
-        self.wait("document.querySelector('.entry .card')?.textContent.includes('<img')")
         self.browser.execute_script("const s = document.createElement('script'); s.text = 'document.title = 1'; document.body.append(s)")
         self.assertEqual(self.run_script("[document.querySelectorAll('#evil').length, document.title]"), [0, "Card service"])
         self.assertEqual(self.run_script("performance.getEntriesByType('resource').filter(e => !e.name.startsWith(origin))"), [])
-        headers = subprocess.run(["curl", "-sS", "-o", "/dev/null", "-D", "-", "--cacert", self.sandbox.ca, self.sandbox.url],
-                                 capture_output=True, text=True, check=True).stdout.lower()
-        self.assertRegex(headers, "content-security-policy: default-src 'none'; connect-src 'self'; script-src 'nonce-")
-
-    def test_fits_a_phone_and_a_dark_desktop(self):
-        self.journey(card="fault-pin-refused").verify_by_sms(self.sandbox)
-        self.wait("document.querySelectorAll('.entry').length > 3")
-        colour = "getComputedStyle(document.body).backgroundColor"
-        light = self.run_script(colour)
-        for width, height, scheme in ((360, 740, "light"), (360, 740, "dark"), (1280, 900, "dark")):
-            self.looks(width, height, scheme)
-            self.assertLessEqual(self.run_script("document.documentElement.scrollWidth"), width)
-            self.assertEqual(self.run_script(colour) == light, scheme == "light")
 
 
 if __name__ == "__main__":
