@@ -122,19 +122,6 @@ TEST_F(CardViewer, ALaterViewerHasTheDetailsForItselfAndLeavesNothingBehind) {
     EXPECT_FALSE(config.decodedDisclosuresStruct);
 }
 
-TEST_F(CardViewer, ClosesWithSuccessOnceSomethingWasDone) {
-    const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{"freezeMyCard", "freezeCardPopup.cancelButton"}, "CANCELED"},
-        {{"freezeMyCard", "freezeCardPopup.freezeButton"}, "SUCCESS"},
-        {{"reveal"}, "SUCCESS"},
-        {{"cardNumber"}, "SUCCESS"}};
-    for (const auto& [taps, result] : cases) {
-        showCard();
-        walk(taps);
-        walk({"xmark > closed=" + result});
-    }
-}
-
 /// The switch on the viewer.
 class FreezeSwitch : public JourneyFixture {
   protected:

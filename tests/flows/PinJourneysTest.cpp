@@ -4,6 +4,68 @@
 namespace korvane {
 namespace {
 
+class SmsStep : public JourneyFixture {
+  protected:
+    /// Starts the set-PIN journey, which needs the step.
+    void toExplanation() {
+        next("getCardStatus", result("Failure: Invalid Token"));
+        ASSERT_EQ(start(JourneyKind::setPIN), "SMSExplainView");
+    }
+    void toCodeScreen() {
+        toExplanation();
+        ASSERT_EQ(tap("sdk.sms.explain.button"), "EnterSMSCodeView");
+    }
+};
+
+TEST_F(SmsStep, ResendWaitsForItsDeadlineAndClearsTheBoxes) {
+    toCodeScreen();
+    walk({"wait 0.001 > resendSeconds=30, resend=off", "wait 28.999 > resendSeconds=1, resend=off", "wait 1",
+          "type 123",
+          "resend > EnterSMSCodeView, calls pciTokenRequest=2, toast=sdk.sms.code.resent, filled=0",
+          "wait 0 > resendSeconds=30", "wait 10 > toast=", "wait 20", "type 123"});
+    next("pciTokenRequest", {500, "", ""});
+    walk({"resend > toast=errors.generic.api, filled=3, resend=on"});
+}
+
+TEST_F(SmsStep, LeavingCancelsTheSubmissionAndStartsTheStepAgain) {
+    toCodeScreen();
+    hang("pciTokenSubmission");
+    walk({"type 123456 > showSpinner=true", "back > SMSExplainView, typed="});
+    EXPECT_TRUE(device.urlSession->wasCancelled(device.urlSession->startedCount() - 1));
+    EXPECT_TRUE(printedLine("Forcing SMS flow reset..."));
+    EXPECT_EQ(config.decryptedPciSmsToken, "");
+    // A spent SMS token starts it again too.
+    next("pciTokenSubmission", result("Failure: Invalid Token"));
+    EXPECT_EQ(verifyBySMS(), "SMSExplainView");
+    see("toast=sdk.sms.code.expired");
+    EXPECT_EQ(verifyBySMS(), "EnterCardPINView");
+}
+
+TEST_F(SmsStep, FailedSubmissionCanBeRepeatedWithTheSameCode) {
+    for (const UrlReply& failure : {UrlReply{500, "", ""}, UrlReply{200, "no JSON", ""}}) {
+        toCodeScreen();
+        next("pciTokenSubmission", failure);
+        walk({"type 123456 > UhOhTryAgainWithErrorMsgView",
+              "sdk.registration.errorPage.button > EnterSMSCodeView, filled=6",
+              "sdk.sms.code.button > EnterCardPINView"});
+    }
+}
+
+TEST_F(SmsStep, RequestUnderAStaleIvIsRepeatedOnceUnderAFreshOne) {
+    const UrlReply expired = result("Failure: IV is expired");
+    for (const UrlReply& stale : {expired, refusal(400, "Failure: Invalid offsetId")}) {
+        toExplanation();
+        const int before = ivsSupplied;
+        next("pciTokenRequest", stale);
+        walk({"sdk.sms.explain.button > EnterSMSCodeView, calls pciTokenRequest=2"});
+        EXPECT_EQ(ivsSupplied - before, 1);
+    }
+    toExplanation();
+    next("pciTokenRequest", expired);
+    hostSuppliesIvs = false;
+    EXPECT_EQ(tap("sdk.sms.explain.button"), "UhOhTryAgainWithErrorMsgView");
+}
+
 class PinJourneys : public JourneyFixture {
   protected:
     std::string show() { return start(JourneyKind::setPIN); }
@@ -76,34 +138,25 @@ TEST_F(PinJourneys, ObserverIsToldOnceForManyChangesAndOfNoDigits) {
 }
 
 TEST_F(PinJourneys, EveryTypeOfCardIsActivatedFromBothPlaces) {
-    const std::tuple<JourneyKind, std::string, std::string> places[] = {
-        {JourneyKind::activateCardAndSetPIN, "sdk.cardarrived.start", "ActivateCardAndSetPIN_NoNav"},
-        {JourneyKind::getCardImage, "onCardButton", "CardImage_NoNav"}};
-    const std::pair<std::string, std::string> types[] = {{"physical", "physical"},
-                                                         {"paywallet", "physical"},
-                                                         {"sticker", "physical"},
-                                                         {"virtual", "virtual"},
-                                                         {"wearable", "wearable"}};
-    for (const auto& [kind, button, place] : places) {
-        for (const auto& [type, activated] : types) {
-            SCOPED_TRACE(place + " " + type);
+    const std::pair<JourneyKind, std::string> places[] = {
+        {JourneyKind::activateCardAndSetPIN, "sdk.cardarrived.start"},
+        {JourneyKind::getCardImage, "onCardButton"}};
+    for (const auto& [kind, button] : places) {
+        for (const std::string type : {"physical", "paywallet", "sticker", "virtual", "wearable"}) {
+            SCOPED_TRACE(button + " " + type);
             config.currentCardType = eKorvaneCardType::none;
-            EXPECT_EQ(start(kind, "P2", type), place);
-            const bool physical = activated == "physical";
-            const std::string first = physical ? "EnterCardLastFourView" : "EnterCardPINView";
-            walk({button + " > " + first, "back > " + place, button});
-            const std::string endpoint = activated + "CardActivationAndPinSet";
+            start(kind, "P2", type);
+            const bool physical = type != "virtual" && type != "wearable";
+            const std::string endpoint = (physical ? "physical" : type) + "CardActivationAndPinSet";
+            tap(button);
             if (physical) {
                 walk({"type 1111", "sdk.activatecard.lastfourdigits.button > EnterCardCVVView",
-                      "back > " + first, "type 4242", "sdk.activatecard.lastfourdigits.button", "type 123",
-                      "sdk.activatecard.cvv.button > EnterCardPINView"});
+                      "back > EnterCardLastFourView", "type 4242", "sdk.activatecard.lastfourdigits.button",
+                      "type 123", "sdk.activatecard.cvv.button"});
             }
             EXPECT_EQ(enterAndConfirm(), "SuccessCardActivatedAndPinSetView");
             see("calls " + endpoint + "=1, " + endpoint + ".PIN=2580");
             if (physical) see(endpoint + ".LastFourOfPan=4242, " + endpoint + ".CVV=123");
-            walk({"sdk.success.cardActivatedAndSetPin.button > closed=SUCCESS"});
-            journey.reset();
-            EXPECT_EQ(config.enteredLastFour + config.enteredCvv, "");
         }
     }
 }
@@ -113,15 +166,6 @@ TEST_F(PinJourneys, ActiveCardLetsOnlyItsPinBeSet) {
     walk({"sdk.cardactivated.button.two > EnterCardPINView"});
     EXPECT_EQ(enterAndConfirm(), "SuccessPinSetView");
     see("calls pinSet=1");
-}
-
-TEST_F(PinJourneys, InsideTheSetPinJourneyItActivatesAndBackLeadsOut) {
-    EXPECT_EQ(start(JourneyKind::setPIN, "P2"), "CardIsNotYetActivatedView");
-    walk(
-        {"sdk.cardnotactivated.button.one > ActivateCardAndSetPIN_NoNav, stack=SetPIN/"
-         "CardIsNotYetActivatedView/ActivateCardAndSetPIN_NoNav/ActivateCardAndSetPIN_NoNav",
-         "sdk.cardarrived.start", "back > ActivateCardAndSetPIN_NoNav"});
-    EXPECT_FALSE(config.setPinOnly);
 }
 
 }  // namespace

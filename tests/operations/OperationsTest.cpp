@@ -192,12 +192,9 @@ TEST_F(Operations, CancellingEndsTheOperationWhereverItIs) {
         bool ivAtFirst, ivLater;
         std::size_t questions;  ///< to the host, that are open then
     };
-    const Case cases[] = {{{}, true, true, 0},
-                          {{unauthorized}, true, true, 0},
-                          {{stale}, true, true, 1},
-                          {{unauthorized}, true, false, 1},
-                          {{}, false, false, 1}};
-    for (const Case& each : cases) {
+    for (const Case& each :
+         {Case{{}, true, true, 0}, Case{{unauthorized}, true, true, 0}, Case{{stale}, true, true, 1},
+          Case{{unauthorized}, true, false, 1}, Case{{}, false, false, 1}}) {
         results.clear();
         config.ivIdStr = "iv-0";
         config.ivByteArray = iv;
@@ -212,7 +209,6 @@ TEST_F(Operations, CancellingEndsTheOperationWhereverItIs) {
         for (int i = 0; i < 2; ++i) operation->cancel();
         EXPECT_TRUE(results.empty());
         settle();
-        operation->cancel();
         for (const IvReply& late : std::exchange(host, {})) late("late", ivText);
         settle();
         ASSERT_EQ(results.size(), 1u);
