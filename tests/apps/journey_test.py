@@ -66,18 +66,6 @@ class Journeys(OnTheConsole):
                      "viewToShow: SMSExplainView\n", "refreshed the IV... now recalling doPinSet\n"):
             self.assertIn(line, journey.log)
 
-    def test_card_is_activated_by_what_stands_on_it(self):
-        journey = self.start("activate", "card-physical-new")
-        journey.at("ActivateCardAndSetPIN_NoNav", "sdk.cardarrived.start")
-        # What was typed first is overwritten on the way back.
-        journey.at("EnterCardLastFourView", "sdk.activatecard.lastfourdigits.button", "0000")
-        journey.at("EnterCardCVVView", "back")
-        journey.prove_possession(self.sandbox.card("card-physical-new"))
-        journey.enter_and_confirm("2806")
-        journey.shows("SuccessCardActivatedAndPinSetView")
-        self.assertEqual(self.end(journey, "sdk.success.cardActivatedAndSetPin.button", "card-physical-new", "2806"), [])
-        self.assertEqual(self.sandbox.card("card-physical-new")["status"], "A1")
-
     def test_values_are_shown_nowhere_but_copied_and_taken_back_at_the_end(self):
         details, name = "sdk.cardviewer.device.details.", "card-paywallet-active"
         journey, card = self.start("card", name), self.sandbox.card(name)
