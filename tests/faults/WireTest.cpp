@@ -31,19 +31,13 @@ void endEverywhere(bool tls) {
     for (const Row& row : {Row{"getBearerToken", tryAgain}, Row{"getCardStatus", tryAgain},
                            Row{"pinSet", tryAgain}, Row{"pciTokenRequest", message},
                            Row{"pciTokenSubmission", message}, Row{"cardImage", tryAgain, 9973, 499}}) {
-        const auto answered = [&](Kind kind, std::size_t at) {
-            stack.reach(row.endpoint);
-            stack.wire.set({.kind = kind, .bytes = at});
-            stack.send(row.endpoint);
-            return stack.shown();
-        };
-        EXPECT_FALSE(answered(Kind::none, 0).starts_with("UhOh"));
+        EXPECT_FALSE(stack.answered(row.endpoint, {}).starts_with("UhOh"));
         const std::size_t whole = stack.wire.forwarded();
         for (std::size_t at = 0; at <= whole; at += std::getenv("KORVANE_FULL") ? row.stepInFull : row.step) {
             for (const auto kind : {Kind::reset, Kind::close}) {
                 SCOPED_TRACE(row.endpoint + (" " + std::to_string(at)) +
                              (kind == Kind::reset ? " reset" : " close"));
-                const std::string view = answered(kind, at);
+                const std::string view = stack.answered(row.endpoint, {.kind = kind, .bytes = at});
                 if (!view.starts_with("UhOh")) {
                     // The end came behind an answer. Signatures are not always of one length.
                     EXPECT_GE(stack.wire.forwarded() + 16, whole);
@@ -75,10 +69,7 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
     const auto expect = [&](const std::string& name, sandbox::WireFault fault, const std::string& view,
                             const std::string& told) {
         SCOPED_TRACE(name);
-        stack.reach("pinSet");
-        stack.wire.set(std::move(fault));
-        stack.send("pinSet");
-        EXPECT_EQ(stack.shown(), view);
+        EXPECT_EQ(stack.answered("pinSet", std::move(fault)), view);
         EXPECT_THAT(stack.printed(), HasSubstr(told));
     };
     expect("refused", {.kind = Kind::refuse}, tryAgain, "no response: Failed to connect");
