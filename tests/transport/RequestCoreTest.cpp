@@ -76,22 +76,5 @@ TEST_F(RequestCore, TurnsAnAnswerIntoARecordOrAnErrorAndKeepsItsBody) {
     }
 }
 
-TEST_F(RequestCore, CancellingLetsGoAtOnceAndReportsLater) {
-    const CancelHandle open = request();
-    open->cancel();
-    open->cancel();
-    EXPECT_TRUE(device.urlSession->wasCancelled(0));
-    EXPECT_TRUE(ends.empty());
-    const CancelHandle answered = request();
-    device.urlSession->reply(1, {200, "{}", ""});
-    device.mainQueue->runOne();
-    device.mainQueue->runOne();  // the answer is on the main queue by now
-    answered->cancel();
-    settle();
-    answered->cancel();
-    settle();
-    EXPECT_THAT(ends, ElementsAre("-999 cancelled", "-999 cancelled"));
-}
-
 }  // namespace
 }  // namespace korvane
