@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <korvane/ViewController.h>
+
 #include <QGuiApplication>
-#include <algorithm>
 
 #include "tests/uikit/quick/QuickFixture.h"
 #include "uikit/quick/QuickBiometricPrompt.h"
@@ -8,7 +9,59 @@
 namespace korvane {
 namespace {
 
-class BiometricSheet : public QuickFixture {
+class Windows : public QuickFixture {
+  protected:
+    /// One that is not the test's own.
+    QWindow* otherWindow() const {
+        for (QWindow* const each : QGuiApplication::topLevelWindows()) {
+            if (each->isVisible() && each != &window) return each;
+        }
+        return nullptr;
+    }
+};
+
+class ViewControllerTest : public Windows {
+  protected:
+    void showWindow() {
+        controller->show(400, 700);
+        settle();
+        ASSERT_TRUE(otherWindow());
+    }
+
+    std::unique_ptr<ViewController> controller = SetPINFactory::create("card-7");
+};
+
+TEST_F(ViewControllerTest, ShowingItStartsTheJourneyWhichStaysWhereItIsUntilTheWindowIsClosed) {
+    settle();
+    EXPECT_EQ(service.calls("getCardStatus"), 0);
+    showWindow();
+    EXPECT_EQ(otherWindow()->size(), QSize(400, 700));
+    EXPECT_EQ(otherWindow()->title(), "Choose your PIN");
+    controller->hide();
+    showWindow();
+    EXPECT_EQ(service.calls("getCardStatus"), 1);
+    EXPECT_EQ(service.sent("getCardStatus", "encryptedCardId"), "card-7");
+    otherWindow()->close();
+    settle();
+    EXPECT_EQ(results, QStringList("CANCELED"));
+    EXPECT_TRUE(ActivateCardAndSetPINFactory::create("card-8") && service.config.cardId == "card-8");
+    EXPECT_TRUE(GetCardImageFactory::create("card-9") && service.config.cardId == "card-9");
+}
+
+TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
+    const auto letGo = NotificationCenter::defaultCenter().observe(
+        NotificationCloseUI, [&](const NotificationUserInfo&) { controller.reset(); });
+    service.next("getCardStatus", service.result("Failure: something else"));
+    showWindow();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, {});
+    QCoreApplication::sendEvent(otherWindow(), &press);
+    EXPECT_EQ(results, QStringList("FAILURE"));
+    EXPECT_EQ(controller, nullptr);
+    settle();
+    EXPECT_FALSE(otherWindow());
+}
+
+class BiometricSheet : public Windows {
   protected:
     template <class Condition>
     bool becomes(Condition condition) {
@@ -89,20 +142,15 @@ TEST_F(BiometricSheet, ComesOverTheJourneyElseOverTheAppsWindow) {
 }
 
 TEST_F(BiometricSheet, HasAWindowOfItsOwnWhereTheAppShowsNoneAndClosingThatDeclines) {
-    const auto own = [] {
-        const auto windows = QGuiApplication::topLevelWindows();
-        const auto shown = std::ranges::find_if(windows, &QWindow::isVisible);
-        return shown == windows.end() ? static_cast<QWindow*>(nullptr) : *shown;
-    };
     auto sheet = ask();
-    EXPECT_TRUE(becomes([&] { return own() && !seen.empty(); }));
-    own()->close();
+    EXPECT_TRUE(becomes([&] { return otherWindow() && !seen.empty(); }));
+    otherWindow()->close();
     settle();
     EXPECT_EQ(cancels, 1);
     EXPECT_EQ(seen, (std::vector{true, false}));
     sheet.reset();
     settle();
-    EXPECT_FALSE(own());
+    EXPECT_FALSE(otherWindow());
 }
 
 }  // namespace
