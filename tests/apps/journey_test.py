@@ -69,7 +69,7 @@ class Journeys(OnTheConsole):
     def test_values_are_shown_nowhere_but_copied_and_taken_back_at_the_end(self):
         details, name = "sdk.cardviewer.device.details.", "card-paywallet-active"
         journey, card = self.start("card", name), self.sandbox.card(name)
-        journey.shows("CardImage_NoNav")
+        self.assertTrue(journey.shows("CardImage_NoNav")["state"]["isCardImageLoaded"])
         journey.tap(details + "reveal")
         shown = json.dumps(journey.reaches(detailsRevealed=True))
         self.assertFalse(card["pan"] in shown or card["cvv"] in shown)

@@ -69,18 +69,6 @@ TEST_F(Endpoints, PinsAreFourDigitsAndLiftingAFreezeGoesBackToWhereTheCardWas) {
     }
 }
 
-TEST_F(Endpoints, CardDetailsHoldEveryField) {
-    const std::string frozen = "card-physical-frozen";
-    const Texts fields{{"CardId", frozen}, {"PciToken", client.pciToken(frozen)}};
-    Texts answer = client.call("cardImage", fields).fields, card = client.card(frozen);
-    EXPECT_EQ(answer["Pan"] + answer["Cvv"] + answer["ExpiryDate"] + answer["CardNetwork"],
-              card["pan"] + card["cvv"] + card["expiry"] + card["network"]);
-    EXPECT_EQ(answer["FirstName"] + answer["MiddleName"] + answer["LastName"],
-              "Inés" + card["middleName"] + card["lastName"]);
-    EXPECT_THAT(answer["CardDisclosures"], HasSubstr(R"("Language":"Spanish")"));
-    EXPECT_THAT(answer["CardImage"], ::testing::StartsWith("iVBORw0KGgo"));  // PNG's signature
-}
-
 TEST_F(Endpoints, OnlyTheNewestCodeOfTheCardCountsOnceAndForFiveTries) {
     const std::string first = client.smsToken(id), firstCode = client.lastCode(id),
                       spent = "Failure: Invalid Token";
