@@ -72,7 +72,7 @@ class FaultJourneys(unittest.TestCase):
         self.assertEqual(set(self.magic), {*MAGIC, *HANGING, *ENDLESS})
         shown = {key for card in self.magic.values() for key in card["fault"]}
         keys = {key["key"] for key in self.sandbox.ask("GET", "/host/faults/keys")}
-        self.assertEqual(keys - shown, {"delayMs", "percent", "seed"})  # which FaultsTest shows
+        self.assertEqual(keys - shown, {"delayMs", "percent", "seed"})  # which CardServiceTest shows
         for card, (kind, steps, view, requests) in MAGIC.items():
             with self.subTest(card=card):
                 journey = self.walk(kind, card, steps)

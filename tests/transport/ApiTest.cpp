@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/API.h"
 
+#include <thread>
+
 #include "tests/support/ServiceFixture.h"
 #include "transport/BearerToken.h"
+#include "transport/IvAcquisition.h"
+#include "transport/RequestCore.h"
 
 namespace korvane {
 namespace {
 
+using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -119,6 +124,142 @@ TEST_F(Api, ARefusedIvIsReplacedAndTheRenewalRunsAgain) {
                     HasSubstr(lines + " -- refreshBearerToken()|inside refreshBearerToken( ... )|"));
     }
     EXPECT_EQ(ivsSupplied, 4) << "one each, and one to start with";
+}
+
+class RequestCore : public ServiceFixture {
+  protected:
+    CancelHandle request(TextMap body = {}) {
+        return doRequest<RestPinSet>(
+            {"https://cards.example/x", "POST", std::move(body), std::nullopt},
+            [this](const RequestError& error) { ends.push_back("reAuth " + describe(error)); },
+            [this](std::optional<RestPinSet> record, std::optional<CallError> error) {
+                EXPECT_TRUE(device.mainQueue->isMainThread());
+                EXPECT_NE(record.has_value(), error.has_value());
+                ends.push_back(record ? record->encryptedResult.value_or("-")
+                                      : describe(std::get<RequestError>(*error)));
+            });
+    }
+    static std::string describe(const RequestError& error) {
+        return error.domain + std::to_string(error.code) + " " + error.userInfo.at("Error") +
+               (error.body ? ": " + *error.body : "");
+    }
+
+    std::vector<std::string> ends;
+};
+
+TEST_F(RequestCore, SendsTheTrackingIdAndTheBrandInTheBodyIfTheyAreUtf8) {
+    config.trackingUUID = "uuid";
+    config.brandId = "brand \"A\"";
+    TextMap body;
+    body.set("brandId", "other");
+    request(body);
+    EXPECT_EQ(device.urlSession->requests()[0].body, R"({"brandId":"brand \"A\"","UUID":"uuid"})");
+    config.brandId = "\xC0\xAF";
+    request();
+    EXPECT_TRUE(ends.empty());
+    settle();
+    EXPECT_THAT(ends, ElementsAre("-1 Dictionary serialization error: the entry \"brandId\" is not UTF-8"));
+    EXPECT_EQ(device.urlSession->startedCount(), 1u);
+}
+
+TEST_F(RequestCore, TurnsAnAnswerIntoARecordOrAnErrorAndKeepsItsBody) {
+    const std::tuple<UrlReply, std::string, std::string> cases[] = {
+        {{200, R"({"encryptedResult":"r"})", ""}, "r", R"(|200|{"encryptedResult":"r"})"},
+        {{500, "oops", ""}, "500 status code = 500: oops", "|500|oops"},
+        {{418, "\xFF", ""}, "418 status code = 418: \xFF", "|418|1 bytes, not UTF-8"},
+        {{401, "?", ""}, "reAuth 401 status code = 401: ?", "|401|?|Got 401... calling reAuthClosure..."},
+        {{200, "5", ""}, "-1 not a JSON object", "|200|5|. JSON decode error: not a JSON object"},
+        {{0, "", "name not found"}, "-1 name not found", "no response: name not found"},
+    };
+    for (const auto& [reply, end, lines] : cases) {
+        willAnswer({reply});
+        ends.clear();
+        request();
+        EXPECT_TRUE(ends.empty());
+        settle();
+        EXPECT_THAT(ends, ElementsAre(end));
+        const std::string answered = reply.answered() ? "Status code and JSON response at base:\n" : "";
+        EXPECT_EQ(printed(), "inside doRequest<T: ...>|" + answered + lines);
+        EXPECT_EQ(config.lastJsonResponseStr, reply.answered() ? reply.body : "5") << "the last there was";
+    }
+}
+
+class IvAcquisition : public ServiceFixture {
+  protected:
+    IvAcquisition() {
+        dropIv();
+        config.ivCallback = [this](IvReply reply) { host = std::move(reply); };
+    }
+    void ask() {
+        requestIv([this](std::optional<KorvaneRetStruct> record, auto ivId, auto ivBytes) {
+            EXPECT_TRUE(device.mainQueue->isMainThread());
+            EXPECT_EQ(ivId && ivBytes, !record->error);
+            outcomes.push_back(record->error ? record->errorMsg : *ivId);
+        });
+    }
+
+    IvReply host;
+    std::vector<std::string> outcomes;  ///< the IV's id, or the failure
+};
+
+TEST_F(IvAcquisition, StoresTheFirstGoodAnswerOfAnyLengthOnTheMainQueue) {
+    for (const std::string& text : {ivText, std::string{"AAECAwQFBgcICQoL"}, std::string{}}) {
+        ask();
+        host("iv-7", text);
+        host("late", "AAAA");
+        EXPECT_TRUE(outcomes.empty() && !ivAtHand());
+        settle();
+        EXPECT_EQ(config.ivIdStr, "iv-7");
+        EXPECT_EQ(config.ivByteArray.size(), text.size() / 4 * 3 - (text == ivText ? 2 : 0));
+        EXPECT_EQ(std::exchange(outcomes, {}), std::vector<std::string>{"iv-7"});
+        EXPECT_EQ(ivAtHand(), !text.empty());
+        EXPECT_TRUE(config.gotInitialIV);
+        dropIv();
+    }
+}
+
+TEST_F(IvAcquisition, ABadAnswerLeavesTheStoredPairAlone) {
+    const std::tuple<std::optional<std::string>, std::optional<std::string>, std::string> cases[] = {
+        {std::nullopt, "AAAA", "ivId is nil"},
+        {"iv-1", std::nullopt, "iv is nil"},
+        {"iv-1", "AAECAwQF\nBgcICQoLDA0ODw==", "iv: Data(base64Encoded:) failed"},
+    };
+    config.ivIdStr = "old";
+    for (const auto& [ivId, ivBase64, errorMsg] : cases) {
+        ask();
+        host(ivId, ivBase64);
+        settle();
+        EXPECT_EQ(outcomes.back(), errorMsg);
+        EXPECT_EQ(printed(), "doIvCallbackAndDecoding - " + errorMsg);
+    }
+    config.ivCallback = nullptr;
+    outcomes.clear();
+    ask();
+    settle();
+    EXPECT_EQ(outcomes, std::vector<std::string>{"ivId is nil"});
+    EXPECT_EQ(config.ivIdStr, "old");
+    EXPECT_TRUE(config.ivByteArray.empty() && !config.gotInitialIV);
+    EXPECT_EQ(ivFailure(std::nullopt).errorMsg, "resStructIv is nil");
+}
+
+TEST_F(IvAcquisition, AHostThatLetsGoUnansweredReleasesTheContinuationOnTheMainThread) {
+    std::thread::id releasedOn;
+    std::shared_ptr<void> held{nullptr, [&](void*) { releasedOn = std::this_thread::get_id(); }};
+    requestIv([held = std::move(held)](auto&&...) { ADD_FAILURE(); });
+    std::thread{[reply = std::exchange(host, nullptr)]() mutable { reply = nullptr; }}.join();
+    EXPECT_EQ(releasedOn, std::thread::id{});
+    settle();
+    EXPECT_EQ(releasedOn, std::this_thread::get_id());
+}
+
+TEST_F(IvAcquisition, TheHostMayReplaceItsCallbackFromInside) {
+    config.ivCallback = [this, id = std::string(100, 'x')](const IvReply& reply) {
+        config.ivCallback = nullptr;
+        reply(id, ivText);
+    };
+    ask();
+    settle();
+    EXPECT_EQ(config.ivIdStr, std::string(100, 'x'));
 }
 
 }  // namespace
