@@ -99,6 +99,7 @@ TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUpSinceTheLastStart) {
     EXPECT_TRUE(clearedAfter(0.2));
     EXPECT_TRUE(config.timerPciExpired);
     EXPECT_TRUE(device.console->has("Timer hit - doing SdkConfig.sharedInstance.currentPciToken = blank"));
+    EXPECT_TRUE(device.console->has("handlePCITokenClearTimer - setting SdkConfig timerPciExpired to true"));
 }
 
 TEST_F(TokenTimer, ReadsItsIntervalStrictlyAndStopsWithoutOne) {
