@@ -43,19 +43,6 @@ class Custody : public testing::Test {
     SdkConfig& config = SdkConfig::sharedInstance();
 };
 
-TEST_F(Custody, SavesBothItemsOverWhatWasThere) {
-    config.currentPciToken = "first";
-    config.decBiometricsAuthenticationTimer = "";
-    EXPECT_EQ(linesOf(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain, true),
-              (Lines{"Success writing pci token to keychain",
-                     "Success writing pci token Bio Timemout to keychain"}));
-    config.currentPciToken = "second";
-    config.decBiometricsAuthenticationTimer = "300.0";
-    EXPECT_TRUE(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain());
-    EXPECT_EQ(kept("KorvaneSDKPCIToken"), "second");
-    EXPECT_EQ(kept("KorvaneSDKPCITokenBioTimeout"), "300.0");
-}
-
 TEST_F(Custody, SaveGoesOnWithTheTimeoutWhenTheTokenCouldNotBeWritten) {
     EXPECT_EQ(linesOf(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain, false),
               (Lines{"savePciTokenToKeychain - currentPciToken is blank. Returning..."}));

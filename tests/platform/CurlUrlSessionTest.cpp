@@ -136,16 +136,6 @@ TEST(CurlUrlSession, SendsTheRequestAsGivenAndNothingMore) {
                            "POST /" + all + "Content-Length: 2097152\r\n\r\n" + large}));
 }
 
-TEST(CurlUrlSession, WhatLeadsToNoServiceIsAFailureThatTellsWhy) {
-    CurlUrlSession session;
-    for (const auto& [url, text] : {std::pair{"https://host.invalid/", "resolve host"},
-                                    {"", "URL"},
-                                    {"file:///etc/hostname", "rotocol"},
-                                    {"ftp://127.0.0.1/", "rotocol"}}) {
-        expectFailure(post(session, url), text);
-    }
-}
-
 TEST(CurlSecurity, RefusesTlsBefore12WhateverTheSystemAllows) {
     // The system's configuration could allow old versions; it is read once, before the first use of TLS.
     const TemporaryFolder folder;
@@ -190,7 +180,7 @@ TEST(CurlSecurity, AGivenProxySeesATunnelAndNoToken) {
     EXPECT_EQ(proxy.requests()[0].find("token"), std::string::npos);
 }
 
-TEST(CurlSecurity, PlainHttpGoesToThisMachineAlone) {
+TEST(CurlSecurity, GoesOverTlsOrToThisMachineAndTellsWhyElse) {
     TestServer server(TestServer::answerAll, Speaks::http);
     CurlUrlSession session, proxied({.proxy = server.url("")});
     for (const char* host : {"127.0.0.1", "LOCALHOST", "127.0.0.2"}) {
@@ -203,6 +193,9 @@ TEST(CurlSecurity, PlainHttpGoesToThisMachineAlone) {
         expectFailure(post(session, url), "plain HTTP is for a service on this machine alone");
     }
     expectFailure(post(proxied, server.url("/")), "plain HTTP");
+    for (const char* url : {"file:///etc/hostname", "ftp://127.0.0.1/"})
+        expectFailure(post(session, url), "rotocol");
+    expectFailure(post(session, "https://host.invalid/"), "resolve host");
     EXPECT_EQ(server.requests().size(), 2u);
 }
 

@@ -123,21 +123,17 @@ TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
     driver.expectAnswer(true);
 }
 
-TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
+TEST(Fprintd, AMatchThatAnotherProgramReportsAnErrorAndAnUnpluggedReaderAreNone) {
     ReaderDriver driver;
-    const auto check = driver.arm();
+    auto check = driver.arm();
     driver.devices.ask("pretend_match");
     driver.expectAnswer(false);
-}
-
-TEST(Fprintd, AnErrorAndAnUnpluggedReaderAreFalse) {
-    ReaderDriver driver;
     for (const char* line : {"send ERROR 0", "send UNPLUG"}) {
-        const auto check = driver.arm();
+        check = driver.arm();
         driver.devices.ask(line);
         driver.waitForReplies(driver.replies.size() + 1);
+        EXPECT_FALSE(driver.replies.back());
     }
-    EXPECT_THAT(driver.replies, ElementsAre(false, false));
 }
 
 TEST(Fprintd, AReaderInUseIsWaitedFor) {

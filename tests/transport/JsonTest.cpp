@@ -71,17 +71,5 @@ TEST(FlatJson, TakesNothingForSomethingElse) {
     }
 }
 
-TEST(FlatJson, WritesWhatItReads) {
-    TextMap texts;
-    EXPECT_EQ(writeFlatJson(texts), "{}");
-    texts.set("a", "x+/=");
-    texts.set("b", "");
-    EXPECT_EQ(writeFlatJson(texts), R"({"a":"x+/=","b":""})");
-    for (const std::string& odd : {"\""s, "\\"s, "\n"s, "\0"s, "é"s}) {
-        texts.set("b", odd);
-        EXPECT_EQ(writeFlatJson(texts), std::nullopt);
-    }
-}
-
 }  // namespace
 }  // namespace korvane
