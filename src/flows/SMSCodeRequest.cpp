@@ -4,12 +4,17 @@
 #include <utility>
 
 #include "flows/FailureRoute.h"
+#include "sdk/SdkConfig.h"
+#include "transport/AesCbc.h"
 #include "transport/IvAcquisition.h"
 
 namespace korvane {
 namespace {
 
 bool mayBeStaleIv(const KorvaneRetStruct& result) {
+    // A host's IV of another size enciphers nothing and deciphers no refusal of it either.
+    const auto& iv = SdkConfig::sharedInstance().ivByteArray;
+    if (!iv.empty() && iv.size() != AesCbc::blockSize) return true;
     const FailureRoute::Road road = routeOf(result).road;
     return result.error && (result.errorMsg.empty() || road == FailureRoute::Road::ivExpired ||
                             road == FailureRoute::Road::ivInvalid);
