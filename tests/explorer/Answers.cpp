@@ -1,114 +1,139 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/explorer/Answers.h"
 
-#include <array>
+#include <algorithm>
 #include <map>
+#include <string_view>
 
 namespace korvane::explorer {
 namespace {
 
+using Texts = std::map<std::string, std::string>;
+
 struct Word {
     const char* text;
-    int basicWith;  ///< the status with which it is also given in the short form
+    int basicWith;  ///< the status with which it is basic
 };
 
 // Every word that means something, each in letters of an odd case, and some that mean nothing.
-constexpr std::array<Word, 9> words{{{"fAILURE: iNVALID tOKEN", 200},
-                                     {"FAILURE: EXPIRED TOKEN", 500},
-                                     {"failure: iv IS EXPIRED", 200},
-                                     {"FAILURE: invalid OFFSETID", 400},
-                                     {"failure: INCORRECT sms verification code", 200},
-                                     {"READ PCI token or bio timeout from keychain failed.", 0},
-                                     {"Failure: Card is blocked", 200},
-                                     {"Success ", 0},
-                                     {"", 0}}};
+constexpr Word words[] = {{"fAILURE: iNVALID tOKEN", 200},
+                          {"FAILURE: EXPIRED TOKEN", 500},
+                          {"failure: iv IS EXPIRED", 200},
+                          {"FAILURE: invalid OFFSETID", 400},
+                          {"failure: INCORRECT sms verification code", 200},
+                          {"READ PCI token or bio timeout from keychain failed.", 0},
+                          {"Failure: Card is blocked", 200},
+                          {"Success ", 0},
+                          {"", 0}};
+constexpr const char* oddBodies[] = {"{}", "", "<html>", R"({"encryptedResult":"AAAA"})",
+                                     R"({"encryptedResult":17})"};
+
+/// Values that are there, and wrong.
+constexpr std::pair<const char*, const char*> oddValues[] = {
+    {"encryptedAccessToken", ""},
+    {"encryptedPciToken", ""},
+    {"encryptedBiometricsAuthenticationTimer", "abc"},
+    {"encryptedCardImage", "iVBOR?"},
+    {"encryptedCardImage", "AAAA"},
+    {"encryptedCardDisclosures", "{"}};
+
+/// Types and statuses as the service names them, and as the sandbox names its cards by them.
+constexpr const char* cardTypes[] = {"physical", "virtual", "wearable", "paywallet", "sticker"};
+constexpr std::pair<const char*, const char*> cardStatuses[] = {
+    {"A1", "active"}, {"P2", "new"}, {"BT", "frozen"}, {"X9", ""}};
+constexpr std::string_view basicCards[] = {"physical A1", "physical P2", "virtual P2", "wearable BT"};
 
 void addFailures(std::vector<Answer>& answers, const ScriptedService& service) {
     for (const int status : {200, 400, 403, 500, 503}) {
         const std::string code = std::to_string(status);
         for (const Word& word : words) {
             answers.push_back({code + " \"" + word.text + "\"", service.refusal(status, word.text),
-                               "\"status\":" + code + ",\"result\":\"" + word.text + "\"",
-                               word.basicWith == status});
+                               word.basicWith == status,
+                               "\"status\":" + code + ",\"result\":\"" + word.text + "\""});
         }
     }
     for (const int status : {204, 302, 400, 401, 403, 404, 418, 500, 503}) {
         const std::string code = std::to_string(status);
         answers.push_back(
-            {code, UrlReply{status, "", ""}, "\"status\":" + code, status == 401 || status == 500});
+            {code, UrlReply{status, "", ""}, status == 401 || status == 500, "\"status\":" + code});
     }
-    for (const char* const body :
-         {"{}", "", "<html>", R"({"encryptedResult":"AAAA"})", R"({"encryptedResult":17})"}) {
+    for (const std::string body : oddBodies) {
         std::string escaped;
-        for (const char c : std::string{body}) escaped += c == '"' ? "\\\"" : std::string{c};
-        answers.push_back({std::string{"200 raw "} + body, UrlReply{200, body, ""},
-                           "\"body\":\"" + escaped + "\"", escaped == "{}"});
+        for (const char c : body) escaped += c == '"' ? "\\\"" : std::string{c};
+        answers.push_back(
+            {"200 raw " + body, UrlReply{200, body, ""}, body == "{}", "\"body\":\"" + escaped + "\""});
     }
-    answers.push_back({"lost", UrlReply{0, "", "connection reset"}, "\"reset\":true", true});
+    answers.push_back({"lost", UrlReply{0, "", "connection reset"}, true, "\"reset\":true"});
 }
 
-/// The full answer of a success, then those that lack something or have something wrong in it.
-void addSuccesses(std::vector<Answer>& answers, const std::string& method, const ScriptedService& service) {
-    const auto add = [&](const char* name, Fields fields, bool basic = true) {
+Texts fullReply(const std::string& method, const ScriptedService& service) {
+    if (method == "getBearerToken") return {{"encryptedAccessToken", "bearer-token"}};
+    if (method == "pciTokenRequest") return {{"encryptedPciSmsToken", "sms-token"}};
+    if (method == "pciTokenSubmission")
+        return {{"encryptedPciToken", "pci-token"}, {"encryptedBiometricsAuthenticationTimer", "86400"}};
+    if (method == "getCardStatus") return {{"encryptedCardStatus", "A1"}, {"encryptedCardType", "physical"}};
+    return method == "getCardImage" ? service.cardDetails : Texts{};
+}
+
+/// The full reply, of any card; then each that lacks something or has something wrong in it.
+void addReplies(std::vector<Answer>& answers, const std::string& method, const ScriptedService& service) {
+    const auto add = [&](const std::string& name, const Texts& texts, bool basic = false) {
+        Fields fields{texts.begin(), texts.end()};
         fields.emplace_back("encryptedResult", "sUCCESS");
-        answers.push_back({name, service.ok(fields), "", basic});
+        answers.push_back({name, service.ok(fields), basic});
+        return &answers.back();
     };
-    if (method == "getBearerToken") {
-        add("ok", {{"encryptedAccessToken", "bearer-token"}});
-        add("ok, empty token", {{"encryptedAccessToken", ""}}, false);
-    } else if (method == "pciTokenRequest") {
-        add("ok", {{"encryptedPciSmsToken", "sms-token"}});
-    } else if (method == "pciTokenSubmission") {
-        const std::string timer = "encryptedBiometricsAuthenticationTimer";
-        add("ok", {{"encryptedPciToken", "pci-token"}, {timer, "300"}});
-        add("ok, no timer", {{"encryptedPciToken", "pci-token"}}, false);
-        add("ok, odd timer", {{"encryptedPciToken", "pci-token"}, {timer, "abc"}}, false);
-        add("ok, empty token", {{"encryptedPciToken", ""}}, false);
-    } else if (method == "getCardStatus") {
-        const std::string status = "encryptedCardStatus", type = "encryptedCardType";
-        add("ok", {{status, service.cardStatus}, {type, service.cardType}});
-        add("ok, other status",
-            {{status, service.cardStatus == "P2" ? "A1" : "P2"}, {type, service.cardType}});
-        add("ok, no status", {{type, service.cardType}});
-        add("ok, no type", {{status, service.cardStatus}});
-    } else if (method == "getCardImage") {
-        const auto but = [&](const std::string& name, std::optional<std::string> value) {
-            auto details = service.cardDetails;
-            details.erase(name);
-            if (value) details[name] = *value;
-            return Fields{details.begin(), details.end()};
-        };
-        add("ok", but("", std::nullopt));
-        add("ok, no image", but("encryptedCardImage", std::nullopt));
-        add("ok, image not base64", but("encryptedCardImage", "iVBOR?"));
-        add("ok, image no picture", but("encryptedCardImage", "AAAA"));
-        add("ok, no disclosures", but("encryptedCardDisclosures", std::nullopt));
-        add("ok, odd disclosures", but("encryptedCardDisclosures", "{"), false);
-        add("ok, no number", but("encryptedPan", std::nullopt), false);
-    } else {
-        return add("ok", {});
+    const Texts full = fullReply(method, service);
+    if (method != "getCardStatus") add("ok", full, true)->success = true;
+    for (const std::string type : cardTypes) {
+        for (const auto& [status, suffix] : cardStatuses) {
+            if (method != "getCardStatus") continue;
+            const std::string card = type + " " + status;
+            Answer& told = *add("ok, " + card, {{"encryptedCardStatus", status}, {"encryptedCardType", type}},
+                                std::ranges::find(basicCards, card) != std::end(basicCards));
+            told.success = true;
+            told.card = "card-" + type + "-" + suffix;
+            if (*suffix == '\0') told.card = "card-unknown-status";
+            if (type == "sticker") told.card = "card-unknown-type";
+        }
     }
-    add("ok, nothing in it", {}, false);
+    for (const auto& [field, ignored] : full) {
+        Texts fewer = full;
+        fewer.erase(field);
+        add("ok, without " + field, fewer, method != "getCardImage" || field == "encryptedCardImage")->fault =
+            "\"without\":\"" + field + "\"";
+    }
+    for (const auto& [field, value] : oddValues) {
+        Texts odd = full;
+        if (odd.contains(field))
+            odd[field] = value, add(std::string{"ok, but "} + value + " for " + field, odd);
+    }
+    answers.push_back({"ok, nothing in it", service.ok({})});
 }
 
 std::vector<Answer> make(const std::string& waiting, const ScriptedService& service) {
-    if (waiting == "finger") return {{"match", true, "", true}, {"no match", false, "", true}};
-    const auto& iv = service.ivText;
+    if (waiting == "finger") {
+        return {{"match", Finger{true}, true, "", true},
+                {"no match", Finger{false}, true},
+                {"match, token unreadable", Finger{true, {secureItemFailed}}, true},
+                {"match, time unreadable", Finger{true, {secureItemSuccess, secureItemFailed}}}};
+    }
+    const std::string& iv = service.ivText;
     if (waiting == "iv") {
-        return {{"supplies one", std::vector<IvTexts>{{"iv", iv}}, "", true},
-                {"replies twice", std::vector<IvTexts>{{"iv", iv}, {std::nullopt, std::nullopt}}},
-                {"replies nothing, then one", std::vector<IvTexts>{{std::nullopt, std::nullopt}, {"iv", iv}}},
-                {"replies nothing", std::vector<IvTexts>{{std::nullopt, std::nullopt}}, "", true},
-                {"replies an id alone", std::vector<IvTexts>{{"iv", std::nullopt}}, "", true},
-                {"replies an IV alone", std::vector<IvTexts>{{std::nullopt, iv}}},
-                {"replies an empty IV", std::vector<IvTexts>{{"iv", ""}}, "", true},
-                {"replies an empty id", std::vector<IvTexts>{{"", iv}}},
-                {"replies no base64", std::vector<IvTexts>{{"iv", "AAECAwQFBgcI\nCQoLDA0ODw=="}}, "", true},
-                {"replies 12 bytes", std::vector<IvTexts>{{"iv", "AAECAwQFBgcICQoL"}}},
-                {"lets go of the reply", std::vector<IvTexts>{}}};
+        return {{"supplies one", IvReplies{{"iv", iv}}, true, "", true},
+                {"replies twice", IvReplies{{"iv", iv}, {std::nullopt, std::nullopt}}},
+                {"replies nothing, then one", IvReplies{{std::nullopt, std::nullopt}, {"iv", iv}}},
+                {"replies nothing", IvReplies{{std::nullopt, std::nullopt}}, true},
+                {"replies an id alone", IvReplies{{"iv", std::nullopt}}, true},
+                {"replies an IV alone", IvReplies{{std::nullopt, iv}}},
+                {"replies an empty IV", IvReplies{{"iv", ""}}, true},
+                {"replies an empty id", IvReplies{{"", iv}}},
+                {"replies no base64", IvReplies{{"iv", "AAECAwQFBgcI\nCQoLDA0ODw=="}}, true},
+                {"replies 12 bytes", IvReplies{{"iv", "AAECAwQFBgcICQoL"}}},
+                {"lets go of the reply", IvReplies{}}};
     }
     std::vector<Answer> answers;
-    addSuccesses(answers, waiting, service);
+    addReplies(answers, waiting, service);
     addFailures(answers, service);
     return answers;
 }
@@ -116,12 +141,9 @@ std::vector<Answer> make(const std::string& waiting, const ScriptedService& serv
 }  // namespace
 
 const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedService& service) {
-    static std::map<std::array<std::string, 3>, std::vector<Answer>> made;
-    auto& answers = made[{waiting, service.cardType, service.cardStatus}];
-    if (answers.empty()) {
-        answers = make(waiting, service);
-        answers.front().success = true;
-    }
+    static std::map<std::string, std::vector<Answer>> made;
+    auto& answers = made[waiting];
+    if (answers.empty()) answers = make(waiting, service);
     return answers;
 }
 

@@ -2,8 +2,6 @@
 #include "tests/explorer/Explorer.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <unordered_map>
 
 #include "base/Text.h"
 
@@ -11,163 +9,133 @@ namespace korvane::explorer {
 
 using Does = Step::Does;
 
-Explorer::Explorer(const std::set<std::string>& texts) {
-    for (const std::string& text : texts) missed_.insert(lowercased(text));
-}
-
-void Explorer::meet(std::string_view text) {
-    if (missed_.empty() || text.empty()) return;
+void Explorer::meetText(std::string_view text) {
+    if (text.empty() || !met_.emplace(text).second) return;
     const std::string met = lowercased(text);
-    std::erase_if(missed_, [&](const std::string& each) { return met.find(each) != std::string::npos; });
+    std::erase_if(missed_, [&](std::string_view item) {
+        return item.starts_with("text ") && met.find(item.substr(5)) != std::string::npos;
+    });
 }
 
-void Explorer::cover(const World& world) {
+std::size_t Explorer::meet(const World& world, std::size_t parent, std::size_t via) {
+    const auto [entry, isNew] = known_.emplace(world.key(), all_.size());
+    if (!isNew) return entry->second;
     const ScreenSnapshot now = world.screen();
-    if (now.stack.empty()) return;
     std::string ignored;
-    rows.merge(rowsOf(now.stack, ignored));
-    views.insert(now.stack.begin(), now.stack.end());
-    meet(now.toast);
-    meet(now.message);
+    for (const std::string& item : rowsAndViews(now.stack, ignored)) missed_.erase(item);
+    meetText(now.message);
+    all_.push_back({parent, via, world.isAwaiting() ? "" : now.view, world.isClosed() || world.hostLetGo()});
+    for (const Step& step : world.possible(scope_)) all_.back().next.push_back({step});
+    return entry->second;
 }
 
-Path Explorer::pathTo(const std::vector<State>& all, std::size_t index) {
+void Explorer::explore(const std::vector<Start>& starts, const Scope& scope) {
+    constexpr int ahead = 40;
+    const auto onLine = [this](std::string_view line) { meetText(line); };
+    starts_ = starts;
+    scope_ = scope;
+    for (std::size_t i = 0; i < starts.size(); ++i) meet(World(starts[i], scope.faults, onLine), i, none);
+    for (std::size_t at = 0; at < all_.size(); ++at) {
+        while (all_[at].walked < all_[at].next.size()) {
+            const Path path = pathTo(at);
+            World world(path.start, scope.faults, onLine);
+            for (const Step& each : path.steps) world.apply(each);
+            // The path is put together of steps from states that were taken for equal.
+            if (const auto found = known_.find(world.key()); found == known_.end() || found->second != at) {
+                wrong_.emplace("what was taken for equal is not", std::pair{at, none});
+                break;
+            }
+            std::size_t here = at;
+            for (int i = 0; i < ahead && all_[here].walked < all_[here].next.size(); ++i)
+                here = take(world, here);
+        }
+    }
+    shorten();
+    findTraps();
+    for (const auto& [what, edge] : wrong_) {
+        Path path = pathTo(edge.first);
+        if (edge.second != none) path.steps.push_back(all_[edge.first].next[edge.second].step);
+        const auto [found, isNew] = violations.emplace(what, path);
+        if (path.steps.size() < found->second.steps.size()) found->second = path;
+    }
+}
+
+std::size_t Explorer::take(World& world, std::size_t from) {
+    const std::size_t via = all_[from].walked++;
+    const Step step = all_[from].next[via].step;
+    const ScreenSnapshot before = world.screen();
+    world.apply(step);
+    ++transitions;
+    std::string wrong = wrongAfter(before, step, world);
+    meetText(world.screen().toast);
+    const std::size_t to = meet(world, from, via);
+    all_[from].next[via].to = to;
+    if (wrong.empty() && world.isClosed()) wrong = world.leftBehind();
+    if (!wrong.empty()) wrong_.emplace(wrong, std::pair{from, via});
+    return to;
+}
+
+Path Explorer::pathTo(std::size_t index) const {
     Path path;
-    for (; index != 0; index = all[index].parent) path.push_back(all[index].step);
-    std::reverse(path.begin(), path.end());
+    for (; all_[index].via != none; index = all_[index].parent)
+        path.steps.push_back(all_[all_[index].parent].next[all_[index].via].step);
+    std::reverse(path.steps.begin(), path.steps.end());
+    path.start = starts_[all_[index].parent];
     return path;
 }
 
-void Explorer::report(const std::string& what, const Start& start, const Path& path) {
-    for (Violation& known : violations) {
-        if (known.what != what) continue;
-        if (path.size() < known.path.size()) known = {what, start, path};
-        return;
+std::optional<Path> Explorer::pathTo(const std::string& view) const {
+    std::optional<Path> shortest;
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+        if (all_[i].view != view) continue;
+        const Path path = pathTo(i);
+        if (!shortest || path.steps.size() < shortest->steps.size()) shortest = path;
     }
-    violations.push_back({what, start, path});
+    return shortest;
 }
 
-void Explorer::explore(const Start& start, const Scope& scope) {
-    const auto onLine = [this](std::string_view line) { meet(line); };
-    std::vector<State> all(1);
-    std::unordered_map<std::string, std::size_t> known;
-    {
-        World world(start, scope.faults, onLine);
-        cover(world);
-        all[0].next = world.possible(scope.basicOnly);
-        known.emplace(world.key(), 0);
-    }
-    for (std::size_t at = 0; at < all.size(); ++at) {
-        const Path path = pathTo(all, at);
-        const Path next = all[at].next;
-        for (const Step& step : next) {
-            World world(start, scope.faults, onLine);
-            for (const Step& each : path) world.apply(each);
-            const ScreenSnapshot before = world.screen();
-            world.apply(step);
-            ++transitions;
-
-            std::string wrong = wrongAfter(before, step, world);
-            cover(world);
-            const auto [entry, isNew] = known.emplace(world.key(), all.size());
-            if (isNew) {
-                all.push_back(
-                    {at, step, world.possible(scope.basicOnly), world.isClosed() || world.hostLetGo(), {}});
-                longestPath = std::max(longestPath, path.size() + 1);
-                if (wrong.empty()) wrong = world.useWhatIsRefused();
-            }
-            if (!step.answer || step.answer->success) all[entry->second].goodOrigins.push_back(at);
-            if (wrong.empty()) wrong = world.leftBehind();
-            if (wrong.empty()) continue;
-            Path whole = path;
-            whole.push_back(step);
-            report(wrong, start, whole);
+void Explorer::shorten() {
+    std::vector<bool> seen(all_.size());
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < all_.size() && all_[i].via == none; ++i) order.push_back(i), seen[i] = true;
+    for (std::size_t at = 0; at < order.size(); ++at) {
+        const State& state = all_[order[at]];
+        for (std::size_t via = 0; via < state.next.size(); ++via) {
+            const std::size_t to = state.next[via].to;
+            if (to == none || seen[to]) continue;
+            seen[to] = true;
+            all_[to].parent = order[at];
+            all_[to].via = via;
+            order.push_back(to);
         }
     }
-    findTraps(all, start);
-    states += all.size();
 }
 
-void Explorer::findTraps(const std::vector<State>& all, const Start& start) {
-    std::vector<bool> canEnd(all.size());
+/// From each state the journey can be ended if all goes well from there.
+void Explorer::findTraps() {
+    std::vector<std::vector<std::size_t>> origins(all_.size());
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+        for (const Edge& edge : all_[i].next) {
+            const bool goesWell = edge.step.does != Does::leave && !edge.step.fault;
+            if (goesWell && edge.to != none) origins[edge.to].push_back(i);
+        }
+    }
+    std::vector<bool> canEnd(all_.size());
     std::vector<std::size_t> open;
-    const auto reach = [&](std::size_t index) {
-        if (!canEnd[index]) open.push_back(index);
-        canEnd[index] = true;
-    };
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        if (all[i].ended) reach(i);
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+        if (all_[i].ended) open.push_back(i);
     }
     while (!open.empty()) {
         const std::size_t at = open.back();
         open.pop_back();
-        for (const std::size_t origin : all[at].goodOrigins) reach(origin);
+        if (canEnd[at]) continue;
+        canEnd[at] = true;
+        open.insert(open.end(), origins[at].begin(), origins[at].end());
     }
-    const auto trap = std::find(canEnd.begin(), canEnd.end(), false);
-    if (trap != canEnd.end())
-        report("no way to end the journey, even if all goes well from here", start,
-               pathTo(all, static_cast<std::size_t>(trap - canEnd.begin())));
-}
-
-const char* tokenName(Start::Token token) {
-    const char* const names[] = {"none",
-                                 "held: go through the SMS step, then set the rules",
-                                 "stored",
-                                 "half stored",
-                                 "unreadable",
-                                 "time unreadable",
-                                 "stored, no reader"};
-    return names[static_cast<int>(token)];
-}
-
-void printAsCommands(const Start& start, const Path& path) {
-    const char* const journeys[] = {"set-pin", "activate", "card"};  // in the order of the kinds
-    const std::map<std::string, std::string> suffixes{{"A1", "active"}, {"BT", "frozen"}, {"P2", "new"}};
-    const auto suffix = suffixes.find(start.cardStatus);
-    const std::string card = start.cardType == "sticker" ? "unknown-type"
-                             : suffix == suffixes.end()  ? "unknown-status"
-                                                         : start.cardType + "-" + suffix->second;
-    std::printf("  korvane-journey %s --card card-%s --biometrics %s  # token: %s\n",
-                journeys[static_cast<int>(start.kind)], card.c_str(), start.biometrics ? "on" : "off",
-                tokenName(start.token));
-    // The sandbox's own first answer is 401, to a bearer token that is not there yet.
-    std::string rules;
-    for (const Step& step : path) {
-        if (!step.answer || !std::holds_alternative<UrlReply>(step.answer->content)) continue;
-        if (rules.empty() && step.answer->name != "401")
-            rules = "{\"endpoint\":\"" + step.text + "\",\"status\":401}";
-        const std::string& fault = step.answer->fault;
-        rules += (rules.empty() ? "{\"endpoint\":\"" : ",\n   {\"endpoint\":\"") + step.text + "\"," +
-                 (fault.empty() ? "\"delayMs\":0" : fault) + "}";
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+        if (!canEnd[i])
+            wrong_.emplace("no way to end the journey, even if all goes well", std::pair{i, none});
     }
-    std::printf("  rules: [%s]\n", rules.c_str());
-
-    World world(start, static_cast<int>(path.size()), [](std::string_view) {});
-    std::string shown;
-    for (const Step& step : path) {
-        const ScreenSnapshot now = world.screen();
-        if (now.view != shown && !now.spinner) std::printf("  wait %s\n", now.view.c_str());
-        shown = now.view;
-        switch (step.does) {
-            case Does::tap:
-                std::printf("  tap %s\n", step.text.c_str());
-                break;
-            case Does::type:
-                std::printf("  type %s\n", step.text.c_str());
-                break;
-            case Does::erase:
-                std::printf("  erase\n");
-                break;
-            case Does::wait:
-                std::printf("  wait nothing %s\n", step.text.c_str());
-                break;
-            case Does::answer:
-                std::printf("  # %s: %s\n", step.text.c_str(), step.answer->name.c_str());
-                break;
-        }
-        world.apply(step);
-    }
-    std::printf("  # then: %s\n", world.isClosed() ? "closed" : world.screen().view.c_str());
 }
 
 }  // namespace korvane::explorer

@@ -3,64 +3,73 @@
 
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "tests/explorer/Invariants.h"
 
 namespace korvane::explorer {
 
-using Path = std::vector<Step>;
-
-struct Violation {
-    std::string what;
+struct Path {
     Start start;
-    Path path;
+    std::vector<Step> steps;
 };
 
-/// Walks every state that can be reached from a start, breadth first, equal states merged.
+/// Walks every state that can be reached from a set of starts, equal states merged. Each walk goes on for a
+/// while from where it came to, so that the way there is gone once for many steps; what is shortest is found
+/// in the whole graph at the end.
 class Explorer {
   public:
-    /// How far a walk goes.
-    struct Scope {
-        int faults;      ///< how many answers on one path, at most, are not a success
-        bool basicOnly;  ///< only the basic ones of those, and a person waits for what is under way, or goes
-                         ///< back
-    };
+    /// @param missed what is to be met, "row …", "view …", "text …" (small letters, on the console or the
+    /// screen); what is met is taken out
+    explicit Explorer(std::set<std::string>& missed) : missed_(missed) {}
 
-    /// @param texts those that the walks are to meet on the console or the screen, in any letters
-    explicit Explorer(const std::set<std::string>& texts);
+    void explore(const std::vector<Start>& starts, const Scope& scope);
 
-    void explore(const Start& start, const Scope& scope);
-
-    std::size_t states = 0;
     std::size_t transitions = 0;
-    std::size_t longestPath = 0;
-    std::set<TableRow> rows;
-    std::set<std::string> views;
-    std::vector<Violation> violations;  ///< the shortest path of each kind
-    const std::set<std::string>& missedTexts() const { return missed_; }
+    std::map<std::string, Path> violations;  ///< the shortest path to each kind
+
+    std::size_t states() const { return all_.size(); }
+    /// The shortest path to where the view is in sight and nothing under way.
+    std::optional<Path> pathTo(const std::string& view) const;
 
   private:
+    static constexpr std::size_t none = SIZE_MAX;
+
+    struct Edge {
+        Step step;
+        std::size_t to = none;
+    };
     struct State {
-        std::size_t parent = 0;
-        Step step;  ///< from there to here
-        Path next;
-        bool ended = false;                    ///< or never to be, because the host let go
-        std::vector<std::size_t> goodOrigins;  ///< states that lead here while all goes well
+        std::size_t parent;  ///< the start's number, when there is no `via`
+        std::size_t via;     ///< which of the parent's edges led here
+        std::string view;    ///< in sight while nothing is under way
+        bool ended;          ///< or never to be, because the host let go
+        std::vector<Edge> next = {};
+        std::size_t walked = 0;
     };
 
-    void meet(std::string_view text);
-    void cover(const World& world);
-    void report(const std::string& what, const Start& start, const Path& path);
-    static Path pathTo(const std::vector<State>& all, std::size_t index);
-    void findTraps(const std::vector<State>& all, const Start& start);
+    std::size_t take(World& world, std::size_t from);
+    std::size_t meet(const World& world, std::size_t parent, std::size_t via);
+    void meetText(std::string_view text);
+    Path pathTo(std::size_t index) const;
+    void shorten();
+    void findTraps();
 
-    std::set<std::string> missed_;
+    std::set<std::string>& missed_;
+    std::vector<Start> starts_;
+    Scope scope_;
+    std::vector<State> all_;
+    std::unordered_map<std::string, std::size_t> known_;
+    std::unordered_set<std::string> met_;
+    std::multimap<std::string, std::pair<std::size_t, std::size_t>> wrong_;  // edges, by what they did
 };
 
-/// Prints the path as what replays it on the console: rules for the sandbox, then commands.
-void printAsCommands(const Start& start, const Path& path);
+/// Prints the path as lines for the console and the sandbox, which tests/explorer/replay_test.py feeds them.
+void printAsCommands(const Path& path);
 
 }  // namespace korvane::explorer

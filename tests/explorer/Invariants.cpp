@@ -11,26 +11,29 @@
 namespace korvane::explorer {
 namespace {
 
-const std::map<std::string_view, const ViewTable*> journeyHosts{
-    {view::SetPIN, &table::setPIN},
-    {view::SetPIN_NoNav, &table::setPIN_NoNav},
-    {view::ActivateCardAndSetPIN, &table::activateCardAndSetPIN},
-    {view::ActivateCardAndSetPIN_NoNav, &table::activateCardAndSetPIN_NoNav},
-    {view::GetCardImage, &table::getCardImage},
-    {view::CardImage_NoNav, &table::cardImage_NoNav},
-};
+constexpr const ViewTable* tables[] = {&table::setPIN,
+                                       &table::setPIN_NoNav,
+                                       &table::activateCardAndSetPIN,
+                                       &table::activateCardAndSetPIN_NoNav,
+                                       &table::getCardImage,
+                                       &table::cardImage_NoNav,
+                                       &table::enterCardPINMultiView,
+                                       &table::autoNavMultiView,
+                                       &table::activateCardAndSetPINMultiView,
+                                       &table::cardImageActivateMultiView};
 
-/// Through which multi views a screen pushes others.
-const std::multimap<std::string_view, const ViewTable*> pushesThrough{
-    {view::EnterCardPINView, &table::enterCardPINMultiView},
-    {view::ConfirmCardPINView, &table::autoNavMultiView},
-    {view::ActivateCardAndSetPIN_NoNav, &table::activateCardAndSetPINMultiView},
-    {view::CardImage_NoNav, &table::cardImageActivateMultiView},
-    {view::CardImage_NoNav, &table::autoNavMultiView},
-};
+const ViewTable* tableOf(std::string_view host) {
+    const auto found = std::ranges::find(tables, host, &ViewTable::host);
+    return found == std::end(tables) ? nullptr : *found;
+}
 
-/// What a screen pushes without one.
-const std::multimap<std::string_view, std::string_view> pushesItself{
+/// What a screen pushes: a view, or a multi view that shows one.
+const std::multimap<std::string_view, std::string_view> pushes{
+    {view::EnterCardPINView, view::EnterCardPINMultiView},
+    {view::ConfirmCardPINView, view::AutoNavMultiView},
+    {view::ActivateCardAndSetPIN_NoNav, view::ActivateCardAndSetPINMultiView},
+    {view::CardImage_NoNav, view::CardImageActivateMultiView},
+    {view::CardImage_NoNav, view::AutoNavMultiView},
     {view::EnterCardLastFourView, view::EnterCardCVVView},
     {view::EnterCardCVVView, view::EnterCardPINView},
     {view::SMSExplainView, view::EnterSMSCodeView},
@@ -66,46 +69,42 @@ std::string wrongClose(const ScreenSnapshot& before, const Step& step, const Wor
 
 }  // namespace
 
-std::set<TableRow> allTableRows() {
-    std::set<TableRow> rows;
-    for (const ViewTable* const each :
-         {&table::setPIN, &table::setPIN_NoNav, &table::activateCardAndSetPIN,
-          &table::activateCardAndSetPIN_NoNav, &table::getCardImage, &table::cardImage_NoNav,
-          &table::enterCardPINMultiView, &table::autoNavMultiView, &table::activateCardAndSetPINMultiView,
-          &table::cardImageActivateMultiView}) {
-        for (const std::string_view view : each->views) rows.emplace(each->host, view);
+std::set<std::string> allRowsAndViews() {
+    std::set<std::string> all;
+    for (const ViewTable* const each : tables) {
+        for (const std::string_view view : each->views) {
+            all.insert("row " + std::string{each->host} + " " + std::string{view});
+            all.insert("view " + std::string{view});
+        }
     }
-    return rows;
+    for (const ResultPage::Row& page : ResultPage::rows()) all.insert("view " + std::string{page.view});
+    return all;
 }
 
-std::set<TableRow> rowsOf(const std::vector<std::string>& stack, std::string& complaint) {
-    std::set<TableRow> rows;
-    bool isHost = true;
-    for (std::size_t i = 0; i + 1 < stack.size(); ++i) {
+std::vector<std::string> rowsAndViews(const std::vector<std::string>& stack, std::string& complaint) {
+    std::vector<std::string> met;
+    bool isHost = true;  // a host stands at the root, and where a page pushes one
+    for (std::size_t i = 0; i < stack.size(); ++i) {
         const std::string& from = stack[i];
+        met.push_back("view " + from);
+        if (i + 1 == stack.size()) break;
         const std::string& to = stack[i + 1];
-        const ViewTable* lists = nullptr;
-        if (isHost) {
-            lists = journeyHosts.at(from);
-            isHost = false;
-        } else {
-            const auto [first, last] = pushesItself.equal_range(from);
-            if (std::any_of(first, last, [&](const auto& push) { return push.second == to; })) {
-                isHost = journeyHosts.contains(to);
-                continue;
-            }
-            for (auto [each, end] = pushesThrough.equal_range(from); each != end; ++each) {
-                if (!lists || each->second->lists(to)) lists = each->second;
-            }
+        bool isListed = false, isPushed = false;
+        const auto show = [&](const ViewTable* table) {
+            if (!table || !table->lists(to)) return;
+            isListed = true;
+            met.push_back("row " + std::string{table->host} + " " + to);
+        };
+        if (isHost) show(tableOf(from));
+        for (auto [push, end] = pushes.equal_range(from); push != end && !isHost; ++push) {
+            isPushed |= push->second == to;
+            if (push->second != to) show(tableOf(push->second));
         }
-        if (lists && lists->lists(to)) {
-            rows.emplace(lists->host, to);
-        } else {
-            complaint = from + " shows " + to + ", which it does not list";
-        }
+        if (!isListed && !isPushed) complaint = from + " shows " + to + ", which it does not list";
+        isHost = isPushed && tableOf(to);
     }
-    if (isHost) rows.emplace(stack.back(), "");
-    return rows;
+    if (isHost && !stack.empty()) met.push_back("bare host " + stack.back());
+    return met;
 }
 
 std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const World& world) {
@@ -118,9 +117,10 @@ std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const Wor
     if (world.holdsPin() && ResultPage::find(now.view) && now.view != view::UhOhTryAgainWithErrorMsgView)
         return "still holds the PIN on " + now.view;
     std::string complaint;
-    const bool bareHost = rowsOf(now.stack, complaint).contains({now.view, ""});
+    const auto rows = rowsAndViews(now.stack, complaint);
     if (!complaint.empty()) return complaint;
-    if (bareHost && !now.spinner) return now.view + " shows nothing and decides nothing";
+    if (rows.back() == "bare host " + now.view && !now.spinner)
+        return now.view + " shows nothing and decides nothing";
     const bool enabled = std::any_of(now.controls.begin(), now.controls.end(),
                                      [](const Control& control) { return control.enabled; });
     // A host that lets go of the reply function never replies: what asked waits for good, as it must.

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <tuple>
 #include <utility>
 
 #include "transport/Endpoints.h"
@@ -54,6 +53,11 @@ std::string foundIn(const std::string& text, const std::vector<std::string>& sec
     return found == secrets.end() ? "" : *found;
 }
 
+/// A rule that leaves something out does it to replies that are there without it.
+bool hasRule(const Answer& answer, const std::string& due) {
+    return !answer.fault.empty() && (due.empty() || !answer.fault.starts_with("\"without\""));
+}
+
 std::string methodOf(const UrlRequest& request) {
     for (std::size_t i = 0; i < endpointCount; ++i) {
         const Endpoint& each = endpoint(static_cast<EndpointId>(i));
@@ -62,23 +66,10 @@ std::string methodOf(const UrlRequest& request) {
     return request.url;
 }
 
-/// Forwards the lines.
-class Lines final : public Console {
-  public:
-    explicit Lines(std::function<void(std::string_view)> onLine) : onLine_(std::move(onLine)) {}
-    void line(std::string_view text) override { onLine_(text); }
-
-  private:
-    std::function<void(std::string_view)> onLine_;
-};
-
 }  // namespace
 
 World::World(const Start& start, int faults, const std::function<void(std::string_view)>& onLine)
-    : faultsLeft_(faults) {
-    Ports changed = ports();
-    changed.console = std::make_shared<Lines>(onLine);
-    installPorts(std::move(changed));
+    : onLine_(onLine), faultsLeft_(faults) {
     willAnswer({});
     prepare(start);
     observation_ = NotificationCenter::defaultCenter().observe(
@@ -106,22 +97,18 @@ void World::prepare(const Start& start) {
     config.decodedDisclosuresStruct.reset();
     config.useBiometrics = start.biometrics;
     config.ivCallback = [this](IvReply reply) { asked_.push_back(std::move(reply)); };
-    cardStatus = start.cardStatus;
-    cardType = start.cardType;
 
     using Token = Start::Token;
+    if (start.token == Token::held) config.currentBearerToken = "bearer-token";
     if (start.token == Token::held) config.currentPciToken = "pci-token";
     if (!start.biometrics) return;
     device.biometricContext->setAvailable(start.token != Token::noReader);
     auto& items = device.secureItemStore->items();
     if (start.token != Token::none) items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "pci-token";
     if (start.token != Token::none && start.token != Token::halfStored)
-        items[{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}] = "300";
-    if (start.token == Token::unreadable) device.secureItemStore->failNext({secureItemFailed});
-    if (start.token == Token::timeUnreadable)
-        device.secureItemStore->failNext({secureItemSuccess, secureItemFailed});
+        items[{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}] = "86400";
     if (start.token == Token::held) {
-        config.decBiometricsAuthenticationTimer = "300";
+        config.decBiometricsAuthenticationTimer = "86400";
         config.pciTimer.start();
     }
 }
@@ -129,6 +116,8 @@ void World::prepare(const Start& start) {
 void World::gather(const std::string& origin) {
     constexpr std::size_t limit = 10'000;
     if (device.mainQueue->runAll(limit) == limit) trouble_ = "works on without end by itself";
+    for (const std::string& line : device.console->lines()) onLine_(line);
+    device.console->clear();
     std::erase_if(waiting_, [this](const Waiting& each) {
         return each.request && device.urlSession->wasCancelled(*each.request);
     });
@@ -136,35 +125,43 @@ void World::gather(const std::string& origin) {
     for (; requestsSeen_ < requests.size(); ++requestsSeen_) {
         const UrlRequest& request = requests[requestsSeen_];
         if (!device.urlSession->wasCancelled(requestsSeen_))
-            waiting_.push_back({methodOf(request), requestsSeen_, nullptr, origin});
-        checkSent(requestsSeen_);
+            waiting_.push_back({methodOf(request), requestsSeen_, nullptr, origin, due(request)});
     }
     for (IvReply& reply : std::exchange(asked_, {}))
         waiting_.push_back({"iv", std::nullopt, std::move(reply), origin});
     for (; checksSeen_ < device.biometricContext->reasons().size(); ++checksSeen_)
         waiting_.push_back({"finger", std::nullopt, nullptr, origin});
-    std::stable_sort(waiting_.begin(), waiting_.end(), [](const Waiting& one, const Waiting& other) {
-        return std::tie(one.name, one.origin) < std::tie(other.name, other.origin);
-    });
+    const auto isFinger = [](const Waiting& each) { return each.name == "finger"; };
+    for (auto fingers = std::count_if(waiting_.begin(), waiting_.end(), isFinger);
+         fingers > static_cast<std::ptrdiff_t>(device.biometricContext->open()); --fingers)
+        waiting_.erase(std::find_if(waiting_.begin(), waiting_.end(), isFinger));
+    const ScreenSnapshot now = screen();
+    const auto owner = asker_ != 0 && onScreen_.back() == now.instance ? asker_ : now.instance;
+    onScreen_.resize(static_cast<std::size_t>(now.depth) + 1);
+    onScreen_.back() = now.instance;
+    for (Waiting& each : waiting_) {
+        if (each.owner == 0) each.owner = owner;
+        // A request that is made again is like the first one; only that for a code is made twice at most.
+        const bool counts = !each.request || each.name == "pciTokenRequest";
+        const auto place = std::find(onScreen_.begin(), onScreen_.end(), each.owner) - onScreen_.begin();
+        each.tag = "~" + each.name + each.due + (counts ? "<" + each.origin : "") + "@" +
+                   (place == std::ssize(onScreen_) ? "gone" : std::to_string(place));
+    }
+    std::stable_sort(waiting_.begin(), waiting_.end(),
+                     [](const Waiting& one, const Waiting& other) { return one.tag < other.tag; });
 }
 
-void World::checkSent(std::size_t index) {
-    const std::string& body = device.urlSession->requests()[index].body;
-    if (!foundIn(body, neverShown).empty()) trouble_ = "sends a value in clear: " + body;
-    if (config.ivByteArray.size() != 16) return;  // nothing is enciphered then, so nothing is told
-    const std::string plain = sent(index) + " ";
-    for (const auto& [name, typed] : std::map<std::string, std::string>{{" PIN=", "8046"},
-                                                                        {" CVV=", "731"},
-                                                                        {" LastFourOfPan=", "6603"},
-                                                                        {" TwoFactorCode=", "350912"}}) {
-        if (plain.find(name) != std::string::npos && plain.find(name + typed + " ") == std::string::npos)
-            trouble_ = "sends what nobody typed: " + plain;
-    }
+std::string World::due(const UrlRequest& request) const {
+    const bool needsBearer = methodOf(request) != "getBearerToken";
+    if (needsBearer && config.currentBearerToken.empty()) return "401";
+    const bool needsToken = request.body.find("PciToken") != std::string::npos;
+    return needsToken && config.currentPciToken.empty() ? tokenRefused : "";
 }
 
 void World::apply(const Step& step) {
     trouble_.clear();
     closedWith_.clear();
+    asker_ = 0;
     const ScreenSnapshot before = screen();
     std::string origin = "person";
     auto outcome = Journey::Outcome::done;
@@ -186,10 +183,18 @@ void World::apply(const Step& step) {
             device.timers->advance(std::chrono::seconds(std::stoi(step.text)));
             break;
         case Does::answer:
+            if (step.waiting >= waiting_.size() || waiting_[step.waiting].name != step.text) {
+                trouble_ = "does not wait for " + step.text;
+                return;
+            }
+            asker_ = waiting_[step.waiting].owner;
             // An IV that is asked for again is asked for by the same one.
             origin = step.text == "iv" ? waiting_[step.waiting].origin : step.text + " " + step.answer->name;
             give(step);
-            if (!step.answer->success) --faultsLeft_;
+            if (step.fault) --faultsLeft_;
+            break;
+        case Does::leave:
+            journey_.reset();
             break;
     }
     if (outcome != Journey::Outcome::done) trouble_ = "refused, though it is enabled: " + step.text;
@@ -205,35 +210,37 @@ void World::give(const Step& step) {
     const Waiting waiting = std::move(waiting_.at(step.waiting));
     waiting_.erase(waiting_.begin() + static_cast<std::ptrdiff_t>(step.waiting));
     if (const auto* const reply = std::get_if<UrlReply>(&step.answer->content)) {
-        if (waiting.name == "setCardStatus" && step.answer->name == "ok") doneSomething_ = true;
+        if (waiting.name == "setCardStatus" && step.answer->success) doneSomething_ = true;
         device.urlSession->reply(*waiting.request, *reply);
-    } else if (const auto* const match = std::get_if<bool>(&step.answer->content)) {
-        device.biometricContext->answer(*match);
+    } else if (const auto* const finger = std::get_if<Finger>(&step.answer->content)) {
+        device.secureItemStore->failNext(finger->store);
+        device.biometricContext->answer(finger->match);
     } else {
-        const auto& replies = std::get<std::vector<IvTexts>>(step.answer->content);
+        const auto& replies = std::get<IvReplies>(step.answer->content);
         for (const auto& [ivId, text] : replies) waiting.reply(ivId, text);
         if (replies.empty()) waiting_.push_back({"nobody", std::nullopt, nullptr, waiting.origin});
     }
 }
 
-std::vector<Step> World::possible(bool basicOnly) const {
+std::vector<Step> World::possible(const Scope& scope) const {
+    if (!journey_) return {};  // what is under way then is answered by `leftBehind`
     std::vector<Step> steps;
     const ScreenSnapshot now = screen();
     // Two things under way are seen to an end before a person does anything else.
-    if (journey_ && waiting_.size() < 2) {
+    if (waiting_.size() < 2) {
         for (const Control& control : now.controls) {
-            if (!control.enabled || (basicOnly && isAwaiting() && control.id != "back")) continue;
-            if (basicOnly && control.kind == ControlKind::row && !control.id.ends_with("cardNumber"))
-                continue;
+            if (!control.enabled || (!scope.restless && isAwaiting() && control.id != "back")) continue;
+            // What calls nothing is left alone.
+            if (!scope.restless && control.id.starts_with("sdk.cardviewer.device.details")) continue;
             if (control.kind != ControlKind::passcode) {
                 steps.push_back({Does::tap, control.id});
                 continue;
             }
             for (const std::string& digits : entries.at(control.id)) {
                 const bool whole = static_cast<int>(digits.size()) == now.passcode->size;
-                if (whole || !basicOnly) steps.push_back({Does::type, digits});
+                if (whole || scope.restless) steps.push_back({Does::type, digits});
             }
-            if (now.passcode->filled > 0 && !basicOnly) steps.push_back({Does::erase, ""});
+            if (now.passcode->filled > 0 && scope.restless) steps.push_back({Does::erase, ""});
         }
     }
     const auto runs = [&](const char* name) {
@@ -242,16 +249,22 @@ std::vector<Step> World::possible(bool basicOnly) const {
                    field.value != StateValue{0};
         });
     };
-    if (runs("resendSeconds") || runs("detailsRevealed")) steps.push_back({Does::wait, "31"});
-    if (!device.pasteboard->text().empty()) steps.push_back({Does::wait, "61"});
-    if (config.useBiometrics && !config.currentPciToken.empty()) steps.push_back({Does::wait, "301"});
+    // Each wait is longer than all that was pending, so nothing is left of what went by before.
+    if (runs("resendSeconds") || runs("detailsRevealed") || !device.pasteboard->text().empty())
+        steps.push_back({Does::wait, "61"});
+    if (config.pciTimer.isArmed()) steps.push_back({Does::wait, "86401"});
     for (std::size_t i = 0; i < waiting_.size(); ++i) {
         if (waiting_[i].name == "nobody") continue;
+        const std::string& due = waiting_[i].due;
         for (const Answer& answer : answersTo(waiting_[i].name, *this)) {
-            if (answer.success || (faultsLeft_ > 0 && (answer.basic || !basicOnly)))
-                steps.push_back({Does::answer, waiting_[i].name, i, &answer});
+            const bool fault = due.empty() ? !answer.success : answer.name != due;
+            if (!answer.basic && !scope.thorough) continue;
+            if (!answer.card.empty() && !scope.card.empty() && answer.card != scope.card) continue;
+            if (fault && (faultsLeft_ == 0 || (scope.rulesAlone && !hasRule(answer, due)))) continue;
+            steps.push_back({Does::answer, waiting_[i].name, i, &answer, fault});
         }
     }
+    steps.push_back({Does::leave, ""});
     return steps;
 }
 
@@ -281,14 +294,13 @@ std::string World::key() const {
     std::string key = screenKey(screen()) + "#" + std::to_string(faultsLeft_);
     for (const std::string& each : covered_) key += "/" + each;
     for (const SharedText field : decisiveTexts) key += "|" + (config.*field);
-    for (const Waiting& each : waiting_) {
-        // A request that is made again is like the first one; only that for a code is made twice at most.
-        const bool counts = !each.request || each.name == "pciTokenRequest";
-        key += "~" + each.name + (counts ? "<" + each.origin : "");
-    }
+    for (const SharedText field : otherTexts) key += foundIn(config.*field, personal).empty() ? "-" : "s";
+    for (const Waiting& each : waiting_) key += each.tag;
     for (const auto& [name, value] : device.secureItemStore->items()) key += name.second + value;
-    for (const bool flag : {doneSomething_, config.setPinOnly, config.timerPciExpired,
-                            config.decodedDisclosuresStruct.has_value(), !device.pasteboard->text().empty()})
+    for (const bool flag :
+         {config.useBiometrics, device.biometricContext->canEvaluate(), !config.currentBearerToken.empty(),
+          doneSomething_, config.setPinOnly, config.timerPciExpired, config.pciTimer.isArmed(),
+          config.decodedDisclosuresStruct.has_value(), !device.pasteboard->text().empty()})
         key += flag ? "1" : "0";
     key += std::to_string(config.ivByteArray.size()) + std::string{cardTypeCaseName(config.currentCardType)};
     return key;
@@ -316,21 +328,6 @@ std::string World::shownTexts() const {
 bool World::hostLetGo() const {
     return std::any_of(waiting_.begin(), waiting_.end(),
                        [](const Waiting& each) { return each.name == "nobody"; });
-}
-
-std::string World::useWhatIsRefused() {
-    if (!journey_) return {};
-    using Outcome = Journey::Outcome;
-    const std::string before = key();
-    const ScreenSnapshot now = screen();
-    for (const Control& control : now.controls) {
-        if (!control.enabled && journey_->perform(control.id) != Outcome::notEnabled)
-            return "not refused, though it is not enabled: " + control.id;
-    }
-    if (journey_->perform("no.such.control") != Outcome::noSuchControl) return "takes any control";
-    if (journey_->insertText("8x") == Outcome::done) return "takes letters for digits";
-    gather("nobody");
-    return key() == before ? "" : "changed by what it refused";
 }
 
 std::string World::leftBehind() {
