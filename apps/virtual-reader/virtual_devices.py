@@ -87,20 +87,6 @@ class VirtualDevices:
         self.processes.pop("keyring").wait()
         wait_until(lambda: not self.session.name_has_owner(SECRETS), "the keyring does not go")
 
-    def items(self):
-        """The component's items, by account."""
-        collection = self.session.get_object(SECRETS, LOGIN)
-        paths = collection.SearchItems({"service": "KorvanePCISDKService"}, dbus_interface="org.freedesktop.Secret.Collection")
-        items = [self.session.get_object(SECRETS, path) for path in paths]
-        return {str(item.Get("org.freedesktop.Secret.Item", "Attributes", dbus_interface="org.freedesktop.DBus.Properties")
-                    ["account"]): item for item in items}
-
-    def set_item(self, account, value):
-        service = self.session.get_object(SECRETS, "/org/freedesktop/secrets")
-        _, session = service.OpenSession("plain", "", dbus_interface="org.freedesktop.Secret.Service")
-        secret = (session, dbus.ByteArray(b""), dbus.ByteArray(value.encode()), "text/plain")
-        self.items()[account].SetSecret(secret, dbus_interface="org.freedesktop.Secret.Item")
-
     def lock(self):
         service = self.session.get_object(SECRETS, "/org/freedesktop/secrets")
         service.Lock([dbus.ObjectPath(LOGIN)], dbus_interface="org.freedesktop.Secret.Service")

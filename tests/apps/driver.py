@@ -52,9 +52,9 @@ class Sandbox:
 class Journey:
     """One journey on the console."""
 
-    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), service=None, environment=None):
+    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), environment=None):
         self.process = subprocess.Popen(
-            [PROGRAMS / "korvane-journey", kind, "--card", card, "--service", service or sandbox.url, "--key",
+            [PROGRAMS / "korvane-journey", kind, "--card", card, "--service", sandbox.url, "--key",
              sandbox.told["key"], "--iv-url", sandbox.told["ivUrl"], "--ca", sandbox.ca, *options],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
             env={**os.environ, **(environment or {})})
