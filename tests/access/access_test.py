@@ -60,11 +60,11 @@ class Access(unittest.TestCase):
     def page(self, title):
         """A new page: its title has the focus, and all that can be used has a role, a name and a state."""
         self.window.see("heading", title, "focused")
-        for node in self.window.nodes():
-            if "showing" in self.window.states(node) and node.get_role_name() in ("push button", "check box", "text"):
-                self.assertTrue(node.get_name(), f"{node.get_role_name()} without a name on '{title}'")
-                size = node.get_size()
-                self.assertGreaterEqual(min(size.x, size.y), 44, node.get_name())
+        unfit = self.window.wait(lambda: [[
+            f"{node.get_role_name()} '{node.get_name()}'" for node in self.window.nodes()
+            if "showing" in self.window.states(node) and node.get_role_name() in ("push button", "check box", "text")
+            and (not node.get_name() or min(node.get_size().x, node.get_size().y) < 44)]], "the page")
+        self.assertEqual(unfit, [[]], title)
 
     def succeeds(self):
         self.assertEqual(self.window.process.wait(screen_reader.PATIENCE), 0)
@@ -181,8 +181,9 @@ class Access(unittest.TestCase):
         self.use_by_key("Set PIN")
         window.wait(lambda: "The PINs don’t match. Enter your new PIN again." in window.announced, "the announcement")
         window.see("text", "New PIN, again, 0 of 4 digits entered", "focused")
-        names = [node.get_name() + (node.get_description() or "") for node in window.nodes()]
-        names += [text.get_text(0, -1) for text in filter(None, (node.get_text_iface() for node in window.nodes()))]
+        entered = lambda text: text.get_text(0, -1) if text else ""
+        names = window.wait(lambda: [part for node in window.nodes() for part in (
+            node.get_name(), node.get_description() or "", entered(node.get_text_iface()))], "the texts")
         texts = spy.heard()
         self.assertEqual(leaks(PIN, names + texts), [])
         self.assertIn("x", texts, "the spy hears the keys that other items take")

@@ -130,10 +130,11 @@ class Window:
         return {state.value_nick for state in node.get_state_set().get_states()}
 
     def find(self, role, name, *states):
-        for node in self.nodes():
-            if re.fullmatch(role, node.get_role_name()) and re.fullmatch(name, node.get_name() or ""):
-                if self.states(node) >= {"showing", *states}:
-                    return node
+        try:
+            return next((node for node in self.nodes() if re.fullmatch(role, node.get_role_name()) and
+                         re.fullmatch(name, node.get_name() or "") and self.states(node) >= {"showing", *states}), None)
+        except self.GLib.Error:
+            return None  # the tree changed while it was read
 
     def see(self, role, name, *states):
         return self.wait(lambda: self.find(role, name, *states), f"{role} '{name}' {states}")

@@ -5,7 +5,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
-#include <QTest>
 
 #include "tests/uikit/quick/QuickFixture.h"
 

@@ -6,7 +6,6 @@
 #include <QInputMethodQueryEvent>
 #include <QKeyEvent>
 #include <QQmlComponent>
-#include <QTest>
 #include <cmath>
 
 #include "platform/qt/QtStringTable.h"
@@ -32,6 +31,14 @@ class Application : public testing::Environment {
 
 const auto* const application = testing::AddGlobalTestEnvironment(new Application);
 
+/// Every visible item from `item` down, itself included.
+QList<QQuickItem*> visibleItems(QQuickItem* item) {
+    if (!item->isVisible() || item->opacity() == 0) return {};
+    QList<QQuickItem*> items{item};
+    for (QQuickItem* const child : item->childItems()) items += visibleItems(child);
+    return items;
+}
+
 void collectTexts(QAccessibleInterface* node, QStringList& texts) {
     if (!node) return;
     for (const auto kind :
@@ -51,13 +58,6 @@ QStringList textsOf(const QVariant& value) {
 }
 
 }  // namespace
-
-QList<QQuickItem*> visibleItems(QQuickItem* item) {
-    if (!item->isVisible() || item->opacity() == 0) return {};
-    QList<QQuickItem*> items{item};
-    for (QQuickItem* const child : item->childItems()) items += visibleItems(child);
-    return items;
-}
 
 QuickFixture::QuickFixture() {
     QObject::connect(&engine_, &QQmlEngine::warnings, &engine_, [](const QList<QQmlError>& warnings) {
@@ -102,10 +102,6 @@ void QuickFixture::settle() {
         QTest::qWait(0);
     } while (service.device.mainQueue->runAll() > 0);
     wait(20);
-}
-
-void QuickFixture::wait(int milliseconds) {
-    QTest::qWait(milliseconds);
 }
 
 QQuickItem* QuickFixture::find(const QString& objectName) const {

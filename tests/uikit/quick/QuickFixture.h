@@ -7,6 +7,7 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTest>
 #include <memory>
 #include <optional>
 
@@ -30,8 +31,7 @@ class QuickFixture : public ::testing::Test {
 
     /// Runs the fake queue and Qt's events until both are empty.
     void settle();
-    /// Lets this much time pass for animations.
-    void wait(int milliseconds);
+    void wait(int milliseconds) { QTest::qWait(milliseconds); }  ///< for animations
 
     /// The item of that name that a person sees; none when there is none.
     QQuickItem* find(const QString& objectName) const;
@@ -71,8 +71,5 @@ class QuickFixture : public ::testing::Test {
   protected:
     QQuickWindow window;
 };
-
-/// Every visible item from `item` down, itself included.
-QList<QQuickItem*> visibleItems(QQuickItem* item);
 
 }  // namespace korvane

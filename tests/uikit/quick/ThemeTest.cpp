@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <korvane/Initialize.h>
 
-#include <QTest>
 #include <cmath>
 
 #include "sdk/SdkConfig.h"
