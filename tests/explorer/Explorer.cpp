@@ -85,13 +85,8 @@ Path Explorer::pathTo(std::size_t index) const {
 }
 
 std::optional<Path> Explorer::pathTo(const std::string& view) const {
-    std::optional<Path> shortest;
-    for (std::size_t i = 0; i < all_.size(); ++i) {
-        if (all_[i].view != view) continue;
-        const Path path = pathTo(i);
-        if (!shortest || path.steps.size() < shortest->steps.size()) shortest = path;
-    }
-    return shortest;
+    const auto found = nearest_.find(view);
+    return found == nearest_.end() ? std::nullopt : std::optional{pathTo(found->second)};
 }
 
 void Explorer::shorten() {
@@ -100,6 +95,7 @@ void Explorer::shorten() {
     for (std::size_t i = 0; i < all_.size() && all_[i].via == none; ++i) order.push_back(i), seen[i] = true;
     for (std::size_t at = 0; at < order.size(); ++at) {
         const State& state = all_[order[at]];
+        nearest_.emplace(state.view, order[at]);
         for (std::size_t via = 0; via < state.next.size(); ++via) {
             const std::size_t to = state.next[via].to;
             if (to == none || seen[to]) continue;
@@ -113,24 +109,16 @@ void Explorer::shorten() {
 
 /// From each state the journey can be ended if all goes well from there.
 void Explorer::findTraps() {
-    std::vector<std::vector<std::size_t>> origins(all_.size());
-    for (std::size_t i = 0; i < all_.size(); ++i) {
-        for (const Edge& edge : all_[i].next) {
-            const bool goesWell = edge.step.does != Does::leave && !edge.step.fault;
-            if (goesWell && edge.to != none) origins[edge.to].push_back(i);
-        }
-    }
     std::vector<bool> canEnd(all_.size());
-    std::vector<std::size_t> open;
-    for (std::size_t i = 0; i < all_.size(); ++i) {
-        if (all_[i].ended) open.push_back(i);
-    }
-    while (!open.empty()) {
-        const std::size_t at = open.back();
-        open.pop_back();
-        if (canEnd[at]) continue;
-        canEnd[at] = true;
-        open.insert(open.end(), origins[at].begin(), origins[at].end());
+    const auto leadsOn = [&](const Edge& edge) {
+        return edge.step.does != Does::leave && !edge.step.fault && edge.to != none && canEnd[edge.to];
+    };
+    for (bool isNew = true; isNew;) {
+        isNew = false;
+        for (std::size_t i = all_.size(); i-- > 0;) {
+            if (canEnd[i] || !(all_[i].ended || std::ranges::any_of(all_[i].next, leadsOn))) continue;
+            canEnd[i] = isNew = true;
+        }
     }
     for (std::size_t i = 0; i < all_.size(); ++i) {
         if (!canEnd[i])

@@ -65,6 +65,7 @@ class Explorer {
     Scope scope_;
     std::vector<State> all_;
     std::unordered_map<std::string, std::size_t> known_;
+    std::map<std::string, std::size_t> nearest_;  // by view
     std::unordered_set<std::string> met_;
     std::multimap<std::string, std::pair<std::size_t, std::size_t>> wrong_;  // edges, by what they did
 };

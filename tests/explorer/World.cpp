@@ -47,9 +47,8 @@ const std::vector<std::string> neverShown{
     "8642", "pci-token", "sms-token", "bearer-token"};
 
 std::string foundIn(const std::string& text, const std::vector<std::string>& secrets) {
-    const auto found = std::find_if(secrets.begin(), secrets.end(), [&](const std::string& secret) {
-        return text.find(secret) != std::string::npos;
-    });
+    const auto isIn = [&](const std::string& secret) { return text.find(secret) != text.npos; };
+    const auto found = std::ranges::find_if(secrets, isIn);
     return found == secrets.end() ? "" : *found;
 }
 
@@ -147,8 +146,7 @@ void World::gather(const std::string& origin) {
         each.tag = "~" + each.name + each.due + (counts ? "<" + each.origin : "") + "@" +
                    (place == std::ssize(onScreen_) ? "gone" : std::to_string(place));
     }
-    std::stable_sort(waiting_.begin(), waiting_.end(),
-                     [](const Waiting& one, const Waiting& other) { return one.tag < other.tag; });
+    std::ranges::stable_sort(waiting_, {}, &Waiting::tag);
 }
 
 std::string World::due(const UrlRequest& request) const {
@@ -176,7 +174,7 @@ void World::apply(const Step& step) {
             outcome = journey_->replaceText(step.text);
             break;
         case Does::erase:
-            typed_[before.passcode->id].pop_back();
+            if (std::string& typed = typed_[before.passcode->id]; !typed.empty()) typed.pop_back();
             outcome = journey_->deleteBackward();
             break;
         case Does::wait:
@@ -326,8 +324,7 @@ std::string World::shownTexts() const {
 }
 
 bool World::hostLetGo() const {
-    return std::any_of(waiting_.begin(), waiting_.end(),
-                       [](const Waiting& each) { return each.name == "nobody"; });
+    return std::ranges::find(waiting_, "nobody", &Waiting::name) != waiting_.end();
 }
 
 std::string World::leftBehind() {
