@@ -29,10 +29,11 @@ struct GLibTimersDriver : GLibQueueDriver {
 
     void pass(std::chrono::duration<double> time) {
         bool over = false;  // set by a timer of GLib's own
-        const GLibPtr<GSource> source(g_timeout_source_new(static_cast<unsigned>(time.count() * 1000) + 1));
+        GSource* const source = g_timeout_source_new(static_cast<unsigned>(time.count() * 1000) + 1);
         const auto set = [](gpointer target) -> gboolean { return !(*static_cast<bool*>(target) = true); };
-        g_source_set_callback(source.get(), set, &over, nullptr);
-        g_source_attach(source.get(), context.get());
+        g_source_set_callback(source, set, &over, nullptr);
+        g_source_attach(source, context.get());
+        g_source_unref(source);
         runUntil([&over] { return over; });
         turn();  // what is due at the same moment
     }
