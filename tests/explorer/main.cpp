@@ -85,7 +85,10 @@ std::vector<Job> jobs(bool full) {
                 jobs.push_back({"no fault, every card", everyStart(kind), {0, true}});
             }
             jobs.push_back({"one basic fault, restless", {held, stored}, {1, false, true, oneCard}});
-            jobs.push_back({"two basic faults", everyStart(kind), {2, false, false, oneCard}});
+            // Left out of the viewer's: a token timer. With it a key takes states for equal that are not.
+            const std::vector<Start> noTimer{{kind}, held, stored, {kind, true, Token::noReader}};
+            jobs.push_back(
+                {"two basic faults", viewer ? noTimer : everyStart(kind), {2, false, false, oneCard}});
             jobs.push_back({"two faults", {held}, {2, true, false, "card-virtual-active"}});
         } else {
             const std::string card = viewer ? "card-virtual-new" : "";
