@@ -85,6 +85,12 @@ TEST_F(Custody, LoadsWhatIsThereAndTellsWhatIsNot) {
     keep("", "");
     EXPECT_TRUE(AuthenticateBiometric::loadPciToken());
     EXPECT_EQ(config.currentPciToken, "");
+
+    AuthenticateBiometric::reloadAtInitialize();  // an empty one is none, and none can be out of date
+    EXPECT_TRUE(device.biometricContext->answer(true));
+    device.mainQueue->runAll();
+    EXPECT_FALSE(config.timerPciExpired);
+    EXPECT_FALSE(config.pciTimer.isArmed());
 }
 
 TEST_F(Custody, DeletesBothItemsWhateverBecomesOfTheFirst) {

@@ -38,7 +38,8 @@ class Replies : public ServiceFixture {
 };
 
 TEST_F(Replies, CardImageStoresAndPrintsEveryValueInOrderBehindFixedMasks) {
-    const std::string disclosures = R"({"CardDisclosures":[{"Language":"English","CardDisclosure":"x"}]})";
+    const std::string disclosures =
+        R"({"Other":[],"CardDisclosures":[{"Language":"English","CardDisclosure":"x"}]})";
     const Fields values{{"CardImage", "aW1n"},
                         {"CardDisclosures", disclosures},
                         {"Pan", "5555550000079197123"},

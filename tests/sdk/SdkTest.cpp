@@ -58,6 +58,12 @@ TEST_F(Initialize, StoresWhatTheHostHandsOverAndRefusesAKeyThatIsNotStrictBase64
     EXPECT_TRUE(config.preSharedKeyByteArray.empty());
 }
 
+TEST(PortsDeathTest, AMissingOneIsRefusedAndWithoutAnyTheProgramEndsWithAReason) {
+    EXPECT_FALSE(installPorts({}));
+    EXPECT_FALSE(portsInstalled());
+    EXPECT_DEATH(ports(), "call installPorts before anything else");
+}
+
 TEST(Notifications, ReachTheObserversThatAreThere) {
     NotificationCenter& center = NotificationCenter::defaultCenter();
     std::string heard;
