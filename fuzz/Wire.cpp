@@ -37,6 +37,17 @@ std::optional<Bytes> strictlyByOpenSsl(const std::string& text) {
     return byOpenSsl(bytes) == text ? std::optional{bytes} : std::nullopt;
 }
 
+/// A number that the other library does not hold. The component passes over numbers.
+bool hasTooLargeNumber(std::string_view json) {
+    try {
+        return Json::parse(json).is_discarded();
+    } catch (const Json::out_of_range&) {
+        return true;
+    } catch (const Json::parse_error&) {
+        return false;
+    }
+}
+
 /// Read and written again: an object; a text when it is refused.
 template <class Record>
 Json byComponent(const std::string& json) {
@@ -63,6 +74,7 @@ Json byOtherLibrary(const std::string& json) {
 
 template <class Record>
 void compare(std::string json) {
+    if (hasTooLargeNumber(json)) return;
     const Json read = byComponent<Record>(json), other = byOtherLibrary<Record>(json);
     // Of equal keys the other library sees the last alone, and it has greater numbers.
     const std::string why = read.is_string() ? read.get<std::string>() : "";
@@ -132,6 +144,7 @@ void disclosures(Input& input) {
     service.config.deviceLanguageCode = std::array{"", "es-MX", "en", "e"}.at(input.below(4));
     const auto outcome = decodeDisclosures(std::string{input.bytes});
     if (outcome.index() == 1) return check(!std::get<JsonError>(outcome).text.empty(), "a refusal says why");
+    if (hasTooLargeNumber(input.bytes)) return;
     const auto& read = std::get<DecryptedCardDisclosure>(outcome);
     const Json written = Json::parse(std::get<std::string>(encodeDisclosures(read)));
     const Json list = Json::parse(input.bytes).value("CardDisclosures", Json{});
