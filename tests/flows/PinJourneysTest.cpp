@@ -61,6 +61,9 @@ TEST_F(SmsStep, RequestUnderAStaleIvIsRepeatedOnceUnderAFreshOne) {
         EXPECT_EQ(ivsSupplied - before, 1);
     }
     toExplanation();
+    config.ivByteArray.resize(12);  // enciphers nothing, and nothing can be read that would tell
+    walk({"sdk.sms.explain.button > EnterSMSCodeView, calls pciTokenRequest=2"});
+    toExplanation();
     next("pciTokenRequest", expired);
     hostSuppliesIvs = false;
     EXPECT_EQ(tap("sdk.sms.explain.button"), "UhOhTryAgainWithErrorMsgView");
