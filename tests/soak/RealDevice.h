@@ -61,7 +61,7 @@ class RealDevice final : Console, Pasteboard {
     }
     /// Puts a new reader into the ports.
     void install() {
-        const auto lent = [this](auto* port) {
+        const auto lent = [](auto* port) {
             return std::shared_ptr<std::remove_pointer_t<decltype(port)>>(port, [](auto*) {});
         };
         reader = std::make_shared<FakeBiometricContext>(queue_);
