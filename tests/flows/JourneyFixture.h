@@ -18,7 +18,7 @@ namespace korvane {
 class JourneyFixture : public testing::Test, protected ScriptedService {
   protected:
     /// Shows another journey for a card of that status and type, and tells the view that is then shown.
-    std::string start(JourneyKind kind, const std::string& status = "A1",
+    std::string start(JourneyKind kind = JourneyKind::setPIN, const std::string& status = "A1",
                       const std::string& type = "physical");
     std::string showCard(const std::string& status = "A1", const std::string& type = "physical") {
         return start(JourneyKind::getCardImage, status, type);
@@ -44,7 +44,6 @@ class JourneyFixture : public testing::Test, protected ScriptedService {
         return walk({"type 2580", "sdk.setpin.button", "type 2580", "sdk.confirmpin.button"});
     }
     ScreenSnapshot screen() const { return journey->screen(); }
-    bool printedLine(const std::string& line) const { return device.console->has(line); }
 
     std::unique_ptr<Journey> journey;
 

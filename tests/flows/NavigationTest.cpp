@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <optional>
 
-#include "flows/AppearStruct.h"
 #include "flows/KorvaneActionNavigationLink.h"
 #include "flows/NavigationStack.h"
-#include "flows/ViewHost.h"
-#include "flows/ViewTables.h"
+#include "flows/ScreenFactory.h"
+#include "flows/ViewNames.h"
 #include "tests/flows/JourneyFixture.h"
 
 namespace korvane {
@@ -38,7 +37,6 @@ TEST_F(AppearDecision, FirstViewFollowsStatusAndTypeOfTheCard) {
         {setPIN, "P2", "virtual", "EnterCardPINView"},
         {setPIN, "p2", "physical", "EnterCardPINView"},
         {activateCardAndSetPIN, "BT", "virtual", "CardAlreadyActivatedView"},
-        {activateCardAndSetPIN, "a1", "physical", "ActivateCardAndSetPIN_NoNav"},
         {getCardImage, "P2", "physical", "CardImage_NoNav"},
     };
     for (const auto& [kind, status, type, view] : cases) {
@@ -79,11 +77,11 @@ TEST_F(AppearDecision, EveryFailureLeadsToTheSmsStepOrTheErrorPage) {
             see("stack=" + call.host + "/" + call.view);
         }
         EXPECT_EQ(device.console->count("Forcing SMSExplainView"), 1u);
-        EXPECT_TRUE(printedLine(".onAppear in " + call.host));
-        EXPECT_TRUE(printedLine(".onAppear in " + call.host + "_NoNav"));
+        EXPECT_TRUE(device.console->has(".onAppear in " + call.host));
+        EXPECT_TRUE(device.console->has(".onAppear in " + call.host + "_NoNav"));
         const std::string appears = call.noNav() + " - onAppear - ";
         for (const std::string id : {"SdkConfig.sharedInstance.cardId = card-1", "self.cardID = card-1"})
-            EXPECT_EQ(printedLine(appears + id), call.kind != setPIN);
+            EXPECT_EQ(device.console->has(appears + id), call.kind != setPIN);
     }
 }
 
@@ -95,7 +93,8 @@ TEST_F(AppearDecision, StaleIvIsRenewedForAsLongAsTheHostSuppliesOne) {
         EXPECT_EQ(start(call.kind), call.view);
         see("calls " + call.endpoint + "=3");
         for (const std::string reason : {"iv expired", "iv invalid"})
-            EXPECT_TRUE(printedLine(reason + ": Got new iv -- re-calling doAppearGuts -- " + call.name));
+            EXPECT_TRUE(
+                device.console->has(reason + ": Got new iv -- re-calling doAppearGuts -- " + call.name));
 
         next(call.endpoint, refusal(400, "Failure: Invalid offsetId"));
         hostSuppliesIvs = false;
@@ -104,42 +103,15 @@ TEST_F(AppearDecision, StaleIvIsRenewedForAsLongAsTheHostSuppliesOne) {
     }
 }
 
-TEST_F(AppearDecision, FailureOfTheDetailsDoesNotReplaceAViewThatIsChosen) {
-    const auto appear = std::make_shared<AppearStruct>(
-        AppearStruct::Journey{"CardImageAppearStruct", "CardImage_NoNav", nullptr, doCardImage},
-        [] { FAIL() << "decided again"; });
-    next("cardImage", {418, "", ""});
-    appear->doAppear();
-    appear->viewToShow = "UhOhContactSupportView";
-    settle();
-    EXPECT_EQ(appear->viewToShow, "UhOhContactSupportView");
-    EXPECT_TRUE(printedLine("already got viewToShow in handleCardImageError"));
-}
-
-class Page final : public Screen {
-  public:
-    explicit Page(const std::shared_ptr<NavigationStack>& stack) : Screen(stack, "Page") {}
-
-  protected:
-    std::vector<ScreenControl> controls() override { return {back()}; }
-    void describeContent(ScreenSnapshot&) const override {}
-};
-
-class Navigation : public testing::Test {
-  protected:
-    Navigation() { stack->start(root); }
-    ~Navigation() override { stack->end(); }
-
-    FakePorts device;
-    std::shared_ptr<NavigationStack> stack = std::make_shared<NavigationStack>();
-    std::shared_ptr<Page> root = std::make_shared<Page>(stack);
-};
-
-TEST_F(Navigation, LinkPushesWhenItsTokenIsCalledAndOnlyOnce) {
+TEST(Navigation, LinkPushesWhenItsTokenIsCalledAndOnlyOnce) {
+    const FakePorts device;
+    const auto stack = std::make_shared<NavigationStack>();
+    const auto page = [&] { return makeScreen(stack, view::SMSExplainView, ScreenArguments{}); };
+    const auto root = page();
+    stack->start(root);
     std::optional<KorvaneNavigationToken> kept;
-    const KorvaneActionNavigationLink link(
-        "label", [this] { return std::make_shared<Page>(stack); },
-        [&](KorvaneNavigationToken token) { kept = std::move(token); });
+    const KorvaneActionNavigationLink link("label", page,
+                                           [&](KorvaneNavigationToken token) { kept = std::move(token); });
     link.tap(*root, *stack);
     EXPECT_TRUE(stack->isInView(*root));
     (*kept)();
@@ -155,14 +127,6 @@ TEST_F(Navigation, LinkPushesWhenItsTokenIsCalledAndOnlyOnce) {
     stack->end();
     (*kept)();
     EXPECT_EQ(stack->inView(), nullptr);
-}
-
-TEST_F(Navigation, UnlistedNameShowsNoneOfTheListedScreens) {
-    const auto host = std::make_shared<MultiView>(stack, table::autoNavMultiView);
-    host->show("uhohtryagainview");
-    stack->push(host);
-    EXPECT_EQ(stack->inView(), host);
-    EXPECT_TRUE(stack->canDismiss(*host));
 }
 
 }  // namespace
