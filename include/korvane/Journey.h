@@ -3,6 +3,7 @@
 
 #include <korvane/Export.h>
 #include <korvane/Initialize.h>
+#include <korvane/platform/ImageDecoder.h>
 
 #include <cstdint>
 #include <functional>
@@ -69,6 +70,7 @@ struct Sheet {
 struct CardFace {
     std::shared_ptr<const ImageData> image;  ///< the same pointer as long as it is the same; null: draw a
                                              ///< placeholder card
+    std::shared_ptr<const DecodedImage> decoded;  ///< what `ImageDecoder` made of `image`; null when that is
     std::string name;  ///< plain text: how the host names a wearable, else the card's type; may be empty
     std::string networkLogo;           ///< asset name: "mastercard_logo"; empty: none
     bool activated = false;            ///< the card is active, frozen or not

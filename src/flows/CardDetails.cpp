@@ -19,13 +19,14 @@ bool isWearable(const SdkConfig& config) {
 }
 
 CardPicture decodedPicture(const std::string& base64) {
-    if (base64.empty()) return {nullptr, "errors.decodedimgstrempty.failed"};
+    if (base64.empty()) return {nullptr, nullptr, "errors.decodedimgstrempty.failed"};
     const auto image = std::make_shared<ImageData>(base64Room(base64));
     const auto size = base64Decode(base64, reinterpret_cast<std::uint8_t*>(image->data()));
-    if (!size) return {nullptr, "errors.base64todata.failed"};
+    if (!size) return {nullptr, nullptr, "errors.base64todata.failed"};
     image->resize(*size);
-    if (!ports().imageDecoder->isImage(*image)) return {nullptr, "errors.datatoimage.failed"};
-    return {image, {}};
+    auto decoded = ports().imageDecoder->decode(*image);
+    if (!decoded) return {nullptr, nullptr, "errors.datatoimage.failed"};
+    return {image, std::move(decoded), {}};
 }
 
 std::string_view disclosureLanguage() {
@@ -43,8 +44,10 @@ std::string takeCardStatus() {
 
 CardPicture cardPicture() {
     const SdkConfig& config = SdkConfig::sharedInstance();
-    if (isWearable(config) && config.wearableImage && ports().imageDecoder->isImage(*config.wearableImage)) {
-        return {std::make_shared<const ImageData>(*config.wearableImage), {}};
+    if (isWearable(config) && config.wearableImage) {
+        if (auto decoded = ports().imageDecoder->decode(*config.wearableImage)) {
+            return {std::make_shared<const ImageData>(*config.wearableImage), std::move(decoded), {}};
+        }
     }
     return decodedPicture(config.decCardImage);
 }

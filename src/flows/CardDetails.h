@@ -2,6 +2,7 @@
 #pragma once
 
 #include <korvane/Initialize.h>
+#include <korvane/platform/ImageDecoder.h>
 
 #include <memory>
 #include <string>
@@ -16,8 +17,9 @@ namespace korvane {
 std::string takeCardStatus();
 
 struct CardPicture {
-    std::shared_ptr<const ImageData> image;  ///< null: there is none that can be drawn
-    std::string failure;                     ///< why not, as a message id; empty when there is one
+    std::shared_ptr<const ImageData> image;       ///< null: there is none that can be drawn
+    std::shared_ptr<const DecodedImage> decoded;  ///< as `ImageDecoder` read it; null like `image`
+    std::string failure;                          ///< why not, as a message id; empty when there is one
 };
 
 /// The host's picture of a wearable card when it gave one that can be drawn, else the one the service sent.

@@ -165,6 +165,7 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
 CardFace CardViewer::face() const {
     CardFace face;
     face.image = picture_.image;
+    face.decoded = picture_.decoded;
     face.name = cardName(type_);
     if (equalIgnoringCase(SdkConfig::sharedInstance().decCardNetwork, "mastercard"))
         face.networkLogo = "mastercard_logo";

@@ -108,9 +108,11 @@ TEST(QtImageDecoder, TakesWhatItCanDrawAndNothingElse) {
     QImage(8, 5, QImage::Format_RGB32).save(&buffer, "PNG");
     const QtImageDecoder decoder;
     const auto bytes = std::as_bytes(std::span{png.constData(), static_cast<std::size_t>(png.size())});
-    EXPECT_TRUE(decoder.isImage(bytes));
-    EXPECT_FALSE(decoder.isImage(bytes.first(bytes.size() / 2))) << "cut short";
-    EXPECT_FALSE(decoder.isImage({}));
+    const auto read = std::dynamic_pointer_cast<const QtDecodedImage>(decoder.decode(bytes));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->image.size(), QSize(8, 5));
+    EXPECT_FALSE(decoder.decode(bytes.first(bytes.size() / 2))) << "cut short";
+    EXPECT_FALSE(decoder.decode({}));
 }
 
 }  // namespace

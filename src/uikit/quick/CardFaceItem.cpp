@@ -49,9 +49,9 @@ void CardFaceItem::setCard(CardModel* card) {
     if (card_ == card) return;
     if (card_) disconnect(card_, nullptr, this, nullptr);
     card_ = card;
-    if (card_) connect(card_, &CardModel::changed, this, &CardFaceItem::decode);
+    if (card_) connect(card_, &CardModel::changed, this, &CardFaceItem::readCard);
     emit cardChanged();
-    decode();
+    readCard();
 }
 
 double CardFaceItem::radius() const {
@@ -62,7 +62,7 @@ void CardFaceItem::componentComplete() {
     QQuickPaintedItem::componentComplete();
     theme_ = Theme::of(this);
     if (theme_) connect(theme_, &Theme::changed, this, &QQuickItem::polish);
-    decode();
+    readCard();
 }
 
 void CardFaceItem::geometryChange(const QRectF& now, const QRectF& before) {
@@ -76,14 +76,9 @@ void CardFaceItem::itemChange(ItemChange change, const ItemChangeData& data) {
     if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) polish();
 }
 
-void CardFaceItem::decode() {
-    const std::shared_ptr<const ImageData> bytes = card_ ? card_->image() : nullptr;
-    if (bytes_ != bytes) {
-        bytes_ = bytes;
-        picture_ = bytes ? QImage::fromData(reinterpret_cast<const uchar*>(bytes->data()),
-                                            static_cast<int>(bytes->size()))
-                         : QImage();
-    }
+void CardFaceItem::readCard() {
+    if (!isComponentComplete()) return;
+    picture_ = card_ ? card_->picture() : QImage();
     polish();
 }
 

@@ -50,14 +50,13 @@ class CardFaceItem : public QQuickPaintedItem {
     void updatePolish() override;
 
   private:
-    void decode();
+    void readCard();
     QImage placeholderFace(QSize size) const;
 
     QPointer<CardModel> card_;
     QPointer<Theme> theme_;
-    std::shared_ptr<const ImageData> bytes_;  // of `picture_`
-    QImage picture_;                          // as it came; null: there is none
-    QImage face_;                             // in the screen's own pixels
+    QImage picture_;  // as it came; null: there is none
+    QImage face_;     // in the screen's own pixels
     QColor upperInk_ = Qt::white;
     QColor lowerInk_ = Qt::white;
 };

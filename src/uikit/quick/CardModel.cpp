@@ -4,6 +4,7 @@
 #include <korvane/platform/Ports.h>
 
 #include "base/Secret.h"
+#include "platform/qt/QtImageDecoder.h"
 
 namespace korvane {
 namespace {
@@ -37,6 +38,13 @@ QString CardModel::name() const {
 QString CardModel::description() const {
     // A name, the same in every language.
     return face_.networkLogo == "mastercard_logo" ? name() + QStringLiteral(", Mastercard") : name();
+}
+
+QImage CardModel::picture() const {
+    if (const auto* const read = dynamic_cast<const QtDecodedImage*>(face_.decoded.get())) return read->image;
+    if (!face_.image) return {};
+    return QImage::fromData(reinterpret_cast<const uchar*>(face_.image->data()),
+                            static_cast<int>(face_.image->size()));
 }
 
 QList<QString> CardModel::message() const {

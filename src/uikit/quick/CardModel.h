@@ -4,6 +4,7 @@
 #include <korvane/Journey.h>
 
 #include <QtQml/qqmlregistration.h>
+#include <QImage>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -39,8 +40,9 @@ class CardModel : public QObject {
     QList<QString> message() const;
     ControlModel* button() const { return button_; }
 
-    /// The picture's bytes; none when there is no picture that can be drawn.
-    const std::shared_ptr<const ImageData>& image() const { return face_.image; }
+    /// The picture; null when there is none that can be drawn. It is read here only if another decoder than
+    /// `QtImageDecoder` found it to be one.
+    QImage picture() const;
 
     void update(const CardFace& face, ControlModel* button);
 
