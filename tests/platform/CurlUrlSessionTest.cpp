@@ -4,9 +4,9 @@
 #include <netdb.h>
 
 #include <cstdlib>
+#include <future>
 
-#include "platform/linux/CurlTransfer.h"
-#include "tests/platform/CurlTestSupport.h"
+#include "platform/linux/CurlUrlSession.h"
 #include "tests/platform/TestServer.h"
 
 using namespace std::chrono_literals;
@@ -32,14 +32,33 @@ namespace {
 
 using Speaks = TestServer::Speaks;
 
-struct NoCurl : ::testing::TestWithParam<std::pair<std::string, std::string>> {};
-INSTANTIATE_TEST_SUITE_P(CurlUrlSession, NoCurl,
-                         ::testing::Values(std::pair{"libabsent.so.4", "cannot be loaded: libabsent.so.4"},
-                                           std::pair{"libc.so.6", "libcurl has no curl_easy_cleanup"}));
-TEST_P(NoCurl, FailsEachRequestAndTellsWhy) {
-    libcurl = GetParam().first.c_str();
-    CurlUrlSession session;
-    for (int i = 0; i < 2; ++i) expectFailure(post(session, "https://bank.test/"), GetParam().second);
+/// Waits for up to 20 s; false when the condition did not come true.
+template <class Condition>
+bool waitUntil(Condition condition) {
+    for (const auto end = std::chrono::steady_clock::now() + 20s; !condition();) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(500us);
+    }
+    return true;
+}
+
+/// Sends the request and waits for its reply.
+UrlReply fetch(UrlSession& session, UrlRequest request) {
+    std::promise<UrlReply> promise;
+    // Released before the promise goes, and so after the reply has ended.
+    const auto task = session.start(std::move(request),
+                                    [&promise](UrlReply reply) { promise.set_value(std::move(reply)); });
+    return promise.get_future().get();
+}
+
+UrlReply post(UrlSession& session, std::string url, std::string body = "{}") {
+    return fetch(session, {"POST", std::move(url), {{"Content-Type", "application/json"}}, std::move(body)});
+}
+
+/// The reply has no answer of the service's, and a text that tells why.
+void expectFailure(const UrlReply& reply, const std::string& text) {
+    EXPECT_EQ(std::to_string(reply.status) + reply.body, "0");
+    EXPECT_NE(reply.failure.find(text), std::string::npos) << reply.failure;
 }
 
 struct CurlDriver {
@@ -55,6 +74,13 @@ struct CurlDriver {
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlSessionContract, CurlDriver);
 
+TEST(CurlUrlSession, WithoutLibcurlEachRequestFailsAndTellsWhy) {
+    libcurl = "libc.so.6";  // there, and another
+    CurlUrlSession session;
+    for (int i = 0; i < 2; ++i)
+        expectFailure(post(session, "https://bank.test/"), "libcurl has no curl_easy");
+}
+
 TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {
     TestServer server;
     CurlUrlSession session({.caFile = server.caFile(), .connectionIdle = 400ms});
@@ -63,13 +89,8 @@ TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {
     EXPECT_TRUE(waitUntil([&] { return server.closed() == 1; }));
     EXPECT_EQ(post(session, server.url("/answer")).status, 202);
     EXPECT_EQ(server.connections(), 2);
-}
-
-TEST(CurlUrlSession, WhatIsLostOnAKeptConnectionIsNotSentAgain) {
-    CurlDriver driver;
-    EXPECT_EQ(post(*driver.session, driver.url("/answer")).status, 202);
-    expectFailure(post(*driver.session, driver.url("/failure")), "reset");
-    EXPECT_EQ(driver.server.requests().size(), 2u);
+    expectFailure(post(session, server.url("/failure")), "reset");
+    EXPECT_EQ(server.requests().size(), 12u) << "what is lost on a kept connection is sent again";
 }
 
 /// HTTP/2 (RFC 9113) in three frames: answers the first request of a connection with 200, and then falls
@@ -93,28 +114,21 @@ TEST(CurlUrlSession, SpeaksHttp2AndLeavesAConnectionThatFellSilent) {
     EXPECT_EQ(post(session, server.url("/")).status, 200) << "a dead connection is used again";
 }
 
-TEST(CurlUrlSession, AReleaseEndsAStalledTransferAtOnce) {
+TEST(CurlUrlSession, NothingThatHangsHoldsUpReleaseOrOtherRequestsOrTheEnd) {
     CurlDriver driver;
-    auto task =
-        driver.session->start({"POST", driver.url("/stall"), {}, ""}, [](UrlReply) { ADD_FAILURE(); });
+    const auto start = [&driver](const std::string& url) {
+        return driver.session->start({"POST", url, {}, ""}, [](UrlReply) { ADD_FAILURE(); });
+    };
+    auto stalled = start(driver.url("/stall"));
     driver.runUntil([&] { return driver.server.requests().size() == 1; });
     std::this_thread::sleep_for(400ms);  // until libcurl has no timer of its own that would wake it
-    const auto begin = std::chrono::steady_clock::now();
-    task.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
+    stalled.reset();
     driver.runUntil([&] { return driver.server.closed() == 1; });
-}
 
-TEST(CurlUrlSession, ANameLookUpThatHangsHoldsUpNeitherReleaseNorOtherRequestsNorTheEnd) {
-    CurlDriver driver;
     const auto begin = std::chrono::steady_clock::now();
-    std::unique_ptr<UrlTask> tasks[2];
-    for (auto& task : tasks) {
-        task =
-            driver.session->start({"POST", "https://hanging.test/", {}, ""}, [](UrlReply) { ADD_FAILURE(); });
-    }
+    auto lookedUp = start("https://hanging.test/"), other = start("https://hanging.test/");
     std::this_thread::sleep_for(50ms);  // into the look-up
-    tasks[0].reset();
+    lookedUp.reset();
     EXPECT_EQ(post(*driver.session, driver.url("/answer")).status, 202);
     driver.session.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 2s);
@@ -124,15 +138,12 @@ TEST(CurlUrlSession, SendsTheRequestAsGivenAndNothingMore) {
     CurlDriver driver;
     CurlUrlSession& session = *driver.session;
     const std::string body("{\0}", 3), large(2 << 20, 'x');  // where libcurl would ask for leave first
-    const UrlReply reply =
-        fetch(session, {"PUT", driver.url("/a?b=c"), {{"Authorization", "Bearer t"}}, body});
-    EXPECT_EQ(reply.body, "hello " + body);
-    fetch(session, {"GET", driver.url("/"), {{"X-None", ""}}, ""});
-    fetch(session, {"POST", driver.url("/"), {}, large});
+    fetch(session, {"PUT", driver.url("/a?b=c"), {{"Authorization", "Bearer t"}, {"X-None", ""}}, body});
+    fetch(session, {"POST", driver.url("/"), {}, large});  // with no cookie
     const std::string all = " HTTP/1.1\r\nHost: " + driver.url("").substr(7) + "\r\nAccept: */*\r\n";
     EXPECT_EQ(driver.server.requests(),
-              (std::vector{"PUT /a?b=c" + all + "Authorization: Bearer t\r\nContent-Length: 3\r\n\r\n" + body,
-                           "GET /" + all + "X-None:\r\n\r\n",
+              (std::vector{"PUT /a?b=c" + all +
+                               "Authorization: Bearer t\r\nX-None:\r\nContent-Length: 3\r\n\r\n" + body,
                            "POST /" + all + "Content-Length: 2097152\r\n\r\n" + large}));
 }
 
@@ -188,8 +199,8 @@ TEST(CurlSecurity, GoesOverTlsOrToThisMachineAndTellsWhyElse) {
         EXPECT_EQ(reply.failure.find("plain HTTP"), std::string::npos) << host << ": " << reply.failure;
     }
     EXPECT_EQ(server.requests().size(), 2u);
-    for (const char* url : {"http://192.0.2.1/", "HTTP://bank.test/", "http://127.0.0.1.bank.test/",
-                            "http://localhost@bank.test/", "http://[2001:db8::1]/", "http://0.0.0.0/"}) {
+    for (const char* url : {"HTTP://bank.test/", "http://127.0.0.1.bank.test/", "http://localhost@bank.test/",
+                            "http://[2001:db8::1]/", "http://0.0.0.0/"}) {
         expectFailure(post(session, url), "plain HTTP is for a service on this machine alone");
     }
     expectFailure(post(proxied, server.url("/")), "plain HTTP");
@@ -214,22 +225,6 @@ TEST(CurlSecurity, ALineBreakCannotMakeAHeaderOfAValue) {
         expectFailure(fetch(session, request), "control character");
     }
     EXPECT_EQ(server.connections(), 0);
-}
-
-TEST(CurlSecurity, TakesAnAnswerOf32MiBAndRefusesALongerOneWhileItComes) {
-    std::atomic<int> sent = 0;  // pieces
-    TestServer server(
-        [&](auto& self, auto& client) {
-            const int all = self.receive(client).starts_with("POST /longest") ? 32 : 1000;
-            const std::string piece(CurlTransfer::longestBody / 32, 'x');
-            TestServer::send(client, "HTTP/1.1 200 OK\r\n\r\n");
-            for (int i = 0; i < all && TestServer::send(client, piece); ++i) ++sent;
-        },
-        Speaks::http);
-    CurlUrlSession session;
-    EXPECT_EQ(post(session, server.url("/longest")).body.size(), CurlTransfer::longestBody);
-    expectFailure(post(session, server.url("/endless")), "longer than 32 MiB");
-    EXPECT_LT(sent, 3 * 32) << "more was received than the limit and what the sockets hold";
 }
 
 }  // namespace

@@ -26,8 +26,7 @@ struct ReaderDriver {
 
     template <class Condition>
     void runUntil(Condition condition) {
-        const auto until = std::chrono::steady_clock::now() + 20s;
-        while (!condition()) {
+        for (const auto until = std::chrono::steady_clock::now() + 20s; !condition();) {
             ASSERT_LT(std::chrono::steady_clock::now(), until);
             if (!g_main_context_iteration(nullptr, FALSE)) std::this_thread::sleep_for(1ms);
         }
@@ -74,8 +73,8 @@ struct ReaderDriver {
         waitForReplies();
         EXPECT_THAT(replies, ElementsAre(matched));
     }
-    void waitForReplies(std::size_t count = 1) {
-        runUntil([&] { return replies.size() == count; });
+    void waitForReplies() {
+        runUntil([&] { return !replies.empty(); });
     }
 
     Devices devices;
@@ -123,20 +122,14 @@ TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
     driver.expectAnswer(true);
 }
 
-TEST(Fprintd, AMatchThatAnotherProgramReportsAnErrorAndAnUnpluggedReaderAreNone) {
+TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
     ReaderDriver driver;
-    auto check = driver.arm();
+    const auto check = driver.arm();
     driver.devices.ask("pretend_match");
     driver.expectAnswer(false);
-    for (const char* line : {"send ERROR 0", "send UNPLUG"}) {
-        check = driver.arm();
-        driver.devices.ask(line);
-        driver.waitForReplies(driver.replies.size() + 1);
-        EXPECT_FALSE(driver.replies.back());
-    }
 }
 
-TEST(Fprintd, AReaderInUseIsWaitedFor) {
+TEST(Fprintd, AReaderInUseIsWaitedForAndADestroyedContextLetsGoOfIt) {
     ReaderDriver driver;
     driver.devices.ask("claim");
     const auto check = driver.start();
@@ -144,31 +137,22 @@ TEST(Fprintd, AReaderInUseIsWaitedFor) {
     driver.runUntil([&] { return std::chrono::steady_clock::now() > until; });
     EXPECT_TRUE(driver.replies.empty());
     driver.devices.ask("release");
-    driver.expectAnswer(true);
-}
-
-TEST(Fprintd, ACheckEndsWhenItsTimeIsUpAlsoWithADaemonThatHangs) {
-    ReaderDriver driver(1s);
-    auto check = driver.arm();
-    driver.waitForReplies();
-    driver.settle();
-    EXPECT_TRUE(driver.context->canEvaluate());
-    driver.devices.ask("stop fprintd");
-    const auto begin = std::chrono::steady_clock::now();
-    check = driver.start();
-    driver.waitForReplies(2);
-    EXPECT_THAT(driver.replies, ElementsAre(false, false));
-    driver.context.reset();
-    EXPECT_THAT(std::chrono::steady_clock::now() - begin, ::testing::Lt(4s));
-}
-
-TEST(Fprintd, ADestroyedContextDropsItsChecksAndLetsGoOfTheReader) {
-    ReaderDriver driver;
-    const auto check = driver.arm();
+    driver.waitUntilArmed();
     driver.context.reset();
     driver.settle();
     EXPECT_TRUE(driver.replies.empty());
     EXPECT_TRUE(driver.devices.is("claim"));
+}
+
+TEST(Fprintd, ACheckEndsWhenItsTimeIsUpWithADaemonThatHangs) {
+    ReaderDriver driver(1s);
+    const auto check = driver.arm();
+    driver.devices.ask("stop fprintd");
+    driver.waitForReplies();
+    EXPECT_FALSE(driver.replies[0]);
+    const auto begin = std::chrono::steady_clock::now();
+    driver.context.reset();
+    EXPECT_THAT(std::chrono::steady_clock::now() - begin, ::testing::Lt(4s));
 }
 
 }  // namespace

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <netinet/in.h>
 #include <openssl/ssl.h>
-#include <signal.h>
 
 #include <atomic>
 #include <functional>
 #include <mutex>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,7 +21,7 @@ using sandbox::Connection;
 
 /// A server on a free port of 127.0.0.1. What a connection gets is the test's affair, on a thread of its own:
 /// it can answer, stall, reset, or send anything.
-class TestServer {
+class TestServer : private httplib::Server {
   public:
     using Serve = std::function<void(TestServer&, Connection&)>;
     /// Over TLS with a certificate for the loopback names, made for the run; `old` ends at TLS 1.1.
@@ -32,35 +29,18 @@ class TestServer {
 
     explicit TestServer(Serve serve = answerAll, Speaks speaks = Speaks::https) : serve_(std::move(serve)) {
         if (speaks != Speaks::http) useTls(speaks);
-        auto* const any = reinterpret_cast<sockaddr*>(&address_);
-        socklen_t size = sizeof address_;
-        if (::bind(listener_, any, size) || ::listen(listener_, 99) || ::getsockname(listener_, any, &size))
-            throw std::runtime_error("cannot listen");
-        acceptor_ = std::thread([this] {
-            sigset_t all;
-            sigfillset(&all);
-            pthread_sigmask(SIG_BLOCK, &all, nullptr);  // SIGPIPE, in our threads alone
-            std::vector<std::thread> threads;
-            for (int socket; (socket = ::accept(listener_, nullptr, nullptr)) >= 0;) {
-                ++connections_;
-                threads.emplace_back([this, socket] {
-                    Connection connection(socket, tls_.get());
-                    change([&] { open_.insert(&connection); });
-                    if (connection.open()) serve_(*this, connection);
-                    change([&] { open_.erase(&connection); });
-                    ++closed_;
-                });
-            }
-            for (std::thread& thread : threads) thread.join();
-        });
+        new_task_queue = [] { return new httplib::ThreadPool(32); };
+        port_ = bind_to_any_port("127.0.0.1");
+        ::listen(svr_sock_, SOMAXCONN);  // the library lets five wait
+        acceptor_ = std::thread([this] { listen_after_bind(); });
+        while (!is_running()) std::this_thread::yield();  // `stop` would be lost
     }
-    ~TestServer() {
-        ::shutdown(listener_, SHUT_RDWR);
+    ~TestServer() override {
         change([this] {
             for (Connection* const connection : open_) connection->shutDown();
         });
+        stop();
         acceptor_.join();
-        ::close(listener_);
     }
 
     /// HTTP/1.1: "hello" and the body; "/failure" resets the connection, "/stall" leaves it open.
@@ -76,7 +56,7 @@ class TestServer {
     }
 
     std::string url(const std::string& path, const std::string& host = "127.0.0.1") const {
-        return (tls_ ? "https://" : "http://") + host + ":" + std::to_string(ntohs(address_.sin_port)) + path;
+        return (tls_ ? "https://" : "http://") + host + ":" + std::to_string(port_) + path;
     }
     /// PEM file with the authority of the server's certificate.
     std::string caFile() const { return folder_ / "ca.pem"; }
@@ -99,9 +79,8 @@ class TestServer {
         const std::lock_guard lock(mutex_);
         return request.empty() ? "" : requests_.emplace_back(std::move(request));
     }
-    /// False when the other side is gone.
-    static bool send(Connection& connection, const std::string& bytes) {
-        return connection.httplib::Stream::write(bytes) > 0;
+    static void send(Connection& connection, const std::string& bytes) {
+        connection.httplib::Stream::write(bytes);
     }
     /// One byte or more, up to these and with them, or until the other side is gone.
     static std::string receiveUntil(Connection& connection, const std::string& end) {
@@ -110,19 +89,27 @@ class TestServer {
             if ((text += byte).ends_with(end)) break;
         return text;
     }
-    /// Waits until the other side closes.
     static void waitForClose(Connection& connection) {
         for (char byte = 0; connection.read(&byte, 1) == 1;) continue;
     }
 
   private:
+    bool process_and_close_socket(socket_t socket) override {
+        ++connections_;
+        {
+            Connection connection(socket, tls_.get());
+            change([&] { open_.insert(&connection); });
+            if (connection.open()) serve_(*this, connection);
+            change([&] { open_.erase(&connection); });
+        }
+        return ++closed_;
+    }
     void change(const auto& what) {
         const std::lock_guard lock(mutex_);
         what();
     }
     void useTls(Speaks speaks) {
         const auto made = sandbox::makeServerCertificate("");
-        if (!made) throw std::runtime_error(made.reason());
         folder_.file("ca.pem", made->caCertificate);
         const std::string file = folder_.file("server.pem", made->certificate + made->privateKey);
         tls_.reset(SSL_CTX_new(TLS_server_method()));
@@ -142,13 +129,12 @@ class TestServer {
     const Serve serve_;
     const TemporaryFolder folder_;
     std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> tls_{nullptr, SSL_CTX_free};
-    sockaddr_in address_{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-    const int listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    int port_ = 0;
     std::atomic<int> connections_ = 0, closed_ = 0;
     mutable std::mutex mutex_;  // for the next two
     std::set<Connection*> open_;
     std::vector<std::string> requests_;
-    std::thread acceptor_;  // last: it uses all of the above
+    std::thread acceptor_;
 };
 
 }  // namespace korvane::testing

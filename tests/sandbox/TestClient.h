@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <httplib.h>
 
 #include <cstdint>
 #include <map>
@@ -11,7 +12,6 @@
 #include "base/Base64.h"
 #include "sandbox/CardService.h"
 #include "sandbox/Json.h"
-#include "tests/platform/CurlTestSupport.h"
 #include "tests/support/TemporaryFolder.h"
 #include "transport/AesCbc.h"
 
@@ -24,22 +24,30 @@ using Texts = std::map<std::string, std::string>;
 class TestClient {
   public:
     struct Answer {
-        UrlReply reply;
+        int status = 0;  ///< 0: none came
+        std::string body;
         Texts fields;  ///< of a JSON object; the enciphered ones deciphered
         std::string result() const { return fields.contains("Result") ? fields.at("Result") : ""; }
     };
 
     explicit TestClient(const CardService& service)
-        : key(base64Decode(service.keyBase64()).value()),
-          url_(service.url()),
-          session_({.caFile = service.caPem().empty() ? "" : folder_.file("ca.pem", service.caPem())}) {}
+        : key(base64Decode(service.keyBase64()).value()), client_(service.url()) {
+        if (!service.caPem().empty()) client_.set_ca_cert_path(folder_.file("ca.pem", service.caPem()));
+        client_.set_keep_alive(true);
+        client_.set_tcp_nodelay(true);
+    }
 
     Answer send(const std::string& method, const std::string& path, const std::string& body = {},
                 const Texts& headers = {}) {
-        Answer answer;
-        answer.reply =
-            testing::fetch(session_, {method, url_ + path, {headers.begin(), headers.end()}, body});
-        const auto object = readJsonObject(answer.reply.body);
+        httplib::Request request;
+        request.method = method;
+        request.path = path;
+        request.headers.insert(headers.begin(), headers.end());
+        request.body = body;
+        const httplib::Result result = client_.send(request);
+        if (!result) return {};
+        Answer answer{result->status, result->body, {}};
+        const auto object = readJsonObject(answer.body);
         if (!object) return answer;
         for (const auto& [name, value] : *object) {
             const auto* number = std::get_if<std::int64_t>(&value);
@@ -113,9 +121,8 @@ class TestClient {
     Texts wireHeaders{{"Content-Type", "application/json"}, {"Accept", "application/json"}};
 
   private:
-    const std::string url_;
     const testing::TemporaryFolder folder_;
-    CurlUrlSession session_;
+    httplib::Client client_;
 };
 
 /// A service that must start, and a client of it.

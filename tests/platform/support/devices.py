@@ -46,15 +46,6 @@ class Devices(VirtualDevices):
         return [self.session.get_object(SECRETS, path).GetAll("org.freedesktop.Secret.Item",
                                                               dbus_interface=dbus.PROPERTIES_IFACE) for path in found]
 
-    def add(self, value):
-        service = self.session.get_object(SECRETS, "/org/freedesktop/secrets")
-        _, session = service.OpenSession("plain", "", dbus_interface="org.freedesktop.Secret.Service")
-        names = dbus.Dictionary({"service": "service", "account": "account"}, signature="ss")
-        self.session.get_object(SECRETS, LOGIN).CreateItem(
-            {"org.freedesktop.Secret.Item.Attributes": names},
-            (session, dbus.ByteArray(b""), dbus.ByteArray(value.encode()), "text/plain"), False,
-            dbus_interface="org.freedesktop.Secret.Collection")
-
     # The reader, as another program meets it.
 
     def armed(self):
