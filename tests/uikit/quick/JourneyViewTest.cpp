@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
-#include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -18,12 +17,9 @@ TEST_F(JourneyViewTest, WheelStandsOnTheButtonOfTheCallAndTypingIsNotLost) {
     show("SetPIN { cardId: 'card-1' }");
     walk({"sdk.sms.explain.button > EnterSMSCodeView"});
     const QString resend = "sdk.sms.code.resend";
-    for (const auto& [time, label] : {std::pair{12, "Send a new code in 18 s"}, {18, "Send a new code"}}) {
-        EXPECT_FALSE(usable(resend));
-        service.device.timers->advance(std::chrono::seconds(time));
-        settle();
-        EXPECT_EQ(text(resend), label);
-    }
+    EXPECT_EQ(text(resend), "Send a new code in 30 s");
+    service.device.timers->advance(std::chrono::seconds(30));
+    settle();
     service.hang("pciTokenRequest");
     tap(resend);
     EXPECT_TRUE(find(resend)->property("busy").toBool());
@@ -31,56 +27,31 @@ TEST_F(JourneyViewTest, WheelStandsOnTheButtonOfTheCallAndTypingIsNotLost) {
     EXPECT_EQ(focused(), "sdk.sms.code.input");
 }
 
-TEST_F(JourneyViewTest, EscapeClosesTheSheetThenGoesBackAndThenIsTheHosts) {
+TEST_F(JourneyViewTest, EscapeGoesBackAndThenIsTheHosts) {
     toPinEntry();
-    const QQuickItem* const button = find("sdk.setpin.button");
-    walk({"type 8642"});
-    EXPECT_EQ(find("sdk.setpin.button"), button) << "what has not changed is not drawn anew";
-    walk({"key Return > ConfirmCardPINView", "key Esc > EnterCardPINView", "sdk.setpin.fourdigits", "type 1",
-          "key Esc"});
-    EXPECT_FALSE(screen()->sheetOpen());
+    walk({"type 8642", "key Return > ConfirmCardPINView", "key Esc > EnterCardPINView"});
     EXPECT_EQ(filled(), 4) << "the entry is kept";
-    EXPECT_EQ(focused(), "sdk.setpin.input");
-
     QKeyEvent unused(QEvent::KeyPress, Qt::Key_Escape, {});
     QCoreApplication::sendEvent(&window, &unused);
     EXPECT_FALSE(unused.isAccepted());
     EXPECT_FALSE(find("back")) << "there is nothing to go back to";
 }
 
-TEST_F(JourneyViewTest, TheFocusRingIsForThoseWhoUseKeys) {
-    toPinEntry();
-    key(Qt::Key_Tab);
-    EXPECT_EQ(focused(), "sdk.setpin.fourdigits");
-    const QImage ringed = window.grabWindow();
-    QTest::mouseClick(&window, Qt::LeftButton, {}, {5, 5});
-    settle();
-    EXPECT_NE(window.grabWindow(), ringed);
-    key(Qt::Key_Shift);
-    EXPECT_EQ(window.grabWindow(), ringed);
-}
-
-TEST_F(JourneyViewTest, ReducedMoveIsOverAtOnceAndATapDuringAMoveDoesNothing) {
+TEST_F(JourneyViewTest, ATapDuringAMoveDoesNothing) {
     const QQuickItem* const root = toPinEntry();
     type("1234");
-    const QPoint at = middle("sdk.setpin.button").toPoint();
-    tap("sdk.setpin.button");
-    const QPointF arrived = middle("sdk.youcandobetter.button");
-    wait(300);
-    EXPECT_EQ(middle("sdk.youcandobetter.button"), arrived);
-    tap("sdk.youcandobetter.button");
-
     theme().setReducedMotion(false);
     for (QObject* const each : root->findChildren<QObject*>()) {
         if (each->inherits("QQuickNumberAnimation")) each->setProperty("duration", 2000);
     }
-    for (int i = 0; i < 2; ++i) {
+    const QPoint at = middle("sdk.setpin.button").toPoint();
+    for (int i = 0; i < 3; ++i) {
         QTest::mouseClick(&window, Qt::LeftButton, {}, at);
         settle();
-        wait(400);
+        wait(300);
     }
-    EXPECT_NE(middle("sdk.youcandobetter.button"), arrived);
     EXPECT_EQ(view(), "YouCanDoBetterView") << "its button slides under the finger";
+    EXPECT_GT(find("YouCanDoBetterView")->mapToScene({}).x(), 0) << "it has not arrived";
 }
 
 TEST_F(JourneyViewTest, AnotherCardStartsAnotherJourneyAndAHiddenOneDoesNotStart) {
@@ -122,35 +93,19 @@ TEST_F(PasscodeItemTest, TakesDigitsOneByOneAndWholeCodesPastedOrCommitted) {
     const auto hints = Qt::InputMethodHints(boxes()->inputMethodQuery(Qt::ImHints).toInt());
     EXPECT_TRUE(hints.testFlags(Qt::ImhDigitsOnly | Qt::ImhSensitiveData | Qt::ImhHiddenText |
                                 Qt::ImhNoPredictiveText));
+    QKeyEvent shortcut(QEvent::ShortcutOverride, Qt::Key_8, {}, "8");
+    shortcut.ignore();
+    QCoreApplication::sendEvent(boxes(), &shortcut);
+    EXPECT_TRUE(shortcut.isAccepted()) << "a shortcut of the host's on a digit would eat it";
 }
 
-TEST_F(PasscodeItemTest, CommandsAndHostShortcutsStayApartFromDigits) {
-    key(Qt::Key_8, "8", Qt::AltModifier);
-    EXPECT_EQ(filled(), 0);
-    for (const auto& [modifier, taken] : {std::pair{Qt::NoModifier, true}, {Qt::ControlModifier, false}}) {
-        QKeyEvent shortcut(QEvent::ShortcutOverride, Qt::Key_8, modifier, "8");
-        shortcut.ignore();
-        QCoreApplication::sendEvent(boxes(), &shortcut);
-        EXPECT_EQ(shortcut.isAccepted(), taken) << "a shortcut on a digit would eat it";
-    }
-}
-
-TEST_F(PasscodeItemTest, NoDigitCanBeReadAndAccessibilityMayEnterText) {
+TEST_F(PasscodeItemTest, NoDigitCanBeRead) {
     type("8642");
     const auto [texts, spoken] = readable();
     ASSERT_TRUE(texts.contains("Choose your PIN")) << "the search finds what is there";
     ASSERT_TRUE(spoken.contains("New PIN, 4 of 4 digits entered"));
     for (const char* const digits : {"86", "64", "42"})
         EXPECT_FALSE((texts + spoken).contains(digits)) << (texts + spoken).toStdString();
-
-    auto* const field = QAccessible::queryAccessibleInterface(boxes());
-    ASSERT_TRUE(field && field->editableTextInterface());
-    EXPECT_EQ(field->role(), QAccessible::EditableText);
-    EXPECT_EQ(field->textInterface()->characterCount(), 0);
-    EXPECT_TRUE(field->state().focused);
-    field->editableTextInterface()->replaceText(0, 0, "8\u00a06\u20134");
-    settle();
-    EXPECT_EQ(field->text(QAccessible::Name), "New PIN, 3 of 4 digits entered");
 }
 
 }  // namespace

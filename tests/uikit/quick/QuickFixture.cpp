@@ -3,8 +3,6 @@
 
 #include <QAccessible>
 #include <QGuiApplication>
-#include <QInputMethodQueryEvent>
-#include <QKeyEvent>
 #include <QQmlComponent>
 #include <cmath>
 
@@ -47,14 +45,6 @@ void collectTexts(QAccessibleInterface* node, QStringList& texts) {
     if (auto* const text = node->textInterface()) texts << text->text(0, text->characterCount());
     if (auto* const value = node->valueInterface()) texts << value->currentValue().toString();
     for (int i = 0; i < node->childCount(); ++i) collectTexts(node->child(i), texts);
-}
-
-/// A number is a text here only when it is the whole secret: geometry is full of the others.
-QStringList textsOf(const QVariant& value) {
-    const int type = value.typeId();
-    if (type == QMetaType::QString || type == QMetaType::QStringList || type == QMetaType::QVariantList)
-        return value.toStringList();
-    return value.toDouble() == 8642 ? QStringList("8642") : QStringList();
 }
 
 }  // namespace
@@ -111,11 +101,6 @@ QQuickItem* QuickFixture::find(const QString& objectName) const {
     return nullptr;
 }
 
-bool QuickFixture::usable(const QString& objectName) const {
-    const QQuickItem* const item = find(objectName);
-    return item && item->isEnabled();
-}
-
 QPointF QuickFixture::middle(const QString& objectName) const {
     const QQuickItem* const item = find(objectName);
     return item ? item->mapToScene(item->boundingRect().center()) : QPointF(-1, -1);
@@ -129,10 +114,7 @@ bool QuickFixture::tap(const QString& objectName) {
 }
 
 void QuickFixture::key(int key, const QString& text, Qt::KeyboardModifiers modifiers) {
-    QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
-    QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
-    QCoreApplication::sendEvent(&window, &press);
-    QCoreApplication::sendEvent(&window, &release);
+    QTest::sendKeyEvent(QTest::Click, &window, Qt::Key(key), text, modifiers);
     settle();
 }
 
@@ -181,16 +163,15 @@ std::pair<QString, QString> QuickFixture::readable() {
         objects << item << item->findChildren<QObject*>();
     for (const QObject* const object : objects) {
         const QMetaObject* const type = object->metaObject();
-        for (int i = 0; i < type->propertyCount(); ++i) texts << textsOf(type->property(i).read(object));
+        for (int i = 0; i < type->propertyCount(); ++i)
+            texts << type->property(i).read(object).toStringList();
         for (const QByteArray& name : object->dynamicPropertyNames())
             texts << object->property(name).toString();
     }
+    const QQuickItem* const focus = window.activeFocusItem();
     for (const auto query :
-         {Qt::ImSurroundingText, Qt::ImCurrentSelection, Qt::ImTextBeforeCursor, Qt::ImTextAfterCursor}) {
-        QInputMethodQueryEvent asked(query);
-        QCoreApplication::sendEvent(QGuiApplication::focusObject(), &asked);
-        texts << asked.value(query).toString();
-    }
+         {Qt::ImSurroundingText, Qt::ImCurrentSelection, Qt::ImTextBeforeCursor, Qt::ImTextAfterCursor})
+        texts << (focus ? focus->inputMethodQuery(query).toString() : "");
     QAccessible::setActive(true);
     collectTexts(QAccessible::queryAccessibleInterface(&window), spoken);
     return {texts.join("|"), spoken.join("|")};

@@ -35,7 +35,6 @@ class QuickFixture : public ::testing::Test {
 
     /// The item of that name that a person sees; none when there is none.
     QQuickItem* find(const QString& objectName) const;
-    bool usable(const QString& objectName) const;
     QPointF middle(const QString& objectName) const;  ///< in the window
     /// Presses the middle of the item with a mouse and lets everything settle.
     bool tap(const QString& objectName);
