@@ -45,7 +45,7 @@ TEST_F(JourneyViewTest, ATapDuringAMoveDoesNothing) {
         if (each->inherits("QQuickNumberAnimation")) each->setProperty("duration", 2000);
     }
     const QPoint at = middle("sdk.setpin.button").toPoint();
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 2; ++i) {
         QTest::mouseClick(&window, Qt::LeftButton, {}, at);
         settle();
         wait(300);
