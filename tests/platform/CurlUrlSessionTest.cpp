@@ -32,16 +32,6 @@ namespace {
 
 using Speaks = TestServer::Speaks;
 
-/// Waits for up to 20 s; false when the condition did not come true.
-template <class Condition>
-bool waitUntil(Condition condition) {
-    for (const auto end = std::chrono::steady_clock::now() + 20s; !condition();) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(500us);
-    }
-    return true;
-}
-
 /// Sends the request and waits for its reply.
 UrlReply fetch(UrlSession& session, UrlRequest request) {
     std::promise<UrlReply> promise;
@@ -51,8 +41,8 @@ UrlReply fetch(UrlSession& session, UrlRequest request) {
     return promise.get_future().get();
 }
 
-UrlReply post(UrlSession& session, std::string url, std::string body = "{}") {
-    return fetch(session, {"POST", std::move(url), {{"Content-Type", "application/json"}}, std::move(body)});
+UrlReply post(UrlSession& session, std::string url) {
+    return fetch(session, {"POST", std::move(url), {}, "{}"});
 }
 
 /// The reply has no answer of the service's, and a text that tells why.
@@ -66,9 +56,10 @@ struct CurlDriver {
     std::shared_ptr<CurlUrlSession> session = std::make_shared<CurlUrlSession>();
 
     std::string url(const std::string& path) const { return server.url(path); }
-    template <class Condition>
-    void runUntil(Condition condition) {
-        EXPECT_TRUE(waitUntil(condition));
+    static void runUntil(const auto& condition) {
+        using Clock = std::chrono::steady_clock;
+        for (const auto end = Clock::now() + 20s; !condition(); std::this_thread::sleep_for(500us))
+            ASSERT_LT(Clock::now(), end);
     }
     void settle() { std::this_thread::sleep_for(50ms); }
 };
@@ -86,7 +77,7 @@ TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {
     CurlUrlSession session({.caFile = server.caFile(), .connectionIdle = 400ms});
     for (int i = 0; i < 10; ++i) EXPECT_EQ(post(session, server.url("/answer")).status, 202);
     EXPECT_EQ(server.connections(), 1);
-    EXPECT_TRUE(waitUntil([&] { return server.closed() == 1; }));
+    CurlDriver::runUntil([&] { return server.closed() == 1; });
     EXPECT_EQ(post(session, server.url("/answer")).status, 202);
     EXPECT_EQ(server.connections(), 2);
     expectFailure(post(session, server.url("/failure")), "reset");
