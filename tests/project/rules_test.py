@@ -83,9 +83,6 @@ class Rules(unittest.TestCase):
         done = subprocess.run(["doxygen", "-"], input=settings, cwd=TOP, capture_output=True, text=True)
         self.assertEqual(done.stderr if done.returncode else "", "")
         self.assertTrue((out / "index.html").exists())
-        installed = re.search(r"KORVANE_LINUX_HEADERS ([^)]*?) CACHE", (TOP / "src/platform/linux/CMakeLists.txt").read_text())[1]
-        for header in installed.split():
-            self.assertIn(f"/linux/{header}", settings)
 
 
 if __name__ == "__main__":
