@@ -121,9 +121,6 @@ class Journey:
         self.at("EnterCardLastFourView", "sdk.activatecard.lastfourdigits.button", card["pan"][-4:])
         self.at("EnterCardCVVView", "sdk.activatecard.cvv.button", card["cvv"][:3])
 
-    def error(self):
-        return self.next(lambda e: e["event"] == "error")["message"]
-
     def closes(self):
         result = self.next(lambda e: e["event"] == "close")["result"]
         return result, self.ends()
@@ -145,6 +142,6 @@ class Journey:
         self.shows("EnterSMSCodeView")
         self.type(sandbox.code(card))
 
-    def enter_and_confirm(self, pin, confirmed=None):
+    def enter_and_confirm(self, pin):
         self.at("EnterCardPINView", "sdk.setpin.button", pin)
-        self.at("ConfirmCardPINView", "sdk.confirmpin.button", confirmed or pin)
+        self.at("ConfirmCardPINView", "sdk.confirmpin.button", pin)
