@@ -37,9 +37,20 @@ TEST_F(JourneyViewTest, EscapeGoesBackAndThenIsTheHosts) {
     EXPECT_FALSE(find("back")) << "there is nothing to go back to";
 }
 
+TEST_F(JourneyViewTest, TheFocusRingIsForThoseWhoUseKeys) {
+    toPinEntry();
+    key(Qt::Key_Tab);
+    const QImage ringed = window.grabWindow();
+    QTest::mouseClick(&window, Qt::LeftButton, {}, {5, 5});
+    settle();
+    EXPECT_NE(window.grabWindow(), ringed);
+}
+
 TEST_F(JourneyViewTest, ATapDuringAMoveDoesNothing) {
     const QQuickItem* const root = toPinEntry();
-    type("1234");
+    walk({"type 1234", "sdk.setpin.button > YouCanDoBetterView"});
+    EXPECT_EQ(find("YouCanDoBetterView")->mapToScene({}).x(), 0) << "less motion is none";
+    tap("sdk.youcandobetter.button");
     theme().setReducedMotion(false);
     for (QObject* const each : root->findChildren<QObject*>()) {
         if (each->inherits("QQuickNumberAnimation")) each->setProperty("duration", 2000);

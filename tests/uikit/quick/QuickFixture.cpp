@@ -43,7 +43,6 @@ void collectTexts(QAccessibleInterface* node, QStringList& texts) {
          {QAccessible::Name, QAccessible::Description, QAccessible::Value, QAccessible::Help})
         texts << node->text(kind);
     if (auto* const text = node->textInterface()) texts << text->text(0, text->characterCount());
-    if (auto* const value = node->valueInterface()) texts << value->currentValue().toString();
     for (int i = 0; i < node->childCount(); ++i) collectTexts(node->child(i), texts);
 }
 

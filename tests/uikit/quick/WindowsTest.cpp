@@ -35,6 +35,7 @@ TEST_F(ViewControllerTest, ShowingItStartsTheJourneyWhichStaysWhereItIsUntilTheW
     settle();
     EXPECT_EQ(service.calls("getCardStatus"), 0);
     showWindow();
+    EXPECT_EQ(otherWindow()->title(), "Choose your PIN");
     controller->hide();
     showWindow();
     EXPECT_EQ(service.calls("getCardStatus"), 1);
