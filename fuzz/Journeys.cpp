@@ -5,7 +5,7 @@
 
 #include "apps/journey/JourneyConsole.h"
 #include "fuzz/Input.h"
-#include "tests/explorer/Invariants.h"
+#include "tests/explorer/World.h"
 #include "uikit/KorvanePassCodeInput.h"
 
 namespace korvane::fuzz {
@@ -69,9 +69,9 @@ void navigation(Input& input) {
     start.kind = static_cast<JourneyKind>(input.below(3));
     start.biometrics = input.below(2) == 1;
     start.token = static_cast<explorer::Start::Token>(input.below(5));
-    explorer::World world(start, 1'000'000, [](std::string_view) {});
+    explorer::World world(start, {.faults = 1'000'000});
     for (int steps = 0; steps < 200 && !input.bytes.empty() && !world.isClosed(); ++steps) {
-        const auto possible = world.possible({});
+        const auto possible = world.possible();
         if (possible.empty()) break;  // a host let go of its reply function: else the last step was wrong
         explorer::Step step = possible[input.below(std::min<std::size_t>(possible.size(), 256))];
         explorer::Answer answer;

@@ -1,30 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/explorer/Answers.h"
+#include <iomanip>
+#include <sstream>
 
-#include <algorithm>
-#include <map>
-#include <string_view>
+#include "tests/explorer/World.h"
 
 namespace korvane::explorer {
 namespace {
 
 using Texts = std::map<std::string, std::string>;
 
-struct Word {
-    const char* text;
-    int basicWith;  ///< the status with which it is basic
-};
-
-// Every word that means something, each in letters of an odd case, and some that mean nothing.
-constexpr Word words[] = {{"fAILURE: iNVALID tOKEN", 200},
-                          {"FAILURE: EXPIRED TOKEN", 500},
-                          {"failure: iv IS EXPIRED", 200},
-                          {"FAILURE: invalid OFFSETID", 400},
-                          {"failure: INCORRECT sms verification code", 200},
-                          {"READ PCI token or bio timeout from keychain failed.", 0},
-                          {"Failure: Card is blocked", 200},
-                          {"Success ", 0},
-                          {"", 0}};
+// Every word that means something, each in letters of an odd case, and some that mean nothing; and the status
+// with which each is basic.
+constexpr std::pair<const char*, int> words[] = {{"fAILURE: iNVALID tOKEN", 200},
+                                                 {"FAILURE: EXPIRED TOKEN", 500},
+                                                 {"failure: iv IS EXPIRED", 200},
+                                                 {"FAILURE: invalid OFFSETID", 400},
+                                                 {"failure: INCORRECT sms verification code", 200},
+                                                 {"READ PCI token or bio timeout from keychain failed.", 0},
+                                                 {"Failure: Card is blocked", 200},
+                                                 {"Success ", 0},
+                                                 {"", 0}};
 constexpr const char* oddBodies[] = {"{}", "", "<html>", R"({"encryptedResult":"AAAA"})",
                                      R"({"encryptedResult":17})"};
 
@@ -41,16 +36,14 @@ constexpr std::pair<const char*, const char*> oddValues[] = {
 constexpr const char* cardTypes[] = {"physical", "virtual", "wearable", "paywallet", "sticker"};
 constexpr std::pair<const char*, const char*> cardStatuses[] = {
     {"A1", "active"}, {"P2", "new"}, {"BT", "frozen"}, {"X9", ""}};
-constexpr std::string_view basicCards[] = {"physical A1", "physical P2", "virtual P2", "wearable BT"};
+constexpr const char* basicCards[] = {"physical A1", "physical P2", "virtual P2", "wearable BT"};
 
 void addFailures(std::vector<Answer>& answers, const ScriptedService& service) {
     for (const int status : {200, 400, 403, 500, 503}) {
         const std::string code = std::to_string(status);
-        for (const Word& word : words) {
-            answers.push_back({code + " \"" + word.text + "\"", service.refusal(status, word.text),
-                               word.basicWith == status,
-                               "\"status\":" + code + ",\"result\":\"" + word.text + "\""});
-        }
+        for (const auto& [word, basicWith] : words)
+            answers.push_back({code + " \"" + word + "\"", service.refusal(status, word), status == basicWith,
+                               "\"status\":" + code + ",\"result\":\"" + word + "\""});
     }
     for (const int status : {204, 302, 400, 401, 403, 404, 418, 500, 503}) {
         const std::string code = std::to_string(status);
@@ -58,10 +51,9 @@ void addFailures(std::vector<Answer>& answers, const ScriptedService& service) {
             {code, UrlReply{status, "", ""}, status == 401 || status == 500, "\"status\":" + code});
     }
     for (const std::string body : oddBodies) {
-        std::string escaped;
-        for (const char c : body) escaped += c == '"' ? "\\\"" : std::string{c};
-        answers.push_back(
-            {"200 raw " + body, UrlReply{200, body, ""}, body == "{}", "\"body\":\"" + escaped + "\""});
+        std::ostringstream rule;
+        rule << "\"body\":" << std::quoted(body);
+        answers.push_back({"200 raw " + body, UrlReply{200, body, ""}, body == "{}", rule.str()});
     }
     answers.push_back({"lost", UrlReply{0, "", "connection reset"}, true, "\"reset\":true"});
 }
@@ -92,9 +84,10 @@ void addReplies(std::vector<Answer>& answers, const std::string& method, const S
             Answer& told = *add("ok, " + card, {{"encryptedCardStatus", status}, {"encryptedCardType", type}},
                                 std::ranges::find(basicCards, card) != std::end(basicCards));
             told.success = true;
-            told.card = "card-" + type + "-" + suffix;
-            if (*suffix == '\0') told.card = "card-unknown-status";
-            if (type == "sticker") told.card = "card-unknown-type";
+            const bool isKnown = type != "sticker";
+            told.card = "card-" + (!isKnown          ? "unknown-type"
+                                   : *suffix == '\0' ? "unknown-status"
+                                                     : type + "-" + suffix);
         }
     }
     for (const auto& [field, ignored] : full) {
@@ -111,39 +104,34 @@ void addReplies(std::vector<Answer>& answers, const std::string& method, const S
     answers.push_back({"ok, nothing in it", service.ok({})});
 }
 
-std::vector<Answer> make(const std::string& waiting, const ScriptedService& service) {
-    if (waiting == "finger") {
-        return {{"match", Finger{true}, true, "", true},
-                {"no match", Finger{false}, true},
-                {"match, token unreadable", Finger{true, {secureItemFailed}}, true},
-                {"match, time unreadable", Finger{true, {secureItemSuccess, secureItemFailed}}}};
-    }
-    const std::string& iv = service.ivText;
-    if (waiting == "iv") {
-        return {{"supplies one", IvReplies{{"iv", iv}}, true, "", true},
-                {"replies twice", IvReplies{{"iv", iv}, {std::nullopt, std::nullopt}}},
-                {"replies nothing, then one", IvReplies{{std::nullopt, std::nullopt}, {"iv", iv}}},
-                {"replies nothing", IvReplies{{std::nullopt, std::nullopt}}, true},
-                {"replies an id alone", IvReplies{{"iv", std::nullopt}}, true},
-                {"replies an IV alone", IvReplies{{std::nullopt, iv}}},
-                {"replies an empty IV", IvReplies{{"iv", ""}}, true},
-                {"replies an empty id", IvReplies{{"", iv}}},
-                {"replies no base64", IvReplies{{"iv", "AAECAwQFBgcI\nCQoLDA0ODw=="}}, true},
-                {"replies 12 bytes", IvReplies{{"iv", "AAECAwQFBgcICQoL"}}},
-                {"lets go of the reply", IvReplies{}}};
-    }
-    std::vector<Answer> answers;
-    addReplies(answers, waiting, service);
-    addFailures(answers, service);
-    return answers;
-}
-
 }  // namespace
 
 const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedService& service) {
     static std::map<std::string, std::vector<Answer>> made;
     auto& answers = made[waiting];
-    if (answers.empty()) answers = make(waiting, service);
+    if (!answers.empty()) return answers;
+    if (waiting == "finger") {
+        return answers = {{"match", Finger{true}, true, "", true},
+                          {"no match", Finger{false}, true},
+                          {"match, token unreadable", Finger{true, {secureItemFailed}}, true},
+                          {"match, time unreadable", Finger{true, {secureItemSuccess, secureItemFailed}}}};
+    }
+    const std::string& iv = service.ivText;
+    if (waiting == "iv") {
+        return answers = {{"supplies one", IvReplies{{"iv", iv}}, true, "", true},
+                          {"replies twice", IvReplies{{"iv", iv}, {std::nullopt, std::nullopt}}},
+                          {"replies nothing, then one", IvReplies{{std::nullopt, std::nullopt}, {"iv", iv}}},
+                          {"replies nothing", IvReplies{{std::nullopt, std::nullopt}}, true},
+                          {"replies an id alone", IvReplies{{"iv", std::nullopt}}, true},
+                          {"replies an IV alone", IvReplies{{std::nullopt, iv}}},
+                          {"replies an empty IV", IvReplies{{"iv", ""}}, true},
+                          {"replies an empty id", IvReplies{{"", iv}}},
+                          {"replies no base64", IvReplies{{"iv", "AAECAwQFBgcI\nCQoLDA0ODw=="}}, true},
+                          {"replies 12 bytes", IvReplies{{"iv", "AAECAwQFBgcICQoL"}}},
+                          {"lets go of the reply", IvReplies{}}};
+    }
+    addReplies(answers, waiting, service);
+    addFailures(answers, service);
     return answers;
 }
 

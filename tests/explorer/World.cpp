@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/explorer/World.h"
 
-#include <algorithm>
 #include <chrono>
-#include <utility>
 
 #include "transport/Endpoints.h"
 
@@ -39,41 +37,61 @@ const std::map<std::string, std::vector<std::string>> entries{
     {"sdk.sms.code.input", {"350912", "35"}},
 };
 
-/// Typed by the person or told of the card: gone with the journey.
-const std::vector<std::string> personal{"8046", "2975",  "6603", "731", "350912", "5555550000079197",
-                                        "8642", "Okafor"};
-const std::vector<std::string> neverShown{
-    "8046", "2975",      "6603",      "731",         "350912", "5555550000079197",
-    "8642", "pci-token", "sms-token", "bearer-token"};
-
-std::string foundIn(const std::string& text, const std::vector<std::string>& secrets) {
-    const auto isIn = [&](const std::string& secret) { return text.find(secret) != text.npos; };
-    const auto found = std::ranges::find_if(secrets, isIn);
-    return found == secrets.end() ? "" : *found;
-}
-
-/// A rule that leaves something out does it to replies that are there without it.
-bool hasRule(const Answer& answer, const std::string& due) {
-    return !answer.fault.empty() && (due.empty() || !answer.fault.starts_with("\"without\""));
-}
+/// Gone with the journey; tokens stay.
+constexpr auto personal = std::span(secrets).subspan(3);
 
 std::string methodOf(const UrlRequest& request) {
-    for (std::size_t i = 0; i < endpointCount; ++i) {
-        const Endpoint& each = endpoint(static_cast<EndpointId>(i));
-        if (request.url.ends_with(each.path)) return std::string{each.method};
-    }
-    return request.url;
+    std::size_t i = 0;
+    while (!request.url.ends_with(endpoint(static_cast<EndpointId>(i)).path)) ++i;
+    return std::string{endpoint(static_cast<EndpointId>(i)).method};
+}
+
+/// What any service answers, for want of a token; "": a success.
+std::string dueTo(const UrlRequest& request, const SdkConfig& config) {
+    if (methodOf(request) != "getBearerToken" && config.currentBearerToken.empty()) return "401";
+    const bool needsToken = request.body.find("PciToken") != std::string::npos;
+    return needsToken && config.currentPciToken.empty() ? tokenRefused : "";
 }
 
 }  // namespace
 
-World::World(const Start& start, int faults, const std::function<void(std::string_view)>& onLine)
-    : onLine_(onLine), faultsLeft_(faults) {
-    willAnswer({});
-    prepare(start);
+std::string foundIn(std::string_view text, std::span<const std::string_view> these) {
+    const auto isIn = [&](std::string_view each) { return text.find(each) != text.npos; };
+    const auto found = std::ranges::find_if(these, isIn);
+    return found == these.end() ? "" : std::string{*found};
+}
+
+World::World(const Start& start, const Scope& scope) : scope_(scope) {
+    using enum Start::Token;
+    for (const SharedText text : decisiveTexts) (config.*text).clear();
+    for (const SharedText text : otherTexts) (config.*text).clear();
+    config.ivByteArray.clear();
+    config.gotInitialIV = config.setPinOnly = config.timerPciExpired = false;
+    config.currentCardType = eKorvaneCardType::none;
+    config.decodedDisclosuresStruct.reset();
+    config.useBiometrics = start.biometrics;
+    config.ivCallback = [this](IvReply reply) { waiting_.push_back({"iv", {}, std::move(reply)}); };
+    device.urlSession->answerWith([this](const UrlRequest& request) -> std::optional<UrlReply> {
+        waiting_.push_back({methodOf(request), device.urlSession->startedCount() - 1});
+        return std::nullopt;
+    });
+
+    if (start.token == held) config.currentBearerToken = "bearer-token";
+    if (start.token == held) config.currentPciToken = "pci-token";
+    device.biometricContext->setAvailable(start.biometrics && start.token != noReader);
+    auto& items = device.secureItemStore->items();
+    if (start.biometrics && start.token != none)
+        items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "pci-token";
+    if (start.biometrics && start.token != none && start.token != halfStored)
+        items[{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}] = "86400";
+    if (start.biometrics && start.token == held) {
+        config.decBiometricsAuthenticationTimer = "86400";
+        config.pciTimer.start();
+    }
+
     observation_ = NotificationCenter::defaultCenter().observe(
         NotificationCloseUI, [this](const NotificationUserInfo& info) {
-            closedWith_.push_back(info.at("result"));
+            closedWith += info.at("result");
             journey_.reset();  // as a host may do at once
         });
     journey_ = std::make_unique<Journey>(start.kind, "card-1");
@@ -87,115 +105,69 @@ World::~World() {
     config.pciTimer.start();  // without an interval: lets go of the timer that may be running
 }
 
-void World::prepare(const Start& start) {
-    for (const SharedText field : decisiveTexts) (config.*field).clear();
-    for (const SharedText field : otherTexts) (config.*field).clear();
-    config.ivByteArray.clear();
-    config.gotInitialIV = config.setPinOnly = config.timerPciExpired = false;
-    config.currentCardType = eKorvaneCardType::none;
-    config.decodedDisclosuresStruct.reset();
-    config.useBiometrics = start.biometrics;
-    config.ivCallback = [this](IvReply reply) { asked_.push_back(std::move(reply)); };
-
-    using Token = Start::Token;
-    if (start.token == Token::held) config.currentBearerToken = "bearer-token";
-    if (start.token == Token::held) config.currentPciToken = "pci-token";
-    if (!start.biometrics) return;
-    device.biometricContext->setAvailable(start.token != Token::noReader);
-    auto& items = device.secureItemStore->items();
-    if (start.token != Token::none) items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "pci-token";
-    if (start.token != Token::none && start.token != Token::halfStored)
-        items[{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}] = "86400";
-    if (start.token == Token::held) {
-        config.decBiometricsAuthenticationTimer = "86400";
-        config.pciTimer.start();
-    }
-}
-
 void World::gather(const std::string& origin) {
-    constexpr std::size_t limit = 10'000;
-    if (device.mainQueue->runAll(limit) == limit) trouble_ = "works on without end by itself";
-    for (const std::string& line : device.console->lines()) onLine_(line);
-    device.console->clear();
-    std::erase_if(waiting_, [this](const Waiting& each) {
-        return each.request && device.urlSession->wasCancelled(*each.request);
-    });
-    const auto& requests = device.urlSession->requests();
-    for (; requestsSeen_ < requests.size(); ++requestsSeen_) {
-        const UrlRequest& request = requests[requestsSeen_];
-        if (!device.urlSession->wasCancelled(requestsSeen_))
-            waiting_.push_back({methodOf(request), requestsSeen_, nullptr, origin, due(request)});
-    }
-    for (IvReply& reply : std::exchange(asked_, {}))
-        waiting_.push_back({"iv", std::nullopt, std::move(reply), origin});
+    if (device.mainQueue->runAll(10'000) == 10'000) trouble = "works on without end by itself";
+    const auto& session = *device.urlSession;
+    std::erase_if(waiting_,
+                  [&](const Waiting& each) { return each.request && session.wasCancelled(*each.request); });
     for (; checksSeen_ < device.biometricContext->reasons().size(); ++checksSeen_)
-        waiting_.push_back({"finger", std::nullopt, nullptr, origin});
-    const auto isFinger = [](const Waiting& each) { return each.name == "finger"; };
-    for (auto fingers = std::count_if(waiting_.begin(), waiting_.end(), isFinger);
-         fingers > static_cast<std::ptrdiff_t>(device.biometricContext->open()); --fingers)
-        waiting_.erase(std::find_if(waiting_.begin(), waiting_.end(), isFinger));
+        waiting_.push_back({"finger"});
+    while (std::ranges::count(waiting_, "finger", &Waiting::name) >
+           static_cast<std::ptrdiff_t>(device.biometricContext->open()))
+        waiting_.erase(std::ranges::find(waiting_, "finger", &Waiting::name));
     const ScreenSnapshot now = screen();
     const auto owner = asker_ != 0 && onScreen_.back() == now.instance ? asker_ : now.instance;
     onScreen_.resize(static_cast<std::size_t>(now.depth) + 1);
     onScreen_.back() = now.instance;
     for (Waiting& each : waiting_) {
-        if (each.owner == 0) each.owner = owner;
+        if (each.owner == 0) {
+            each.owner = owner;
+            each.origin = origin;
+            if (each.request) each.due = dueTo(session.requests()[*each.request], config);
+        }
         // A request that is made again is like the first one; only that for a code is made twice at most.
         const bool counts = !each.request || each.name == "pciTokenRequest";
-        const auto place = std::find(onScreen_.begin(), onScreen_.end(), each.owner) - onScreen_.begin();
+        const auto place = std::ranges::find(onScreen_, each.owner) - onScreen_.begin();
         each.tag = "~" + each.name + each.due + (counts ? "<" + each.origin : "") + "@" +
                    (place == std::ssize(onScreen_) ? "gone" : std::to_string(place));
     }
     std::ranges::stable_sort(waiting_, {}, &Waiting::tag);
 }
 
-std::string World::due(const UrlRequest& request) const {
-    const bool needsBearer = methodOf(request) != "getBearerToken";
-    if (needsBearer && config.currentBearerToken.empty()) return "401";
-    const bool needsToken = request.body.find("PciToken") != std::string::npos;
-    return needsToken && config.currentPciToken.empty() ? tokenRefused : "";
-}
-
 void World::apply(const Step& step) {
-    trouble_.clear();
-    closedWith_.clear();
+    trouble.clear();
+    closedWith.clear();
+    device.console->clear();
     asker_ = 0;
     const ScreenSnapshot before = screen();
     std::string origin = "person";
     auto outcome = Journey::Outcome::done;
-    switch (step.does) {
-        case Does::tap:
-            outcome = journey_->perform(step.text);
-            if (before.card && (step.text.starts_with("sdk.cardviewer.device.details")))
-                doneSomething_ = true;
-            break;
-        case Does::type:
-            typed_[before.passcode->id] = step.text;
-            outcome = journey_->replaceText(step.text);
-            break;
-        case Does::erase:
-            if (std::string& typed = typed_[before.passcode->id]; !typed.empty()) typed.pop_back();
-            outcome = journey_->deleteBackward();
-            break;
-        case Does::wait:
-            device.timers->advance(std::chrono::seconds(std::stoi(step.text)));
-            break;
-        case Does::answer:
-            if (step.waiting >= waiting_.size() || waiting_[step.waiting].name != step.text) {
-                trouble_ = "does not wait for " + step.text;
-                return;
-            }
-            asker_ = waiting_[step.waiting].owner;
-            // An IV that is asked for again is asked for by the same one.
-            origin = step.text == "iv" ? waiting_[step.waiting].origin : step.text + " " + step.answer->name;
-            give(step);
-            if (step.fault) --faultsLeft_;
-            break;
-        case Does::leave:
-            journey_.reset();
-            break;
+    if (step.does == Does::leave) journey_.reset();
+    if (step.does == Does::wait) device.timers->advance(std::chrono::seconds(std::stoi(step.text)));
+    if (step.does == Does::tap) {
+        outcome = journey_->perform(step.text);
+        doneSomething |= before.card && step.text.starts_with("sdk.cardviewer.device.details");
     }
-    if (outcome != Journey::Outcome::done) trouble_ = "refused, though it is enabled: " + step.text;
+    if (step.does == Does::type) {
+        typed_[before.passcode->id] = step.text;
+        outcome = journey_->replaceText(step.text);
+    }
+    if (step.does == Does::erase) {
+        if (std::string& typed = typed_[before.passcode->id]; !typed.empty()) typed.pop_back();
+        outcome = journey_->deleteBackward();
+    }
+    if (step.does == Does::answer) {
+        if (step.waiting >= waiting_.size() || waiting_[step.waiting].name != step.text) {
+            trouble = "does not wait for " + step.text;
+            return;
+        }
+        asker_ = waiting_[step.waiting].owner;
+        // An IV that is asked for again is asked for by the same one.
+        origin = step.text == "iv" ? waiting_[step.waiting].origin : step.text + " " + step.answer->name;
+        give(step);
+        scope_.faults -= step.fault;
+    }
+    if (outcome != Journey::Outcome::done) trouble = "refused, though it is enabled: " + step.text;
     gather(origin);
 
     const ScreenSnapshot now = screen();
@@ -209,7 +181,7 @@ void World::give(const Step& step) {
     waiting_.erase(waiting_.begin() + static_cast<std::ptrdiff_t>(step.waiting));
     if (const auto* const reply = std::get_if<UrlReply>(&step.answer->content)) {
         const bool isRead = config.ivByteArray.size() == 16;  // under a host's odd IV nothing is
-        if (waiting.name == "setCardStatus" && step.answer->success && isRead) doneSomething_ = true;
+        if (waiting.name == "setCardStatus" && step.answer->success && isRead) doneSomething = true;
         device.urlSession->reply(*waiting.request, *reply);
     } else if (const auto* const finger = std::get_if<Finger>(&step.answer->content)) {
         device.secureItemStore->failNext(finger->store);
@@ -217,49 +189,47 @@ void World::give(const Step& step) {
     } else {
         const auto& replies = std::get<IvReplies>(step.answer->content);
         for (const auto& [ivId, text] : replies) waiting.reply(ivId, text);
-        if (replies.empty()) waiting_.push_back({"nobody", std::nullopt, nullptr, waiting.origin});
+        if (replies.empty()) waiting_.push_back({"nobody"});
     }
 }
 
-std::vector<Step> World::possible(const Scope& scope) const {
+std::vector<Step> World::possible() const {
     if (!journey_) return {};  // what is under way then is answered by `leftBehind`
     std::vector<Step> steps;
     const ScreenSnapshot now = screen();
     // Two things under way are seen to an end before a person does anything else.
     if (waiting_.size() < 2) {
         for (const Control& control : now.controls) {
-            if (!control.enabled || (!scope.restless && isAwaiting() && control.id != "back")) continue;
+            if (!control.enabled || (!scope_.restless && isAwaiting() && control.id != "back")) continue;
             // What calls nothing is left alone.
-            if (!scope.restless && control.id.starts_with("sdk.cardviewer.device.details")) continue;
-            if (control.kind != ControlKind::passcode) {
-                steps.push_back({Does::tap, control.id});
-                continue;
-            }
+            if (!scope_.restless && control.id.starts_with("sdk.cardviewer.device.details")) continue;
+            if (control.kind != ControlKind::passcode) steps.push_back({Does::tap, control.id});
+            if (control.kind != ControlKind::passcode) continue;
             for (const std::string& digits : entries.at(control.id)) {
                 const bool whole = static_cast<int>(digits.size()) == now.passcode->size;
-                if (whole || scope.restless) steps.push_back({Does::type, digits});
+                if (whole || scope_.restless) steps.push_back({Does::type, digits});
             }
-            if (now.passcode->filled > 0 && scope.restless) steps.push_back({Does::erase, ""});
+            if (now.passcode->filled > 0 && scope_.restless) steps.push_back({Does::erase, ""});
         }
     }
-    const auto runs = [&](const char* name) {
-        return std::any_of(now.state.begin(), now.state.end(), [&](const StateField& field) {
-            return field.name == name && (field.value == StateValue{true} || field.value.index() == 1) &&
-                   field.value != StateValue{0};
-        });
-    };
+    const bool runs = std::ranges::any_of(now.state, [](const StateField& field) {
+        return (field.name == "resendSeconds" && field.value != StateValue{0}) ||
+               (field.name == "detailsRevealed" && field.value == StateValue{true});
+    });
     // Each wait is longer than all that was pending, so nothing is left of what went by before.
-    if (runs("resendSeconds") || runs("detailsRevealed") || !device.pasteboard->text().empty())
-        steps.push_back({Does::wait, "61"});
+    if (runs || !device.pasteboard->text().empty()) steps.push_back({Does::wait, "61"});
     if (config.pciTimer.isArmed()) steps.push_back({Does::wait, "86401"});
     for (std::size_t i = 0; i < waiting_.size(); ++i) {
         if (waiting_[i].name == "nobody") continue;
         const std::string& due = waiting_[i].due;
         for (const Answer& answer : answersTo(waiting_[i].name, *this)) {
             const bool fault = due.empty() ? !answer.success : answer.name != due;
-            if (!answer.basic && !scope.thorough) continue;
-            if (!answer.card.empty() && !scope.card.empty() && answer.card != scope.card) continue;
-            if (fault && (faultsLeft_ == 0 || (scope.rulesAlone && !hasRule(answer, due)))) continue;
+            // A rule that leaves something out does it to replies that are there without it.
+            const bool hasRule =
+                !answer.fault.empty() && (due.empty() || !answer.fault.starts_with("\"without\""));
+            if (!answer.basic && !scope_.thorough) continue;
+            if (!answer.card.empty() && !scope_.card.empty() && answer.card != scope_.card) continue;
+            if (fault && (scope_.faults == 0 || (scope_.rulesAlone && !hasRule))) continue;
             steps.push_back({Does::answer, waiting_[i].name, i, &answer, fault});
         }
     }
@@ -278,8 +248,7 @@ std::string World::screenKey(const ScreenSnapshot& now) const {
     for (const StateField& field : now.state) {
         key += field.name + "=";
         if (const auto* const text = std::get_if<std::string>(&field.value)) key += *text;
-        if (const auto* const flag = std::get_if<bool>(&field.value)) key += *flag ? "1" : "0";
-        if (const auto* const number = std::get_if<int>(&field.value)) key += *number > 0 ? "+" : "0";
+        key += field.value == StateValue{0} || field.value == StateValue{false} ? "0" : "1";
     }
     for (const Control& control : now.controls)
         key += control.id + (control.enabled ? "!" : "") + (control.on ? "1" : "");
@@ -290,42 +259,19 @@ std::string World::screenKey(const ScreenSnapshot& now) const {
 
 std::string World::key() const {
     if (!journey_) return "closed";
-    std::string key = screenKey(screen()) + "#" + std::to_string(faultsLeft_);
+    std::string key = screenKey(screen()) + "#" + std::to_string(scope_.faults);
     for (const std::string& each : covered_) key += "/" + each;
-    for (const SharedText field : decisiveTexts) key += "|" + (config.*field);
-    for (const SharedText field : otherTexts) key += foundIn(config.*field, personal).empty() ? "-" : "s";
+    for (const SharedText text : decisiveTexts) key += "|" + config.*text;
+    for (const SharedText text : otherTexts) key += foundIn(config.*text, personal).empty() ? "-" : "s";
     for (const Waiting& each : waiting_) key += each.tag;
     for (const auto& [name, value] : device.secureItemStore->items()) key += name.second + value;
     for (const bool flag :
          {config.useBiometrics, device.biometricContext->canEvaluate(), !config.currentBearerToken.empty(),
-          doneSomething_, config.setPinOnly, config.timerPciExpired, config.pciTimer.isArmed(),
+          doneSomething, config.setPinOnly, config.timerPciExpired, config.pciTimer.isArmed(),
           config.decodedDisclosuresStruct.has_value(), !device.pasteboard->text().empty()})
         key += flag ? "1" : "0";
     key += std::to_string(config.ivByteArray.size()) + std::string{cardTypeCaseName(config.currentCardType)};
     return key;
-}
-
-std::string World::shownTexts() const {
-    const ScreenSnapshot now = screen();
-    std::string all = now.view + now.title + now.message + now.toast + now.disclosureText;
-    for (const auto& texts : {now.stack, now.body}) {
-        for (const std::string& text : texts) all += "|" + text;
-    }
-    for (const StateField& field : now.state) {
-        if (const auto* const text = std::get_if<std::string>(&field.value)) all += "|" + *text;
-        if (const auto* const number = std::get_if<int>(&field.value)) all += "|" + std::to_string(*number);
-    }
-    for (const Control& control : now.controls) all += "|" + control.id;
-    for (const DetailRow& row : now.rows) {
-        if (!row.secret || row.masked) all += "|" + row.value;
-    }
-    if (now.passcode && now.passcode->secure) all += now.passcode->visibleDigits;
-    if (now.card) all += "|" + now.card->name;
-    return all;
-}
-
-bool World::hostLetGo() const {
-    return std::ranges::find(waiting_, "nobody", &Waiting::name) != waiting_.end();
 }
 
 std::string World::leftBehind() {
@@ -339,18 +285,14 @@ std::string World::leftBehind() {
         gather("end");
     }
     std::string memory;
-    for (const SharedText field : decisiveTexts) memory += "|" + config.*field;
-    for (const SharedText field : otherTexts) memory += "|" + config.*field;
+    for (const SharedText text : decisiveTexts) memory += "|" + config.*text;
+    for (const SharedText text : otherTexts) memory += "|" + config.*text;
     if (const auto left = foundIn(memory, personal); !left.empty()) return "left in memory: " + left;
     if (config.decodedDisclosuresStruct) return "disclosures left in memory";
     if (!device.pasteboard->text().empty()) return "left on the pasteboard: " + device.pasteboard->text();
     const bool tokenTimer = config.useBiometrics && !config.currentPciToken.empty();
     if (device.timers->pending() > (tokenTimer ? 1u : 0u)) return "a timer still runs";
     return {};
-}
-
-std::string World::shownSecret() const {
-    return foundIn(shownTexts(), neverShown);
 }
 
 }  // namespace korvane::explorer
