@@ -41,10 +41,8 @@ std::optional<Bytes> strictlyByOpenSsl(const std::string& text) {
 bool hasTooLargeNumber(std::string_view json) {
     try {
         return Json::parse(json).is_discarded();
-    } catch (const Json::out_of_range&) {
-        return true;
-    } catch (const Json::parse_error&) {
-        return false;
+    } catch (const Json::exception& error) {
+        return error.id == 406;  // out_of_range.406
     }
 }
 
