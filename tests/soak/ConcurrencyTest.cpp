@@ -1,28 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 // Meant for the data-race checker above all.
-#include <thread>
-#include <vector>
+#include <gtest/gtest.h>
 
-#include "tests/soak/DeviceTest.h"
+#include <thread>
+
+#include "tests/soak/RealDevice.h"
 
 namespace korvane::testing {
 namespace {
 
 const std::string one = "card-physical-active", other = "card-virtual-active";
 
-class Concurrency : public DeviceTest {
+class Concurrency : public ::testing::Test {
   protected:
     /// A host that answers each question from eight threads at once; one answer counts.
     void initializeWithManyThreads() {
-        initialize(device.key, device.url,
-                   [this](const IvReply& reply) {
-                       const auto iv = device.ask("POST", "/host/iv", "{}");
-                       for (int i = 0; i < 8; ++i)
-                           threads.emplace_back([reply, id = textMember(iv, "ivId"),
-                                                 bytes = textMember(iv, "iv")] { reply(id, bytes); });
-                   },
-                   false, {}, {});
+        device.initialize(false, device.url, [this](const IvReply& reply) {
+            const Json iv = device.ask("POST", "/host/iv", "{}");
+            for (int i = 0; i < 8; ++i)
+                threads.emplace_back([reply, iv] { reply(std::string(iv["ivId"]), std::string(iv["iv"])); });
+        });
     }
+
+    RealDevice device;
     std::vector<std::jthread> threads;
 };
 
@@ -33,9 +33,8 @@ TEST_F(Concurrency, JourneysGoAndTheHostIsSetUpAnewWithCallsOnTheirWay) {
         if (i % 4 == 0) initializeWithManyThreads();
         if (i % 4 == 1) device.initialize(true);
         if (i % 4 == 2)
-            initialize(device.key, device.url, [&late](const IvReply& reply) { late.push_back(reply); },
-                       false, {}, {});
-        const auto journey = begin(static_cast<JourneyKind>(i % 3), other);
+            device.initialize(false, device.url, [&late](const IvReply& reply) { late.push_back(reply); });
+        const auto journey = device.begin(static_cast<JourneyKind>(i % 3), other);
         device.pass(std::chrono::milliseconds(1 + i % 12));
         journey->perform("sdk.sms.explain.button");
         device.reader->answer(i % 8 == 1);
@@ -44,28 +43,28 @@ TEST_F(Concurrency, JourneysGoAndTheHostIsSetUpAnewWithCallsOnTheirWay) {
         threads.emplace_back([reply] { reply(std::nullopt, std::nullopt); });
     threads.clear();
     device.initialize();
-    const auto journey = begin(JourneyKind::getCardImage, other);
-    verify(*journey, other);
-    on(*journey, "CardImage_NoNav", "xmark");
+    const auto journey = device.begin(JourneyKind::getCardImage, other);
+    device.verify(*journey, other);
+    device.on(*journey, "CardImage_NoNav", "xmark");
 }
 
 TEST_F(Concurrency, TwoJourneysOfTwoCardsSetEachTheirOwnPin) {
     initializeWithManyThreads();
     device.ask("POST", "/host/faults", R"({"endpoint": "pinSet", "expireIv": true, "count": 5})");
-    const auto first = begin(JourneyKind::setPIN, one);
-    const auto second = begin(JourneyKind::setPIN, other);
-    verify(*first, one);
-    on(*first, "EnterCardPINView", "sdk.setpin.button", "1357");
-    verify(*second, other);
-    on(*second, "EnterCardPINView", "sdk.setpin.button", "2468");
-    on(*first, "ConfirmCardPINView", "sdk.confirmpin.button", "1357");
-    verify(*first, one);  // the token that is there now is the other card's
-    on(*first, "SuccessPinSetView", "");
-    on(*second, "ConfirmCardPINView", "sdk.confirmpin.button", "2468");
-    verify(*second, other);
-    on(*second, "SuccessPinSetView", "");
+    const auto first = device.begin(JourneyKind::setPIN, one);
+    const auto second = device.begin(JourneyKind::setPIN, other);
+    device.verify(*first, one);
+    device.on(*first, "EnterCardPINView", "sdk.setpin.button", "1357");
+    device.verify(*second, other);
+    device.on(*second, "EnterCardPINView", "sdk.setpin.button", "2468");
+    device.on(*first, "ConfirmCardPINView", "sdk.confirmpin.button", "1357");
+    device.verify(*first, one);  // the token that is there now is the other card's
+    device.on(*first, "SuccessPinSetView");
+    device.on(*second, "ConfirmCardPINView", "sdk.confirmpin.button", "2468");
+    device.verify(*second, other);
+    device.on(*second, "SuccessPinSetView");
     for (const auto& [card, pin] : {std::pair{one, "1357"}, {other, "2468"}})
-        EXPECT_EQ(textMember(device.ask("GET", "/host/cards/" + card), "pin"), pin);
+        EXPECT_EQ(device.ask("GET", "/host/cards/" + card)["pin"], pin);
 }
 
 }  // namespace

@@ -4,18 +4,12 @@
 #include <glib.h>
 #include <korvane/Initialize.h>
 #include <korvane/Journey.h>
-#include <korvane/platform/Ports.h>
 #include <signal.h>
 
-#include <array>
-#include <cstdio>
-#include <optional>
-#include <string>
+#include <nlohmann/json.hpp>
 
-#include "apps/common/HostCalls.h"
 #include "apps/common/HostIv.h"
-#include "platform/fakes/FakeBiometricContext.h"
-#include "platform/fakes/FakeSecureItemStore.h"
+#include "platform/fakes/FakePorts.h"
 #include "platform/linux/CurlUrlSession.h"
 #include "platform/linux/GLibMainQueue.h"
 #include "platform/linux/GLibTimers.h"
@@ -23,26 +17,25 @@
 
 namespace korvane::testing {
 
+using Json = nlohmann::json;
+
 /// The real main loop and network under the component, and the card service in a process of its own: what
 /// that holds is not found here. Reader and store are scripted. Nothing keeps what is logged or copied.
 class RealDevice final : Console, Pasteboard {
   public:
     explicit RealDevice(bool tls = true, CurlUrlSessionOptions options = {}) {
         // Not longer than that, should we end without ending it.
-        sandbox_ = popen(
-            ("echo $$; exec timeout 2h " KORVANE_SANDBOX " --pci-token-seconds 3600 --bearer-seconds 3600 " +
-             (tls ? "--ca-out " + caFile : "--http") + " 2>/dev/null")
-                .c_str(),
-            "r");
-        std::array<char, 1024> pid{}, told{};
-        if (!sandbox_ || !std::fgets(pid.data(), pid.size(), sandbox_) ||
-            !std::fgets(told.data(), told.size(), sandbox_))
+        const std::string command = "echo $$; exec timeout 2h " KORVANE_SANDBOX
+                                    " --pci-token-seconds 3600 --bearer-seconds 3600 2>/dev/null " +
+                                    (tls ? "--ca-out " + caFile : "--http");
+        sandbox_ = popen(command.c_str(), "r");
+        char pid[16], told[1024];
+        if (!std::fgets(pid, sizeof pid, sandbox_) || !std::fgets(told, sizeof told, sandbox_))
             throw std::runtime_error("the sandbox did not start");
-        process_ = std::stoi(pid.data());
-        rapidjson::Document line;
-        line.Parse(told.data());
-        url = textMember(line, "url");
-        key = textMember(line, "key");
+        process_ = std::stoi(pid);
+        const Json line = Json::parse(told);
+        url = line["url"];
+        key = line["key"];
         options.caFile = tls ? caFile : "";
         connect(options);
         options.timeout = std::chrono::minutes(1);
@@ -61,21 +54,19 @@ class RealDevice final : Console, Pasteboard {
     }
     /// Puts a new reader into the ports.
     void install() {
-        const auto lent = [](auto* port) {
-            return std::shared_ptr<std::remove_pointer_t<decltype(port)>>(port, [](auto*) {});
-        };
+        const std::shared_ptr<void> nobody;  // owns this
         reader = std::make_shared<FakeBiometricContext>(queue_);
         installPorts({.mainQueue = queue_,
                       .timers = timers_,
                       .urlSession = session_,
-                      .console = console ? console : lent(static_cast<Console*>(this)),
+                      .console = console ? console : std::shared_ptr<Console>(nobody, this),
                       .secureItemStore = store,
                       .biometricContext = reader,
-                      .pasteboard = lent(static_cast<Pasteboard*>(this))});
+                      .pasteboard = std::shared_ptr<Pasteboard>(nobody, this)});
     }
-    void initialize(bool useBiometrics = false, const std::string& service = {}) {
-        korvane::initialize(key, service.empty() ? url : service, hostIvCallback(url + "/host/iv"),
-                            useBiometrics, {}, {});
+    void initialize(bool useBiometrics = false, const std::string& service = {}, IvCallback ivs = {}) {
+        if (!ivs) ivs = hostIvCallback(url + "/host/iv");
+        korvane::initialize(key, service.empty() ? url : service, std::move(ivs), useBiometrics, {}, {});
     }
 
     /// Runs the main loop; false when the condition does not come true within that time.
@@ -91,20 +82,38 @@ class RealDevice final : Console, Pasteboard {
     }
 
     /// Asks the host side of the card service; null when it has no answer.
-    rapidjson::Document ask(const std::string& method, const std::string& path,
-                            const std::string& body = {}) const {
+    Json ask(const std::string& method, const std::string& path, const std::string& body = {}) const {
         const auto answer = std::make_shared<std::optional<UrlReply>>();
         const auto task = host_->start({method, url + path, {{"Content-Type", "application/json"}}, body},
                                        [answer, queue = queue_](const UrlReply& reply) {
                                            queue->post([answer, reply] { *answer = reply; });
                                        });
         until([&answer] { return answer->has_value(); });
-        rapidjson::Document document;
-        if (answer->has_value() && (*answer)->status == 200) document.Parse((*answer)->body.c_str());
-        return document;
+        const UrlReply reply = answer->value_or(UrlReply{});
+        return reply.status == 200 ? Json::parse(reply.body, nullptr, false) : Json();
     }
     std::string smsCode(const std::string& cardId) const {
-        return textMember(ask("POST", "/host/sms", R"({"cardId":")" + cardId + R"("})"), "code");
+        return ask("POST", "/host/sms", Json{{"cardId", cardId}}.dump())["code"];
+    }
+
+    static std::unique_ptr<Journey> begin(JourneyKind kind, const std::string& cardId) {
+        auto journey = std::make_unique<Journey>(kind, cardId);
+        journey->appear();
+        return journey;
+    }
+    /// Waits for the view, types, and uses the control; throws where that cannot be done.
+    void on(Journey& journey, const std::string& view, const std::string& control = {},
+            const std::string& digits = {}) const {
+        if (!until([&] { return journey.screen().view == view && !journey.screen().spinner; }))
+            throw std::runtime_error("on " + journey.screen().view + ", not " + view);
+        if (!digits.empty()) journey.replaceText(digits);
+        if (!control.empty() && journey.perform(control) != Journey::Outcome::done)
+            throw std::runtime_error(control + " is refused on " + view);
+    }
+    void verify(Journey& journey, const std::string& cardId) const {
+        on(journey, "SMSExplainView", "sdk.sms.explain.button");
+        on(journey, "EnterSMSCodeView");
+        journey.replaceText(smsCode(cardId));
     }
 
     const TemporaryFolder folder;
@@ -113,16 +122,15 @@ class RealDevice final : Console, Pasteboard {
     std::shared_ptr<Console> console;  ///< in place of this, from the next installing on
     std::shared_ptr<FakeBiometricContext> reader;
     const std::shared_ptr<FakeSecureItemStore> store = std::make_shared<FakeSecureItemStore>();
-    int timeOuts = 0;     ///< requests of the component that were given up
-    bool copied = false;  ///< something is on the pasteboard
+    int timeOuts = 0;  ///< requests of the component that were given up
 
   private:
     void line(std::string_view text) override {
         if (text.starts_with("no response: ") && text.find("timed out") != text.npos) ++timeOuts;
     }
     bool takesSecrets() const override { return false; }
-    bool setString(const std::string&) override { return copied = true; }
-    void clearIfHolds(const std::string&) override { copied = false; }
+    bool setString(const std::string&) override { return true; }
+    void clearIfHolds(const std::string&) override {}
 
     FILE* sandbox_ = nullptr;
     int process_ = 0;
