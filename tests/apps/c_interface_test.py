@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""A host that is not C++: Python drives a journey through the shared library."""
+"""A host that is not C++: Python drives a journey through the shared library, and misuses it."""
 
 import ctypes as c
 import json
@@ -13,7 +13,7 @@ from driver import PATIENCE, PROGRAMS, Sandbox
 
 os.environ.pop("LD_PRELOAD", None)  # of a checker's run: it is for this process alone
 LIBRARY = c.CDLL(str(PROGRAMS.parent / "lib/libkorvane.so"))
-OK, _, NOT_SET_UP, WRONG_THREAD, BAD_KEY = range(5)
+OK, BAD_ARGUMENT, NOT_SET_UP, WRONG_THREAD, BAD_KEY, NO_SUCH_CONTROL, NOT_ENABLED, NOT_DIGITS, NO_PROMPT = range(9)
 LINE = c.CFUNCTYPE(None, c.c_void_p, c.c_char_p)
 QUESTION = c.CFUNCTYPE(None, c.c_void_p, c.c_void_p)
 MANUAL = 1
@@ -70,11 +70,11 @@ class CInterface(unittest.TestCase):
             self.assertEqual(LIBRARY.korvane_loop_step(100), OK)
         return screen
 
-    def perform(self, control):
-        self.assertEqual(LIBRARY.korvane_journey_perform(self.journey, control.encode()), OK)
+    def perform(self, control, status=OK):
+        self.assertEqual(LIBRARY.korvane_journey_perform(self.journey, control.encode()), status)
 
-    def type(self, digits):
-        self.assertEqual(LIBRARY.korvane_journey_replace(self.journey, digits.encode()), OK)
+    def type(self, digits, status=OK):
+        self.assertEqual(LIBRARY.korvane_journey_replace(self.journey, digits.encode()), status)
 
     def test_a_journey_from_a_language_that_calls_c(self):
         self.set_up()
@@ -88,6 +88,9 @@ class CInterface(unittest.TestCase):
         self.shows("EnterSMSCodeView")
         self.type(self.sandbox.code())
         self.shows("EnterCardPINView")
+        self.perform("nothing", NO_SUCH_CONTROL)
+        self.perform("sdk.setpin.button", NOT_ENABLED)
+        self.type("12a4", NOT_DIGITS)
         self.type("1357")
         self.assertEqual(self.screen()["passcode"]["filled"], 4)
         self.assertNotIn("1357", json.dumps(self.screen()))
@@ -101,9 +104,14 @@ class CInterface(unittest.TestCase):
         self.assertEqual(self.sandbox.card("card-physical-active")["pin"], "1357")
         self.assertIn(b"SDK initialize success", self.log)
 
-    def test_it_must_be_set_up_and_called_on_one_thread(self):
+    def test_misuse_is_answered(self):
         self.assertEqual((LIBRARY.korvane_loop_step(0), self.initialize()), (NOT_SET_UP, NOT_SET_UP))
+        self.assertEqual(LIBRARY.korvane_set_up(None), BAD_ARGUMENT)
         self.set_up()
+        self.assertEqual(LIBRARY.korvane_initialize(None), BAD_ARGUMENT)
+        self.assertEqual(LIBRARY.korvane_journey_create(7, b"card", c.byref(self.journey)), BAD_ARGUMENT)
+        self.assertEqual(LIBRARY.korvane_journey_perform(None, b"back"), BAD_ARGUMENT)
+        self.assertEqual(LIBRARY.korvane_prompt_cancel(), NO_PROMPT)
         with ThreadPoolExecutor() as elsewhere:
             self.assertEqual(elsewhere.submit(self.initialize).result(), WRONG_THREAD)
 

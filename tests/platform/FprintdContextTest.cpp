@@ -73,8 +73,8 @@ struct ReaderDriver {
         waitForReplies();
         EXPECT_THAT(replies, ElementsAre(matched));
     }
-    void waitForReplies() {
-        runUntil([&] { return !replies.empty(); });
+    void waitForReplies(std::size_t count = 1) {
+        runUntil([&] { return replies.size() == count; });
     }
 
     Devices devices;
@@ -122,11 +122,17 @@ TEST(Fprintd, ADaemonThatExitedIsStartedAgainToProbeAndToCheck) {
     driver.expectAnswer(true);
 }
 
-TEST(Fprintd, AMatchThatAnotherProgramReportsIsNone) {
+TEST(Fprintd, AMatchThatAnotherProgramReportsAnErrorAndAnUnpluggedReaderAreNone) {
     ReaderDriver driver;
-    const auto check = driver.arm();
+    auto check = driver.arm();
     driver.devices.ask("pretend_match");
     driver.expectAnswer(false);
+    for (const char* line : {"send ERROR 0", "send UNPLUG"}) {
+        check = driver.arm();
+        driver.devices.ask(line);
+        driver.waitForReplies(driver.replies.size() + 1);
+        EXPECT_FALSE(driver.replies.back());
+    }
 }
 
 TEST(Fprintd, AReaderInUseIsWaitedForAndADestroyedContextLetsGoOfIt) {
@@ -144,12 +150,16 @@ TEST(Fprintd, AReaderInUseIsWaitedForAndADestroyedContextLetsGoOfIt) {
     EXPECT_TRUE(driver.devices.is("claim"));
 }
 
-TEST(Fprintd, ACheckEndsWhenItsTimeIsUpWithADaemonThatHangs) {
+TEST(Fprintd, ACheckEndsWhenItsTimeIsUpAlsoWithADaemonThatHangs) {
     ReaderDriver driver(1s);
-    const auto check = driver.arm();
-    driver.devices.ask("stop fprintd");
+    auto check = driver.arm();
     driver.waitForReplies();
-    EXPECT_FALSE(driver.replies[0]);
+    driver.runUntil([&] { return driver.devices.is("claim"); });
+    driver.devices.ask("release");
+    check = driver.arm();
+    driver.devices.ask("stop fprintd");
+    driver.waitForReplies(2);
+    EXPECT_THAT(driver.replies, ElementsAre(false, false));
     const auto begin = std::chrono::steady_clock::now();
     driver.context.reset();
     EXPECT_THAT(std::chrono::steady_clock::now() - begin, ::testing::Lt(4s));

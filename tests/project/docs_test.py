@@ -34,6 +34,11 @@ def plain(text):
     return FENCE.sub("", text)
 
 
+def anchors(path):
+    heads = re.findall(r"^#+ (.*)$", plain(path.read_text()), re.M)
+    return {re.sub(r"[^\w\- ]", "", head.lower()).replace(" ", "-") for head in heads}
+
+
 def region(name):
     file, _, wanted = name.partition("#")
     text = (TOP / file).read_text()
@@ -80,7 +85,10 @@ class Documents(unittest.TestCase):
     @of_each_document
     def test_links_files_and_tests_that_are_named_exist(self, path, text):
         for target in re.findall(r"\]\((?!https?:|mailto:)([^)\s]+)\)", plain(text)):
-            self.assertTrue((path.parent / target.partition("#")[0]).exists(), f"{target} is not there")
+            file, _, anchor = target.partition("#")
+            other = (path.parent / file).resolve() if file else path
+            self.assertTrue(other.exists(), f"{target} is not there")
+            self.assertTrue(not anchor or anchor in anchors(other), target)
         folders = "|".join(sorted(entry.name for entry in TOP.iterdir() if entry.is_dir() and entry.name[0] != "."))
         for name in re.findall(rf"`(?!build/)((?:{folders})/[\w./*-]+)`", text):
             self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")

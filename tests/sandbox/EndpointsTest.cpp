@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
+#include <thread>
+
 #include "tests/sandbox/TestClient.h"
 
 namespace korvane::sandbox {
 namespace {
 
+using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 
 const std::string id = "card-physical-active";
@@ -95,6 +98,25 @@ TEST_F(Endpoints, UnknownTokensIvsAndCredentialsAreRefused) {
     client.ivId = "unknown";
     EXPECT_EQ(client.call("pciTokenRequest", plain).result(), "Failure: Invalid offsetId")
         << "readable under the newest IV";
+}
+
+TEST(Lives, WhatHadItsTimeIsRefused) {
+    Bench bearer({.bearerTokenLife = 2s}), iv({.ivLife = 2s}), pci({.pciTokenLife = 1s}),
+        sms({.smsTokenLife = 1s});
+    const std::string smsToken = sms.client.smsToken(id), token = pci.client.pciToken(id);
+    iv.client.signIn();
+    EXPECT_NE(bearer.client.smsToken(id), "") << "not before its time";
+    std::this_thread::sleep_for(2.1s);
+    EXPECT_EQ(bearer.client.call("pciTokenRequest", plain).status, 401);
+    EXPECT_EQ(sms.client.submit(id, smsToken, sms.client.lastCode(id)).result(), "Failure: Expired Token");
+    EXPECT_EQ(pci.client.pinSet(id, "2468", token).result(), "Failure: Expired Token");
+    // Readable under the expired IV; from the token's endpoint a client reads results of failed requests
+    // alone.
+    for (const auto& [answer, status] :
+         {std::pair{iv.client.call("pciTokenRequest", plain), 200}, {iv.client.signIn(), 400}}) {
+        EXPECT_EQ(answer.status, status);
+        EXPECT_EQ(answer.result(), "Failure: IV is expired");
+    }
 }
 
 TEST(WireFormat, GetsAReasonWhereItIsBroken) {

@@ -11,6 +11,7 @@
 namespace korvane {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -60,6 +61,21 @@ TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
         HasSubstr("|theEncAccToken: " + encipher("bearer-1") +
                   "|decAccessToken: bearer-1|Setting SdkConfig.sharedInstance.currentBearerToken to bearer-1|"
                   "Success! Got new bearer token... now re-calling pinSet...|inside doRequest"));
+}
+
+TEST_F(Api, MethodsPrintTheirOwnLines) {
+    willAnswer({answer(401, {}), answer(500, {})});
+    API{}.pciTokenRequest("iv-0", "C", keep<RestPciTokenRequest>());
+    settle();
+    const std::string own = "pciTokenRequest -  now inside the reAuthClosure...";
+    EXPECT_THAT(printed(), AllOf(HasSubstr("pciTokenRequest request dictionary: "
+                                           R"({"offsetId":"iv-0","encryptedCardId":"C"}|)"),
+                                 HasSubstr("|" + own + " calling refreshBearerToken...|"),
+                                 EndsWith("|pciTokenRequest - refreshBearerToken failed")));
+    API{}.getCardStatus("iv-0", "C", "T", keep<RestGetCardStatus>());
+    EXPECT_EQ(printed(),
+              "Inside getCardStatus api level...|Current bearer token: bearer-0|"
+              "Current PCI token: pci-token|inside doRequest<T: ...>");
 }
 
 TEST_F(Api, AFailedRenewalIsTheFailureOfTheCall) {

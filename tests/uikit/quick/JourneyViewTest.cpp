@@ -104,10 +104,17 @@ TEST_F(PasscodeItemTest, TakesDigitsOneByOneAndWholeCodesPastedOrCommitted) {
     const auto hints = Qt::InputMethodHints(boxes()->inputMethodQuery(Qt::ImHints).toInt());
     EXPECT_TRUE(hints.testFlags(Qt::ImhDigitsOnly | Qt::ImhSensitiveData | Qt::ImhHiddenText |
                                 Qt::ImhNoPredictiveText));
-    QKeyEvent shortcut(QEvent::ShortcutOverride, Qt::Key_8, {}, "8");
-    shortcut.ignore();
-    QCoreApplication::sendEvent(boxes(), &shortcut);
-    EXPECT_TRUE(shortcut.isAccepted()) << "a shortcut of the host's on a digit would eat it";
+}
+
+TEST_F(PasscodeItemTest, CommandsAndHostShortcutsStayApartFromDigits) {
+    key(Qt::Key_8, "8", Qt::AltModifier);
+    EXPECT_EQ(filled(), 0);
+    for (const auto& [modifier, taken] : {std::pair{Qt::NoModifier, true}, {Qt::ControlModifier, false}}) {
+        QKeyEvent shortcut(QEvent::ShortcutOverride, Qt::Key_8, modifier, "8");
+        shortcut.ignore();
+        QCoreApplication::sendEvent(boxes(), &shortcut);
+        EXPECT_EQ(shortcut.isAccepted(), taken) << "a shortcut on a digit would eat it";
+    }
 }
 
 TEST_F(PasscodeItemTest, NoDigitCanBeRead) {

@@ -89,6 +89,10 @@ TEST_F(BiometricSheet, TellsWhetherItIsInSightAndGivesTheKeysBack) {
         return becomes([&] { return !seen.empty() && seen.back() == expected; });
     };
     EXPECT_TRUE(isInSight(true));
+    window.showMinimized();
+    EXPECT_TRUE(isInSight(false));
+    window.showNormal();
+    EXPECT_TRUE(isInSight(true));
     question.show();
     EXPECT_TRUE(isInSight(false));
     EXPECT_EQ(text("biometricMessage"), "Select this window to use the fingerprint reader.");
