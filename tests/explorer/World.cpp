@@ -53,6 +53,18 @@ std::string dueTo(const UrlRequest& request, const SdkConfig& config) {
     return needsToken && config.currentPciToken.empty() ? tokenRefused : "";
 }
 
+/// It is asked for on the way to a call of the component's.
+bool isOnTheWay(std::string_view waiting) {
+    return waiting == "iv" || waiting == "getBearerToken";
+}
+
+bool runs(const ScreenSnapshot& screen) {
+    return std::ranges::any_of(screen.state, [](const StateField& field) {
+        return (field.name == "resendSeconds" && field.value != StateValue{0}) ||
+               (field.name == "detailsRevealed" && field.value == StateValue{true});
+    });
+}
+
 }  // namespace
 
 std::string foundIn(std::string_view text, std::span<const std::string_view> these) {
@@ -123,12 +135,22 @@ void World::gather(const std::string& origin) {
         if (each.owner == 0) {
             each.owner = owner;
             each.origin = origin;
+            each.cause = cause_;
+            // What runs again by itself says so.
+            const auto isRerun = [](const std::string& line) {
+                return line.find("recalling") != line.npos || line.find("re-calling") != line.npos;
+            };
+            if (each.name == "pciTokenRequest" && each.name == cause_ &&
+                std::ranges::none_of(device.console->lines(), isRerun))
+                each.cause += " again";
             if (each.request) each.due = dueTo(session.requests()[*each.request], config);
         }
         // A request that is made again is like the first one; only that for a code is made twice at most.
-        const bool counts = !each.request || each.name == "pciTokenRequest";
+        const bool isSecond = each.cause.ends_with("again");
+        const std::string why = !each.request ? "<" + each.origin : "";
         const auto place = std::ranges::find(onScreen_, each.owner) - onScreen_.begin();
-        each.tag = "~" + each.name + each.due + (counts ? "<" + each.origin : "") + "@" +
+        each.tag = "~" + each.name + each.due + why +
+                   (isSecond || isOnTheWay(each.name) ? "=" + each.cause : "") + "@" +
                    (place == std::ssize(onScreen_) ? "gone" : std::to_string(place));
     }
     std::ranges::stable_sort(waiting_, {}, &Waiting::tag);
@@ -139,6 +161,7 @@ void World::apply(const Step& step) {
     closedWith.clear();
     device.console->clear();
     asker_ = 0;
+    cause_.clear();
     const ScreenSnapshot before = screen();
     std::string origin = "person";
     auto outcome = Journey::Outcome::done;
@@ -162,6 +185,9 @@ void World::apply(const Step& step) {
             return;
         }
         asker_ = waiting_[step.waiting].owner;
+        // A code is asked for twice at most, whatever is asked for on the way.
+        cause_ = waiting_[step.waiting].cause;
+        if (!isOnTheWay(step.text) && !cause_.starts_with(step.text)) cause_ = step.text;
         // An IV that is asked for again is asked for by the same one.
         origin = step.text == "iv" ? waiting_[step.waiting].origin : step.text + " " + step.answer->name;
         give(step);
@@ -169,11 +195,15 @@ void World::apply(const Step& step) {
     }
     if (outcome != Journey::Outcome::done) trouble = "refused, though it is enabled: " + step.text;
     gather(origin);
+    device.secureItemStore->failNext({});  // what was not read fails no later
 
     const ScreenSnapshot now = screen();
     covered_.resize(std::min<std::size_t>(covered_.size(), now.depth));
-    // Of what is covered, digits and the card count; what it waits for is told by what is under way.
-    if (now.depth > before.depth) covered_.push_back(before.card ? screenKey(before) : typedIn(before));
+    // Of what is covered, digits, the card and a count-down matter; what it waits for is under way.
+    if (step.does == Does::wait)
+        for (std::string& each : covered_) std::erase(each, '~');
+    if (now.depth > before.depth)
+        covered_.push_back((before.card ? screenKey(before) : typedIn(before)) + (runs(before) ? "~" : ""));
 }
 
 void World::give(const Step& step) {
@@ -212,12 +242,8 @@ std::vector<Step> World::possible() const {
             if (now.passcode->filled > 0 && scope_.restless) steps.push_back({Does::erase, ""});
         }
     }
-    const bool runs = std::ranges::any_of(now.state, [](const StateField& field) {
-        return (field.name == "resendSeconds" && field.value != StateValue{0}) ||
-               (field.name == "detailsRevealed" && field.value == StateValue{true});
-    });
     // Each wait is longer than all that was pending, so nothing is left of what went by before.
-    if (runs || !device.pasteboard->text().empty()) steps.push_back({Does::wait, "61"});
+    if (runs(now) || !device.pasteboard->text().empty()) steps.push_back({Does::wait, "61"});
     if (config.pciTimer.isArmed()) steps.push_back({Does::wait, "86401"});
     for (std::size_t i = 0; i < waiting_.size(); ++i) {
         if (waiting_[i].name == "nobody") continue;

@@ -111,6 +111,7 @@ class World : public ScriptedService {
         std::optional<std::size_t> request = {};
         IvReply reply = {};
         std::string origin = {};  ///< the answer that led to it: what the one who asks will do next
+        std::string cause = {};   ///< of an IV or a bearer token: the call that wants it again
         std::string due = {};     ///< the answer that any service gives; "": a success
         std::uint64_t owner = 0;  ///< the screen that asked; it may be gone
         std::string tag = {};     ///< all of that
@@ -125,6 +126,7 @@ class World : public ScriptedService {
     std::unique_ptr<Journey> journey_;
     std::vector<Waiting> waiting_;
     std::uint64_t asker_ = 0;                 // owner of what was just answered
+    std::string cause_;                       // the call that was just answered, or why
     std::vector<std::uint64_t> onScreen_{0};  // instances, from the root
     std::size_t requestsSeen_ = 0, checksSeen_ = 0;
     std::map<std::string, std::string> typed_;  // by the boxes' id

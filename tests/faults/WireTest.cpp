@@ -75,6 +75,8 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
     };
     expect("refused", {.kind = Kind::refuse}, tryAgain, "no response: Failed to connect");
     expect("stalled", {.kind = Kind::stall}, tryAgain, "no response: Operation timed out");
+    expect("stalled midway", {.kind = Kind::stall, .bytes = 120}, tryAgain,
+           "no response: Operation timed out");
     expect("dripped", {.kind = Kind::drip, .bytes = 5, .pause = 3ms}, done, "200");
     expect("too slow", {.kind = Kind::drip, .bytes = 1, .pause = 20ms}, tryAgain,
            "no response: Operation timed out");
@@ -93,18 +95,30 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
     for (const Row& row : {
              Row{"length short", length(9), good, json + "Missing a closing quotation mark"},
              Row{"length long", length(99), good, no + "transfer closed with 53 bytes remaining"},
+             Row{"length below 0", length(-1), good, no + "Invalid Content-Length"},
+             Row{"chunk of no size", chunked, "XY\r\n" + good,
+                 no + "Illegal or missing hexadecimal sequence"},
              Row{"chunk short", chunked, "99\r\n" + good, no + "transfer closed"},
              Row{"chunk long", chunked, "5\r\n" + good, no + "Malformed encoding"},
+             Row{"no last chunk", chunked, "1\r\n{\r\n", no + "transfer closed"},
              Row{"no HTTP", "SSH-2.0-OpenSSH_9.2\r\n", "", no + "Received HTTP/0.9"},
              Row{"long head", ok + "X: ", std::string(400 << 10, 'x'), no},
              Row{"33 MiB announced", length(33 << 20), "", no + "the answer is longer than 32 MiB"},
              Row{"33 MiB", ok + end, std::string(33 << 20, ' '), no + "the answer is longer than 32 MiB"},
              Row{"4 MiB", ok + end, std::string(4 << 20, ' ') + good, "200"},
              Row{"deep", ok + end, "{\"a\":" + deep, json + "Invalid value. (at byte 10007)"},
+             Row{"deep, closed", ok + end, "{\"a\":" + deep + std::string(10'000, ']') + ',' + good.substr(1),
+                 "200"},
              Row{"equal keys", ok + end, key + "x\"," + good.substr(1), "200"},
+             Row{"equal keys, last bad", ok + end,
+                 good.substr(0, good.size() - 1) + ',' + key.substr(1) + "x\"}", "errmsg = "},
              Row{"NUL in a text", ok + end, key + word + '\0' + "\"}", json + "a NUL"},
+             Row{"escaped NUL", ok + end, key + word + "\\u0000\"}", "errmsg = "},
              Row{"no UTF-8", ok + end, "{\"\xC3(\":\"\"," + good.substr(1), json + "the text is not UTF-8"},
+             Row{"half a pair", ok + end, "{\"a\":\"\\ud800\"," + good.substr(1),
+                 json + "The surrogate pair"},
              Row{"redirect 302", "HTTP/1.1 302 Found" + moved, std::to_string(other.port()) + end, "302"},
+             Row{"redirect 307", "HTTP/1.1 307 Temporary" + moved, std::to_string(other.port()) + end, "307"},
          }) {
         expect(row.name, {.kind = Kind::reply, .text = row.head + row.body},
                row.told == "200" ? done : tryAgain, row.told);
@@ -130,6 +144,8 @@ TEST(Faults, AServiceThatIsNotWhoItShouldBeGetsNothing) {
     for (const Row& row :
          {Row{"127.0.0.1", old, old, "certificate has expired"},
           Row{"127.0.0.2", made->certificate, made->caCertificate, "no alternative certificate subject"},
+          // Signed by itself and by another authority.
+          Row{"127.0.0.1", old, made->caCertificate, "unable to get local issuer certificate"},
           Row{"127.0.0.1", made->certificate, other->caCertificate, "unable to get local issuer certificate"},
           Row{"127.0.0.1", made->certificate, made->caCertificate, ""}}) {
         SCOPED_TRACE(row.told);
@@ -166,6 +182,7 @@ TEST(Faults, Http2ThatEndsTheStreamOrTheConnectionLeadsToAPageAndNothingIsSentAg
              Row{"GOAWAY, and no answer", frame(7, 0, 0, word(1) + word(11)), "Operation timed out"},
              Row{"GOAWAY midway", ok + frame(7, 0, 0, word(0) + word(2)), "Error in the HTTP2 framing layer"},
              Row{"RST_STREAM", frame(3, 0, 1, word(2)), "INTERNAL_ERROR"},
+             Row{"RST_STREAM midway", ok + frame(3, 0, 1, word(2)), "INTERNAL_ERROR"},
              Row{"RST_STREAM, refused", frame(3, 0, 1, word(7)), "no response: "},
              Row{"too large", "\xFF\xFF\xFF" + frame(0, 0, 1, ""), "no response: "},
              Row{"half a frame", frame(3, 0, 1, "").substr(0, 5), "not closed cleanly"},
