@@ -128,6 +128,9 @@ TEST_F(BiometricSheet, ComesOverTheJourneyElseOverTheAppsWindow) {
     other.reset();
     settle();
     sheet.reset();
+    seen.clear();
+    settle();
+    EXPECT_TRUE(seen.empty());
 }
 
 TEST_F(BiometricSheet, HasAWindowOfItsOwnWhereTheAppShowsNoneAndClosingThatDeclines) {
