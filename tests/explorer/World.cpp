@@ -58,6 +58,7 @@ bool isOnTheWay(std::string_view waiting) {
     return waiting == "iv" || waiting == "getBearerToken";
 }
 
+/// Time changes it by itself.
 bool runs(const ScreenSnapshot& screen) {
     return std::ranges::any_of(screen.state, [](const StateField& field) {
         return (field.name == "resendSeconds" && field.value != StateValue{0}) ||
