@@ -161,10 +161,11 @@ Journey::Outcome Stage::act(const std::string& verb, const std::string& whole) {
     } else if (verb == "biometrics") {
         device.biometricContext->setAvailable(whole != "readerless");
         setUp(true);
+    } else if (verb == "held" && whole == "iv") {
+        config.ivIdStr = "iv-0";
+        config.ivByteArray = iv;
     } else if (verb == "held") {
-        if (whole == "bearer") config.currentBearerToken = "bearer-0";
-        if (whole == "pci") config.currentPciToken = "pci-0";
-        if (whole == "iv") config.ivIdStr = "iv-0", config.ivByteArray = iv;
+        (whole == "bearer" ? config.currentBearerToken : config.currentPciToken) = whole + "-0";
     } else {
         throw std::runtime_error("no such step: " + verb);
     }

@@ -78,7 +78,7 @@ TEST(Transcripts, OneJourneyAtATimeDoesAsRecorded) {
         EXPECT_TRUE(differs.empty()) << differs;
         if (rewrite) write(entry.path(), is);
     }
-    EXPECT_GE(journeys, 80) << "recorded journeys are missing";
+    EXPECT_GE(journeys, 90) << "recorded journeys are missing";
     if (rewrite) GTEST_SKIP() << "recorded anew";
 }
 
