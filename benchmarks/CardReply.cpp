@@ -52,7 +52,6 @@ const FakePorts& prepareComponent() {
         config.ivIdStr = "3f6e0a52-9d1c-4a4e-8a55-7c1b2f0d9e44";
         config.trackingUUID = "b1a7c0de-1111-4222-8333-444455556666";
         config.brandId = "bank";
-        config.cardId = "card-physical-active";
         config.currentPciToken = "pci-token";
         config.apiUrl = "https://cards.example";
         return true;

@@ -19,6 +19,9 @@ const Bytes& iv();
 /// the shared state. The same ports at each call.
 const FakePorts& prepareComponent();
 
+/// The card that operations are for.
+inline constexpr const char* cardId = "card-physical-active";
+
 /// A card picture's way over the wire, and what stands at each step of it.
 struct CardReply {
     explicit CardReply(std::size_t imageSize);

@@ -12,7 +12,7 @@
 #include "benchmarks/PeakMemory.h"
 #include "flows/CardDetails.h"
 #include "operations/Operations.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 #include "transport/FieldCipher.h"
 #include "transport/Json.h"
 
@@ -31,10 +31,10 @@ bool same(const CardPicture& picture, const Bytes& wanted) {
 CardPicture pictureOf(const std::string& json) {
     auto record = decodeRecord<RestGetCardImage>(json);
     std::string& text = *std::get<RestGetCardImage>(record).encryptedCardImage;
-    SdkConfig& config = SdkConfig::sharedInstance();
-    decryptFieldInPlace(config.ivByteArray, text);
-    config.decCardImage = std::move(text);
-    return cardPicture();
+    JourneyState state(SdkConfig::sharedInstance(), cardId);
+    decryptFieldInPlace(state.sdk.ivByteArray, text);
+    state.decCardImage = std::move(text);
+    return cardPicture(state);
 }
 
 /// The whole operation, from the reply that the network hands over to the picture that the viewer holds.
@@ -44,10 +44,11 @@ std::size_t peakOfOperation(const CardReply& reply) {
     device.urlSession->answerWith([&reply](const UrlRequest&) { return UrlReply{200, reply.json, ""}; });
     return peakMemory([&] {
         CardPicture picture;
-        doCardImage([&picture](const KorvaneRetStruct&) { picture = cardPicture(); });
+        const auto state = std::make_shared<JourneyState>(SdkConfig::sharedInstance(), cardId);
+        const Handle call =
+            doCardImage(state, [&](const KorvaneRetStruct&) { picture = cardPicture(*state); });
         device.mainQueue->runAll();
         if (!same(picture, reply.image)) std::abort();
-        wipeCardDetails();
     });
 }
 

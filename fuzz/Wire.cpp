@@ -8,7 +8,9 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 #include "flows/CardDetails.h"
+#include "flows/JourneyProbe.h"
 #include "fuzz/Input.h"
+#include "sdk/JourneyState.h"
 #include "tests/support/ScriptedService.h"
 #include "transport/AesCbc.h"
 #include "transport/FieldCipher.h"
@@ -149,8 +151,9 @@ void disclosures(Input& input) {
     Json texts = list.is_null() ? Json{} : Json::array();
     for (const Json& item : list) texts.push_back(byOtherLibrary<DecryptedCardDisclosureItem>(item.dump()));
     check(written.value("CardDisclosures", Json{}) == texts, "all are read, and come back as they were");
-    service.config.decodedDisclosuresStruct = read;
-    const std::string shown = cardDisclosure();
+    JourneyState state(service.config, "card-1");
+    state.decodedDisclosuresStruct = read;
+    const std::string shown = cardDisclosure(state);
     const auto isShown = [&](const Json& item) { return item.value("CardDisclosure", "") == shown; };
     check(list.empty() ? shown.empty() : std::ranges::any_of(texts, isShown), "one of them is shown");
 }
@@ -171,7 +174,7 @@ void imageText(Input& input) {
     if (!screen.card->image) return;
     const auto* const bytes = reinterpret_cast<const std::uint8_t*>(screen.card->image->data());
     const std::string shown = byOpenSsl({bytes, bytes + screen.card->image->size()});
-    check(shown == service.config.decCardImage, "the picture is what was sent");
+    check(shown == JourneyProbe::state(journey)->decCardImage, "the picture is what was sent");
 }
 
 }  // namespace korvane::fuzz

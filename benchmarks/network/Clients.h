@@ -24,7 +24,9 @@ class Client {
 /// The component as a client: any of its operations, too.
 class OwnClient : public Client {
   public:
-    using Start = std::function<Operation(OperationCompletion)>;
+    using Start = std::function<Handle(StatePtr, OperationCompletion)>;
+    /// Of the card that the operations are for.
+    virtual StatePtr state() = 0;
     /// One whole operation, waited for; a failure ends the process.
     virtual void run(const Start& start) = 0;
 };

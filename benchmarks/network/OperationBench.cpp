@@ -73,9 +73,9 @@ void measure(const std::string& name, Service& service, int rounds, int calls) {
     service.enter(*own);
     for (int i = 0; i < 2; ++i) own->setPin();  // the first one gets the bearer token
     session->notes = false;
-    const Call call{session->last,  service.caFile(),
-                    config.ivIdStr, {config.ivByteArray.begin(), config.ivByteArray.end()},
-                    config.cardId,  config.currentPciToken};
+    const Call call{session->last,        service.caFile(),
+                    config.ivIdStr,       {config.ivByteArray.begin(), config.ivByteArray.end()},
+                    own->state()->cardId, config.currentPciToken};
     std::array<Contender, 4> contenders{{
         {"ours", std::move(own)},
         {"ours_qt", onQt(session)},

@@ -30,17 +30,25 @@ class InLoop : public OwnClient {
     void prepare() override { require(installPorts(device_), "a port is missing"); }
 
     void setPin() override {
-        run([](OperationCompletion completion) { return doPinSet("7391", std::move(completion)); });
+        run([](StatePtr state, OperationCompletion completion) {
+            return doPinSet(std::move(state), "7391", std::move(completion));
+        });
     }
 
     void run(const Start& start) override {
         done_ = false;
-        start([this](const KorvaneRetStruct& result) {
+        const Handle call = start(state(), [this](const KorvaneRetStruct& result) {
             require(!result.error, "an operation failed: " + result.errorMsg);
             done_ = true;
             stop();
         });
         wait();
+    }
+
+    StatePtr state() override {
+        if (!state_)
+            state_ = std::make_shared<JourneyState>(SdkConfig::sharedInstance(), "card-physical-active");
+        return state_;
     }
 
   protected:
@@ -51,6 +59,7 @@ class InLoop : public OwnClient {
     virtual void stop() {}
 
     Ports device_;
+    StatePtr state_;
     bool done_ = false;
 };
 

@@ -14,12 +14,13 @@
 #include "benchmarks/support/DelayingProxy.h"
 #include "benchmarks/support/Fatal.h"
 #include "benchmarks/support/Samples.h"
+#include "flows/JourneyProbe.h"
 #include "operations/Operations.h"
 #include "platform/linux/CurlUrlSession.h"
 #include "platform/linux/GLibMainQueue.h"
 #include "platform/linux/GLibTimers.h"
 #include "platform/linux/StdoutConsole.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane::bench {
 namespace {
@@ -56,8 +57,9 @@ void measure(int round) {
         journey.appear();
     });
     require(journey.screen().view == "EnterCardPINView", "the journey came to " + journey.screen().view);
-    const double later = timed([](bool& done) {
-        doPinSet("7391", [&done](const KorvaneRetStruct& result) {
+    Handle call;
+    const double later = timed([&](bool& done) {
+        call = doPinSet(JourneyProbe::state(journey), "7391", [&done](const KorvaneRetStruct& result) {
             require(!result.error, "setting the PIN failed: " + result.errorMsg);
             done = true;
         });

@@ -18,8 +18,6 @@
 namespace korvane::bench {
 namespace {
 
-constexpr const char* card = "card-physical-active";
-
 class Ready final : public Service {
   public:
     explicit Ready(bool tls) : service_(tls) {}
@@ -28,9 +26,7 @@ class Ready final : public Service {
     std::string caFile() const override { return service_.server().caFile(); }
     void enter(OwnClient&) override {
         CannedService::initialize(url());
-        SdkConfig& config = SdkConfig::sharedInstance();
-        config.cardId = card;
-        config.currentPciToken = "pci-token";
+        SdkConfig::sharedInstance().currentPciToken = "pci-token";
     }
 
   private:
@@ -63,11 +59,8 @@ class Development final : public Service {
     void enter(OwnClient& own) override {
         require(initialize(service_.keyBase64(), url(), hostIvCallback(service_.ivUrl()), false, {}, {}),
                 "the component takes no key");
-        SdkConfig& config = SdkConfig::sharedInstance();
-        config.cardId = card;
-        config.useBiometric = "false";
         own.run(doPciTokenRequest);
-        config.twoFactorCode = service_.lastSmsCode(card);
+        own.state()->twoFactorCode = service_.lastSmsCode(own.state()->cardId);
         own.run(doPciTokenSubmission);
     }
 

@@ -3,6 +3,7 @@
 
 #include <korvane/Export.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -18,11 +19,16 @@ inline constexpr std::string_view NotificationCloseUI = "NotificationCloseUI";
 /// or "FAILURE".
 using NotificationUserInfo = std::map<std::string, std::string>;
 
+/// Names a journey: each has another, for as long as the process runs. 0 names none.
+using JourneyId = std::uint64_t;
+
 /// Where the component posts and the host observes. Main thread only.
 class KORVANE_API NotificationCenter {
   public:
     /// Called at each post, with what it carries. It may end the journey that posts.
     using Observer = std::function<void(const NotificationUserInfo&)>;
+    /// The same, and which journey posted (`Journey::id`, `ViewController::journeyId`); 0 when none did.
+    using JourneyObserver = std::function<void(const NotificationUserInfo&, JourneyId)>;
     class KORVANE_HIDDEN Observation;
 
     /// The one that the component posts to. It lives as long as the process.
@@ -31,9 +37,13 @@ class KORVANE_API NotificationCenter {
     /// Calls `observer` at each post of `name`, on the main thread, until the returned handle is released.
     /// Observers may add and release observations, their own included, while they are called.
     [[nodiscard]] std::shared_ptr<Observation> observe(std::string_view name, Observer observer);
+    /// The same for an observer that is also gets the journey that posted.
+    [[nodiscard]] std::shared_ptr<Observation> observe(std::string_view name, JourneyObserver observer);
 
     /// Calls the observers that are there now, in the order in which they came.
     void post(std::string_view name, const NotificationUserInfo& userInfo);
+    /// The same, for the journey that posts.
+    void post(std::string_view name, const NotificationUserInfo& userInfo, JourneyId journey);
 
   private:
     std::multimap<std::string, std::weak_ptr<Observation>, std::less<>> observations_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/CloseNotification.h>
 #include <korvane/Export.h>
 #include <korvane/Initialize.h>
 #include <korvane/platform/ImageDecoder.h>
@@ -131,12 +132,15 @@ enum class JourneyKind {
 /// One of the component's journeys for one card, without a window: what is shown is read with `screen`, what
 /// a person does is told with `perform` and the passcode calls. Every toolkit, console and test drives this.
 ///
-/// Main thread only. It may be destroyed at any time, from inside its own callbacks too; calls under way then
-/// end unheard. It ends by posting `NotificationCloseUI`, and the host answers by destroying it.
+/// Any number of journeys may live at once; each works for its own card, and no data of one reaches another.
+///
+/// Main thread only. It may be destroyed at any time, from inside its own callbacks too. Whatever it started
+/// ends then: nothing is called, repeated or stored any more. A PIN, an activation or a freeze that was
+/// already sent may still be carried out by the service. It ends by posting `NotificationCloseUI`, and the
+/// host answers by destroying it.
 class KORVANE_API Journey {
   public:
-    /// Making one stores the card id in the shared state, even if the journey is never shown. The id is not
-    /// checked here: the service refuses one that it does not know. Needs installed ports.
+    /// The id is not checked here: the service refuses one that it does not know. Needs installed ports.
     Journey(JourneyKind kind, std::string cardId);
     ~Journey();
     Journey(const Journey&) = delete;
@@ -173,11 +177,20 @@ class KORVANE_API Journey {
     /// window loses the focus or is minimised.
     void hideSensitive();
 
+    /// Names this journey in the notifications that it posts (`NotificationCenter::JourneyObserver`).
+    JourneyId id() const;
+
+    /// The journey's window was closed from outside: posts `NotificationCloseUI` with the result that the
+    /// journey has on the present screen ("SUCCESS" on a success page and in a card viewer in which something
+    /// was done, "FAILURE" on an error page, else "CANCELED"). Nothing when a result was posted before.
+    void close();
+
     /// Calls `changed` on the main queue once after any number of changes to the screen; one observer at a
     /// time; an empty function removes it.
     void onChange(std::function<void()> changed);
 
   private:
+    friend class JourneyProbe;
     class KORVANE_HIDDEN Impl;
     std::shared_ptr<Impl> impl_;
 };

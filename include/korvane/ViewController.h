@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/CloseNotification.h>
 #include <korvane/Export.h>
 
 #include <memory>
@@ -9,8 +10,9 @@
 namespace korvane {
 
 /// A journey in a window of its own, for hosts that have no QML. Main thread only; destroying it closes the
-/// window and ends the journey. A person who closes the window gives up: `NotificationCloseUI` is posted with
-/// "CANCELED".
+/// window and ends the journey. When a person closes the window, `NotificationCloseUI` is posted with the
+/// result that the journey has on the present screen (`Journey::close`), unless a result was posted before.
+/// Screens without a way out of the journey have a close control in this window, which does the same.
 class ViewController {
   public:
     virtual ~ViewController() = default;
@@ -19,6 +21,9 @@ class ViewController {
     virtual void show(int width = 390, int height = 844) = 0;
     /// Hides the window; the journey stays where it is.
     virtual void hide() = 0;
+
+    /// Names the journey in the notifications that it posts (`NotificationCenter::JourneyObserver`).
+    virtual JourneyId journeyId() const = 0;
 };
 
 // The factories need Korvane::Quick, a running QGuiApplication and installed ports.

@@ -114,8 +114,8 @@ KORVANE_API korvane_status korvane_prompt_visible(int visible);
 /** The person declines the biometric check. */
 KORVANE_API korvane_status korvane_prompt_cancel(void);
 
-/** Calls back at each NotificationCloseUI with "SUCCESS", "CANCELED" or "FAILURE"; one observer at a time,
- * NULL for none. The host answers by destroying the journey. */
+/** Calls back at each NotificationCloseUI of any journey with "SUCCESS", "CANCELED" or "FAILURE"; one
+ * observer at a time, NULL for none. The host answers by destroying the journey. */
 KORVANE_API korvane_status korvane_on_close(void (*closed)(void* context, const char* result), void* context);
 
 /** Which journey. */
@@ -140,6 +140,12 @@ KORVANE_API korvane_status korvane_journey_appear(korvane_journey* journey);
 /** Calls back once after any number of changes to the screen; one observer at a time, NULL for none. */
 KORVANE_API korvane_status korvane_journey_on_change(korvane_journey* journey, void (*changed)(void* context),
                                                      void* context);
+
+/** Calls back at each NotificationCloseUI of this journey with "SUCCESS", "CANCELED" or "FAILURE"; one
+ * observer at a time, NULL for none. The host answers by destroying the journey. */
+KORVANE_API korvane_status korvane_journey_on_close(korvane_journey* journey,
+                                                    void (*closed)(void* context, const char* result),
+                                                    void* context);
 
 /** What is on screen, as one JSON object: "view", "instance" (another number when another screen is shown),
  * "depth", "stack", "state", "controls" (id, kind, enabled, and on of a toggle), "spinner", and where the

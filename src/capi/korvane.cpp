@@ -25,6 +25,7 @@ struct korvane_iv_request {
 
 struct korvane_journey {
     korvane::Journey journey;
+    std::shared_ptr<korvane::NotificationCenter::Observation> closing = {};
 };
 
 namespace {
@@ -239,6 +240,22 @@ korvane_status korvane_journey_on_change(korvane_journey* journey, void (*change
         } else {
             journey->journey.onChange(nullptr);
         }
+        return KORVANE_OK;
+    });
+}
+
+korvane_status korvane_journey_on_close(korvane_journey* journey,
+                                        void (*closed)(void* context, const char* result), void* context) {
+    return guarded([&] {
+        if (!journey) return KORVANE_BAD_ARGUMENT;
+        journey->closing.reset();
+        if (!closed) return KORVANE_OK;
+        journey->closing = korvane::NotificationCenter::defaultCenter().observe(
+            korvane::NotificationCloseUI,
+            [closed, context, id = journey->journey.id()](const korvane::NotificationUserInfo& userInfo,
+                                                          korvane::JourneyId poster) {
+                if (poster == id) closed(context, userInfo.at("result").c_str());
+            });
         return KORVANE_OK;
     });
 }

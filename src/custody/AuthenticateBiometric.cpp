@@ -68,8 +68,8 @@ constexpr Item timeout{
     .now = "SdkConfig.sharedInstance.decBiometricsAuthenticationTimer is now = ",
 };
 
-bool save(const Item& item) {
-    const std::string& value = SdkConfig::sharedInstance().*item.field;
+bool save(const SdkConfig& config, const Item& item) {
+    const std::string& value = config.*item.field;
     if (!isUtf8(value)) {
         log(inClear(item.notUtf8));
         return false;
@@ -88,7 +88,7 @@ bool save(const Item& item) {
     return true;
 }
 
-bool load(const Item& item) {
+bool load(SdkConfig& config, const Item& item) {
     std::optional<std::string> value;
     try {
         value = KeychainCommunicator::get(item.account);
@@ -107,7 +107,7 @@ bool load(const Item& item) {
     // The value is printed in clear (deliberate).
     log({inClear(item.found), *value});
     log(inClear(item.setting));
-    std::string& field = SdkConfig::sharedInstance().*item.field;
+    std::string& field = config.*item.field;
     field = std::move(*value);
     log({inClear(item.now), field});
     return true;
@@ -163,27 +163,27 @@ std::shared_ptr<BiometricEvaluation> evaluate(std::function<void(bool)> done) {
 
 }  // namespace
 
-void AuthenticateBiometric::prepareToSave(std::function<void()> ready) {
-    if (!SdkConfig::sharedInstance().useBiometrics) return ready();
+void AuthenticateBiometric::prepareToSave(SdkConfig& config, std::function<void()> ready) {
+    if (!config.useBiometrics) return ready();
     ports().secureItemStore->prepare(
         [queue = ports().mainQueue, ready = std::move(ready)] { queue->post(ready); });
 }
 
-bool AuthenticateBiometric::savePciTokenAndTimeoutToKeychain() {
-    if (SdkConfig::sharedInstance().currentPciToken.empty()) {
+bool AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(SdkConfig& config) {
+    if (config.currentPciToken.empty()) {
         log("savePciTokenToKeychain - currentPciToken is blank. Returning...");
         return false;
     }
-    const bool tokenSaved = save(token);
-    return save(timeout) && tokenSaved;
+    const bool tokenSaved = save(config, token);
+    return save(config, timeout) && tokenSaved;
 }
 
-bool AuthenticateBiometric::loadPciToken() {
-    return load(token);
+bool AuthenticateBiometric::loadPciToken(SdkConfig& config) {
+    return load(config, token);
 }
 
-bool AuthenticateBiometric::loadBiometricsTimeout() {
-    return load(timeout);
+bool AuthenticateBiometric::loadBiometricsTimeout(SdkConfig& config) {
+    return load(config, timeout);
 }
 
 bool AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain() {
@@ -191,14 +191,13 @@ bool AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain() {
     return erase(timeout) && tokenDeleted;
 }
 
-void AuthenticateBiometric::reloadAtInitialize() {
-    initializeCheck() = evaluate([](bool success) {
+void AuthenticateBiometric::reloadAtInitialize(SdkConfig& config) {
+    initializeCheck() = evaluate([&config](bool success) {
         if (!success) {
             log("evaluate policy 'success' is false");
             return;
         }
-        if (!loadPciToken() || !loadBiometricsTimeout()) return;
-        SdkConfig& config = SdkConfig::sharedInstance();
+        if (!loadPciToken(config) || !loadBiometricsTimeout(config)) return;
         config.timerPciExpired = true;
         if (config.currentPciToken.empty()) {
             config.timerPciExpired = false;
@@ -208,19 +207,20 @@ void AuthenticateBiometric::reloadAtInitialize() {
     });
 }
 
-std::shared_ptr<BiometricEvaluation> AuthenticateBiometric::runGate(std::function<void(Outcome)> done) {
-    return evaluate([done = std::move(done)](bool success) {
+std::shared_ptr<BiometricEvaluation> AuthenticateBiometric::runGate(SdkConfig& config,
+                                                                    std::function<void(Outcome)> done) {
+    return evaluate([&config, done = std::move(done)](bool success) {
         if (!success) {
             log("evaluate policy 'success' is false");
             done(Outcome::notAuthenticated);
             return;
         }
-        if (!loadPciToken() || !loadBiometricsTimeout()) {
+        if (!loadPciToken(config) || !loadBiometricsTimeout(config)) {
             log("read pci token or bio timeout from keychain failed.");
             done(Outcome::noStoredToken);
             return;
         }
-        SdkConfig::sharedInstance().pciTimer.start();
+        config.pciTimer.start();
         done(Outcome::authenticated);
     });
 }

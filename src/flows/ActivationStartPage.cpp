@@ -7,13 +7,13 @@
 #include "flows/ViewHost.h"
 #include "flows/ViewNames.h"
 #include "flows/ViewTables.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 
 /// A physical card proves possession by what is printed on it; the others go straight to the PIN.
-std::string_view firstActivationInput() {
-    const eKorvaneCardType type = SdkConfig::sharedInstance().currentCardType;
+std::string_view firstActivationInput(const JourneyState& state) {
+    const eKorvaneCardType type = state.currentCardType;
     const bool nothingPrinted = type == eKorvaneCardType::virtual_ || type == eKorvaneCardType::wearable;
     return nothingPrinted ? view::EnterCardPINView : view::EnterCardLastFourView;
 }
@@ -24,13 +24,13 @@ ActivationStartPage::ActivationStartPage(std::shared_ptr<NavigationStack> stack)
           "sdk.cardarrived.start",
           [this] {
               auto next = std::make_shared<MultiView>(sharedStack(), table::activateCardAndSetPINMultiView);
-              next->show(firstActivationInput());
+              next->show(firstActivationInput(state()));
               return next;
           },
           [](const KorvaneNavigationToken& token) { token(); }) {}
 
 std::vector<Screen::ScreenControl> ActivationStartPage::controls() {
-    return {{{"xmark", ControlKind::close, true}, [] { closeJourney(CloseResult::canceled); }},
+    return {{{"xmark", ControlKind::close, true}, [this] { closeJourney(state(), CloseResult::canceled); }},
             button(start_.content(), true, [this] { start_.tap(*this, stack()); })};
 }
 

@@ -6,8 +6,10 @@
 
 namespace korvane {
 
+struct JourneyState;
+
 /// The first input screen of the activation, by the card's type.
-std::string_view firstActivationInput();
+std::string_view firstActivationInput(const JourneyState& state);
 
 /// "Your card has arrived": where the activation journey starts for a card that is not active yet.
 class ActivationStartPage final : public Screen {

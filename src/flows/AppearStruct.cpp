@@ -7,18 +7,12 @@
 #include "flows/FailureRoute.h"
 #include "flows/ViewNames.h"
 #include "platform/Log.h"
-#include "sdk/SdkConfig.h"
-#include "transport/IvAcquisition.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 
-AppearStruct::AppearStruct(Journey journey, std::function<void()> decided)
-    : journey_(std::move(journey)), decided_(std::move(decided)) {}
-
-AppearStruct::~AppearStruct() {
-    // Details that nobody is left to show must not be stored, least of all over those of another card.
-    if (details_) details_->cancel();
-}
+AppearStruct::AppearStruct(StatePtr state, Journey journey, std::function<void()> decided)
+    : state_(std::move(state)), journey_(journey), decided_(std::move(decided)) {}
 
 void AppearStruct::doAppear() {
     if (didCallAPI) return;
@@ -29,32 +23,29 @@ void AppearStruct::doAppear() {
 }
 
 bool AppearStruct::startGate() {
-    SdkConfig& config = SdkConfig::sharedInstance();
+    SdkConfig& config = state_->sdk;
     // A token that is still in memory needs no check: the timer takes it away when its time is up.
     if (!config.useBiometrics || !config.currentPciToken.empty()) return false;
-    config.viewToShowAfterFaceId = journey_.host;
-    gate_ = AuthenticateBiometric::runGate([weak = weak_from_this()](AuthenticateBiometric::Outcome outcome) {
-        const auto self = weak.lock();
-        if (!self) return;
-        self->gate_.reset();
+    state_->viewToShowAfterFaceId = journey_.host;
+    underWay_ = AuthenticateBiometric::runGate(config, [this](AuthenticateBiometric::Outcome outcome) {
         switch (outcome) {
             case AuthenticateBiometric::Outcome::authenticated:
-                self->doAppearGuts();
+                doAppearGuts();
                 break;
             case AuthenticateBiometric::Outcome::noStoredToken:
-                self->verifyBySMS(readFromKeychainFailed);
+                verifyBySMS(readFromKeychainFailed);
                 break;
-            // Whoever cannot or will not show a finger proves themselves by SMS.
+            // A person who cannot or will not show a finger is verified by SMS.
             case AuthenticateBiometric::Outcome::notAuthenticated:
-                self->verifyBySMS("evaluate policy 'success' is false");
+                verifyBySMS("evaluate policy 'success' is false");
                 break;
         }
     });
-    return gate_ != nullptr;
+    return underWay_ != nullptr;
 }
 
 void AppearStruct::doAppearGuts() {
-    doGetCardStatus([weak = weak_from_this()](const KorvaneRetStruct& result) {
+    underWay_ = doGetCardStatus(state_, [weak = weak_from_this()](const KorvaneRetStruct& result) {
         const auto self = weak.lock();
         if (!self) return;
         if (result.error) {
@@ -62,20 +53,19 @@ void AppearStruct::doAppearGuts() {
         } else if (self->journey_.details) {
             self->fetchDetails();
         } else {
-            self->finish(self->journey_.firstView());
+            self->finish(self->journey_.firstView(*self->state_));
         }
     });
 }
 
 void AppearStruct::fetchDetails() {
-    details_ = journey_.details([weak = weak_from_this()](const KorvaneRetStruct& result) {
+    underWay_ = journey_.details(state_, [weak = weak_from_this()](const KorvaneRetStruct& result) {
         const auto self = weak.lock();
         if (!self) return;
-        self->details_.reset();
         if (result.error) {
             self->handleCardImageError(result);
         } else {
-            self->finish(self->journey_.firstView());
+            self->finish(self->journey_.firstView(*self->state_));
         }
     });
 }
@@ -89,48 +79,28 @@ void AppearStruct::handleCardImageError(const KorvaneRetStruct& result) {
 }
 
 void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
-    if (isServerErrorOnEmptyToken(result, SdkConfig::sharedInstance().currentPciToken)) {
+    if (isServerErrorOnEmptyToken(result, *state_)) {
         log({"doAppearGuts - ", inClear(journey_.name),
              " - Unexpected 500 server error on empty PCI Token - expecting 400 with Invalid Token error"});
         log("Forcing SMSExplainView");
         verifyBySMS(result.errorMsg);
         return;
     }
-    const FailureRoute route = routeOf(result);
-    switch (route.road) {
-        case FailureRoute::Road::verifyBySMS:
-            verifyBySMS(route.matched);
-            break;
-        case FailureRoute::Road::ivExpired:
-            renewIv("iv expired");
-            break;
-        case FailureRoute::Road::ivInvalid:
-            renewIv("iv invalid");
-            break;
-        case FailureRoute::Road::errorPage:
-            fail();
-            break;
-    }
+    underWay_ = leadOn(*state_, result,
+                       {.verifyBySMS = [this](std::string_view matched) { verifyBySMS(matched); },
+                        .runAgain =
+                            [this](std::string_view reason) {
+                                log({inClear(reason), ": Got new iv -- re-calling doAppearGuts -- ",
+                                     inClear(journey_.name)});
+                                doAppearGuts();
+                            },
+                        .giveUp = [this] { fail(); }});
 }
 
 void AppearStruct::verifyBySMS(std::string_view reason) {
     log(inClear(reason));
-    SdkConfig::sharedInstance().viewToShowAfterSMSVerify = journey_.host;
+    state_->viewToShowAfterSMSVerify = journey_.host;
     finish(view::SMSExplainView);
-}
-
-void AppearStruct::renewIv(std::string_view reason) {
-    // Without limit, as long as the service refuses and the host supplies (deliberate).
-    requestIv([weak = weak_from_this(), reason](const auto&, const auto& ivId, const auto& ivBytes) {
-        const auto self = weak.lock();
-        if (!self) return;
-        if (!ivId || !ivBytes) {
-            self->fail();
-            return;
-        }
-        log({inClear(reason), ": Got new iv -- re-calling doAppearGuts -- ", inClear(self->journey_.name)});
-        self->doAppearGuts();
-    });
 }
 
 void AppearStruct::fail() {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <korvane/platform/BiometricContext.h>
-
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,16 +16,15 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
   public:
     /// What the journeys differ in.
     struct Journey {
-        std::string_view name;                        ///< in console lines: "SetPinAppearStruct"
-        std::string_view host;                        ///< where the SMS step comes back to: "SetPIN_NoNav"
-        std::function<std::string_view()> firstView;  ///< the view to start on once all is known
-        Operation (*details)(OperationCompletion) =
+        std::string_view name;                         ///< in console lines: "SetPinAppearStruct"
+        std::string_view host;                         ///< where the SMS step comes back to: "SetPIN_NoNav"
+        std::string_view (*firstView)(JourneyState&);  ///< the view to start on once all is known
+        Handle (*details)(StatePtr, OperationCompletion) =
             nullptr;  ///< asked for once the status is known, under the same spinner; null: nothing
     };
 
     /// @param decided runs when `viewToShow` names the first view
-    AppearStruct(Journey journey, std::function<void()> decided);
-    ~AppearStruct();
+    AppearStruct(StatePtr state, Journey journey, std::function<void()> decided);
 
     /// Runs the decision once: later calls do nothing.
     void doAppear();
@@ -45,14 +42,13 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
     void handleCardImageError(const KorvaneRetStruct& result);
     void routeFailure(const KorvaneRetStruct& result);
     void verifyBySMS(std::string_view reason);
-    void renewIv(std::string_view reason);
     void fail();
     void finish(std::string_view viewName);
 
+    const StatePtr state_;
     Journey journey_;
     std::function<void()> decided_;
-    std::shared_ptr<BiometricEvaluation> gate_;
-    Operation details_;
+    Handle underWay_;  // the gate, a call, or the question for an IV
 };
 
 }  // namespace korvane

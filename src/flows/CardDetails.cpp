@@ -7,16 +7,11 @@
 #include <utility>
 
 #include "base/Base64.h"
-#include "base/Secret.h"
 #include "base/Text.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
-
-bool isWearable(const SdkConfig& config) {
-    return config.currentCardType == eKorvaneCardType::wearable;
-}
 
 CardPicture decodedPicture(const std::string& base64) {
     if (base64.empty()) return {nullptr, nullptr, "errors.decodedimgstrempty.failed"};
@@ -29,8 +24,8 @@ CardPicture decodedPicture(const std::string& base64) {
     return {image, std::move(decoded), {}};
 }
 
-std::string_view disclosureLanguage() {
-    const std::string& set = SdkConfig::sharedInstance().deviceLanguageCode;
+std::string_view disclosureLanguage(const SdkConfig& config) {
+    const std::string& set = config.deviceLanguageCode;
     const std::string shown = ports().stringTable->language();
     const std::string& code = !set.empty() ? set : !shown.empty() ? shown : ports().languageCode;
     return equalIgnoringCase(std::string_view{code}.substr(0, 2), "es") ? "Spanish" : "English";
@@ -38,55 +33,42 @@ std::string_view disclosureLanguage() {
 
 }  // namespace
 
-std::string takeCardStatus() {
-    return std::exchange(SdkConfig::sharedInstance().decCardStatus, {});
+std::string takeCardStatus(JourneyState& state) {
+    return std::exchange(state.decCardStatus, {});
 }
 
-CardPicture cardPicture() {
-    const SdkConfig& config = SdkConfig::sharedInstance();
-    if (isWearable(config) && config.wearableImage) {
-        if (auto decoded = ports().imageDecoder->decode(*config.wearableImage)) {
-            return {std::make_shared<const ImageData>(*config.wearableImage), std::move(decoded), {}};
+CardPicture cardPicture(const JourneyState& state) {
+    const auto& hosts = state.sdk.wearableImage;
+    if (state.currentCardType == eKorvaneCardType::wearable && hosts) {
+        if (auto decoded = ports().imageDecoder->decode(*hosts)) {
+            return {std::make_shared<const ImageData>(*hosts), std::move(decoded), {}};
         }
     }
-    return decodedPicture(config.decCardImage);
+    return decodedPicture(state.decCardImage);
 }
 
-std::string cardName(eKorvaneCardType type) {
-    const SdkConfig& config = SdkConfig::sharedInstance();
-    if (type == eKorvaneCardType::wearable && !config.wearableName.value_or("").empty())
-        return *config.wearableName;
+std::string cardName(const JourneyState& state, eKorvaneCardType type) {
+    if (type == eKorvaneCardType::wearable && !state.sdk.wearableName.value_or("").empty())
+        return *state.sdk.wearableName;
     return cardTypeDisplayName(type);
 }
 
-std::string cardholderName() {
-    const SdkConfig& config = SdkConfig::sharedInstance();
+std::string cardholderName(const JourneyState& state) {
     std::string whole;
-    for (const std::string* const part : {&config.decFirstName, &config.decMiddleName, &config.decLastName}) {
+    for (const std::string* const part : {&state.decFirstName, &state.decMiddleName, &state.decLastName}) {
         if (!part->empty()) whole += (whole.empty() ? "" : " ") + *part;
     }
     return whole;
 }
 
-std::string cardDisclosure() {
-    const auto& decoded = SdkConfig::sharedInstance().decodedDisclosuresStruct;
+std::string cardDisclosure(const JourneyState& state) {
+    const auto& decoded = state.decodedDisclosuresStruct;
     if (!decoded || !decoded->CardDisclosures || decoded->CardDisclosures->empty()) return {};
     const auto& items = *decoded->CardDisclosures;
-    const auto wanted = std::find_if(items.begin(), items.end(), [](const auto& item) {
-        return equalIgnoringCase(item.Language.value_or(""), disclosureLanguage());
+    const auto wanted = std::find_if(items.begin(), items.end(), [&](const auto& item) {
+        return equalIgnoringCase(item.Language.value_or(""), disclosureLanguage(state.sdk));
     });
     return (wanted == items.end() ? items.front() : *wanted).CardDisclosure.value_or("");
-}
-
-void wipeCardDetails() {
-    SdkConfig& config = SdkConfig::sharedInstance();
-    config.decodedDisclosuresStruct.reset();
-    for (std::string* const field :
-         {&config.decCardImage, &config.decPan, &config.decMaskedPan, &config.decCvv, &config.decMaskedCvv,
-          &config.decExpiryDate, &config.decFirstName, &config.decMiddleName, &config.decLastName,
-          &config.decCardNetwork}) {
-        wipe(*field);
-    }
 }
 
 }  // namespace korvane

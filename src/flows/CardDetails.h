@@ -11,10 +11,12 @@
 
 namespace korvane {
 
-// What the card viewer reads in the shared state, made fit to be shown. Main thread.
+struct JourneyState;
+
+// What the card viewer reads in the journey's state, made fit to be shown. Main thread.
 
 /// The card's status, cleared as it is read: a second reader finds "".
-std::string takeCardStatus();
+std::string takeCardStatus(JourneyState& state);
 
 struct CardPicture {
     std::shared_ptr<const ImageData> image;       ///< null: there is none that can be drawn
@@ -23,20 +25,17 @@ struct CardPicture {
 };
 
 /// The host's picture of a wearable card when it gave one that can be drawn, else the one the service sent.
-CardPicture cardPicture();
+CardPicture cardPicture(const JourneyState& state);
 
 /// The host's name of a wearable card, else the name of the type in the language in use; "" when neither is
 /// known.
-std::string cardName(eKorvaneCardType type);
+std::string cardName(const JourneyState& state, eKorvaneCardType type);
 
 /// First, middle and last name, those that there are.
-std::string cardholderName();
+std::string cardholderName(const JourneyState& state);
 
 /// The disclosure in Spanish for a device whose language is Spanish, else in English; the first one when it
 /// does not come in that language, and "" when there is none at all.
-std::string cardDisclosure();
-
-/// Overwrites all that the card details retrieval stored.
-void wipeCardDetails();
+std::string cardDisclosure(const JourneyState& state);
 
 }  // namespace korvane

@@ -13,7 +13,7 @@
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
 #include "flows/ViewTables.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
@@ -25,14 +25,12 @@ constexpr std::string_view freezeControl = "sdk.cardviewer.card.activateAndSetPi
 
 }  // namespace
 
-const CardViewer* CardViewer::latest_ = nullptr;
-
 CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
     : Screen(std::move(stack), view::CardImage_NoNav),
-      picture_(cardPicture()),
-      type_(SdkConfig::sharedInstance().currentCardType),
-      cardholderName_(cardholderName()),
-      disclosureText_(cardDisclosure()),
+      picture_(cardPicture(state())),
+      type_(state().currentCardType),
+      cardholderName_(cardholderName(state())),
+      disclosureText_(cardDisclosure(state())),
       activate_(
           "sdk.cardviewer.activateAndSetPin.onCardButton",
           [this] {
@@ -41,42 +39,35 @@ CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
               return next;
           },
           [this](const KorvaneNavigationToken& token) {
-              viewToShowNext_ = firstActivationInput();
+              viewToShowNext_ = firstActivationInput(state());
               hideSensitive();
               token();
           }),
-      // It lives no longer than this screen, and neither do its calls back.
-      freeze_(std::make_shared<FreezeSwitch>(
-          takeCardStatus(), [this](FreezeSwitch::Outcome outcome) { freezeEnded(outcome); })) {
-    latest_ = this;
-}
+      freeze_(sharedState(), takeCardStatus(state()),
+              [this](FreezeSwitch::Outcome outcome) { freezeEnded(outcome); }) {}
 
 CardViewer::~CardViewer() {
-    if (latest_ != this) return;
-    latest_ = nullptr;
-    wipeCardDetails();
+    state().wipeCardDetails();
 }
 
 void CardViewer::onAppear() {
     if (std::exchange(failuresTold_, true)) return;
     std::vector<std::string> failures;
     if (!picture_.failure.empty()) failures.push_back(picture_.failure);
-    if (!SdkConfig::sharedInstance().decodedDisclosuresStruct)
-        failures.emplace_back("errors.decodedDisclosureStructIsNil");
+    if (!state().decodedDisclosuresStruct) failures.emplace_back("errors.decodedDisclosureStructIsNil");
     if (!failures.empty()) stack().showToasts(std::move(failures));
 }
 
 void CardViewer::resumeAfterSMSVerify() {
-    freeze_->callAgain();
+    freeze_.callAgain();
 }
 
 std::vector<CardViewer::Detail> CardViewer::details() const {
-    if (latest_ != this) return {};
-    const SdkConfig& config = SdkConfig::sharedInstance();
+    const JourneyState& card = state();
     return {{"sdk.cardviewer.device.details.cardholderName", cardholderName_},
-            {"sdk.cardviewer.device.details.cardNumber", config.decPan, &config.decMaskedPan},
-            {"sdk.cardviewer.device.details.expirationDate", config.decExpiryDate},
-            {"sdk.cardviewer.device.details.cvv", config.decCvv, &config.decMaskedCvv}};
+            {"sdk.cardviewer.device.details.cardNumber", card.decPan, &card.decMaskedPan},
+            {"sdk.cardviewer.device.details.expirationDate", card.decExpiryDate},
+            {"sdk.cardviewer.device.details.cvv", card.decCvv, &card.decMaskedCvv}};
 }
 
 void CardViewer::toggleReveal() {
@@ -103,7 +94,7 @@ void CardViewer::copy(const std::string& value) {
 
 void CardViewer::close() {
     hideSensitive();
-    closeJourney(completed_ ? CloseResult::success : CloseResult::canceled);
+    closeJourney(state(), closeResult());
 }
 
 void CardViewer::freezeEnded(FreezeSwitch::Outcome outcome) {
@@ -116,7 +107,7 @@ void CardViewer::freezeEnded(FreezeSwitch::Outcome outcome) {
             break;
         case FreezeSwitch::Outcome::verifyBySMS:
             hideSensitive();
-            SdkConfig::sharedInstance().viewToShowAfterSMSVerify = view::CardImage_NoNav;
+            state().viewToShowAfterSMSVerify = view::CardImage_NoNav;
             stack().push(makeAutoNavMultiView(sharedStack(), view::SMSExplainView));
             break;
     }
@@ -125,14 +116,14 @@ void CardViewer::freezeEnded(FreezeSwitch::Outcome outcome) {
 
 bool CardViewer::offersActivation() const {
     // A frozen card shows that it is frozen; what else can be done with it comes after.
-    return freeze_->isCardNotYetActivated() && !freeze_->isCardFrozen();
+    return freeze_.isCardNotYetActivated() && !freeze_.isCardFrozen();
 }
 
 std::vector<Screen::ScreenControl> CardViewer::controls() {
-    if (const auto popup = freeze_->question()) {
+    if (const auto popup = freeze_.question()) {
         const auto answer = [this](void (FreezeSwitch::*given)()) {
             return [this, given] {
-                ((*freeze_).*given)();
+                (freeze_.*given)();
                 changed();
             };
         };
@@ -142,7 +133,7 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
     std::vector<ScreenControl> controls{{{"xmark", ControlKind::close, true}, [this] { close(); }}};
     if (offersActivation()) {
         controls.push_back(
-            button(activate_.content(), !freeze_->isCalling(), [this] { activate_.tap(*this, stack()); }));
+            button(activate_.content(), !freeze_.isCalling(), [this] { activate_.tap(*this, stack()); }));
     }
     bool somethingMasked = false;
     for (const Detail& detail : details()) {
@@ -154,9 +145,8 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
         {{std::string{revealControl}, ControlKind::toggle, somethingMasked, revealed_ != nullptr},
          [this] { toggleReveal(); }});
     controls.push_back(
-        {{std::string{freezeControl}, ControlKind::toggle, freeze_->canAsk(), freeze_->isCardFrozen()},
-         [this] {
-             freeze_->ask();
+        {{std::string{freezeControl}, ControlKind::toggle, freeze_.canAsk(), freeze_.isCardFrozen()}, [this] {
+             freeze_.ask();
              changed();
          }});
     return controls;
@@ -166,11 +156,10 @@ CardFace CardViewer::face() const {
     CardFace face;
     face.image = picture_.image;
     face.decoded = picture_.decoded;
-    face.name = cardName(type_);
-    if (equalIgnoringCase(SdkConfig::sharedInstance().decCardNetwork, "mastercard"))
-        face.networkLogo = "mastercard_logo";
-    face.activated = freeze_->isCardActivated();
-    face.frozen = freeze_->isCardFrozen();
+    face.name = cardName(state(), type_);
+    if (equalIgnoringCase(state().decCardNetwork, "mastercard")) face.networkLogo = "mastercard_logo";
+    face.activated = freeze_.isCardActivated();
+    face.frozen = freeze_.isCardFrozen();
     // The two keys differ in their prefix (deliberate).
     if (face.frozen) {
         face.message = {"sdk.cardviewer.card.activateAndSetPin.onCardFrozenMessage.header",
@@ -192,22 +181,22 @@ void CardViewer::describeContent(ScreenSnapshot& snapshot) const {
                                  .secret = detail.mask != nullptr,
                                  .copyable = !detail.value.empty()});
     }
-    snapshot.popup = freeze_->question();
+    snapshot.popup = freeze_.question();
     snapshot.disclosureText = disclosureText_;
-    snapshot.spinner = freeze_->isCalling();
+    snapshot.spinner = freeze_.isCalling();
 
     const bool asking = snapshot.popup.has_value();
-    const bool frozen = freeze_->isCardFrozen();
+    const bool frozen = freeze_.isCardFrozen();
     snapshot.state = {
-        {"cardType", std::string{cardTypeCaseName(SdkConfig::sharedInstance().currentCardType)}},
+        {"cardType", std::string{cardTypeCaseName(state().currentCardType)}},
         {"viewToShowNext", viewToShowNext_},
         {"showSpinner", snapshot.spinner},
-        {"isCardActivated", freeze_->isCardActivated()},
+        {"isCardActivated", freeze_.isCardActivated()},
         {"isCardFrozen", frozen},
         {"showToggleOff", !frozen},
         {"isCardFrozenShowToggleOff", asking && frozen},  // asked whether to lift the freeze
         {"isCardFrozenShowToggleOn", asking && !frozen},  // asked whether to freeze
-        {"isWantingToListen", freeze_->canAsk()},
+        {"isWantingToListen", freeze_.canAsk()},
         {"isCardImageLoaded", picture_.image != nullptr},
         {"detailsRevealed", revealed_ != nullptr},
         {"disclosureText", disclosureText_},

@@ -21,13 +21,16 @@ namespace korvane {
 /// that is still there shows none from then on, and leaves the later one's alone.
 class CardViewer final : public Screen {
   public:
-    /// Takes the card's status out of the shared state.
+    /// Takes the card's status out of the journey's state.
     explicit CardViewer(std::shared_ptr<NavigationStack> stack);
     ~CardViewer() override;
 
     void onAppear() override;
     void resumeAfterSMSVerify() override;
     void hideSensitive() override;
+    CloseResult closeResult() const override {
+        return completed_ ? CloseResult::success : CloseResult::canceled;
+    }
 
   protected:
     std::vector<ScreenControl> controls() override;
@@ -41,7 +44,6 @@ class CardViewer final : public Screen {
         const std::string* mask = nullptr;  ///< null: shown as it is
     };
     std::vector<Detail> details() const;
-    static const CardViewer* latest_;
 
     void close();
     void copy(const std::string& value);
@@ -56,7 +58,7 @@ class CardViewer final : public Screen {
     const std::string disclosureText_;
     std::string viewToShowNext_;
     KorvaneActionNavigationLink activate_;
-    std::shared_ptr<FreezeSwitch> freeze_;
+    FreezeSwitch freeze_;
     CopiedCardData copied_;
     std::unique_ptr<Timer> revealed_;  // runs while number and CVV are in clear
     bool failuresTold_ = false;

@@ -3,13 +3,16 @@
 
 #include <korvane/CloseNotification.h>
 
+#include "sdk/JourneyState.h"
+
 namespace korvane {
 
-void closeJourney(CloseResult result) {
+void closeJourney(JourneyState& state, CloseResult result) {
     const char* const word = result == CloseResult::success    ? "SUCCESS"
                              : result == CloseResult::canceled ? "CANCELED"
                                                                : "FAILURE";
-    NotificationCenter::defaultCenter().post(NotificationCloseUI, {{"result", word}});
+    state.resultPosted = true;
+    NotificationCenter::defaultCenter().post(NotificationCloseUI, {{"result", word}}, state.id);
 }
 
 }  // namespace korvane

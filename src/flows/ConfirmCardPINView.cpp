@@ -8,23 +8,21 @@
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
 #include "platform/Log.h"
-#include "sdk/SdkConfig.h"
-#include "transport/IvAcquisition.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
 
 /// The operation that submits the PIN: by card type in the activation journey, the PIN alone otherwise.
-Operation startSubmission(const std::string& pin, OperationCompletion completion) {
-    const SdkConfig& config = SdkConfig::sharedInstance();
-    if (config.setPinOnly) return doPinSet(pin, std::move(completion));
-    switch (config.currentCardType) {
+Handle startSubmission(const StatePtr& state, const std::string& pin, OperationCompletion completion) {
+    if (state->setPinOnly) return doPinSet(state, pin, std::move(completion));
+    switch (state->currentCardType) {
         case eKorvaneCardType::virtual_:
-            return doActivateVirtualCardAndSetPIN(pin, std::move(completion));
+            return doActivateVirtualCardAndSetPIN(state, pin, std::move(completion));
         case eKorvaneCardType::wearable:
-            return doActivateWearableCardAndSetPIN(pin, std::move(completion));
+            return doActivateWearableCardAndSetPIN(state, pin, std::move(completion));
         default:
-            return doActivatePhysicalCardAndSetPIN(config.enteredLastFour, config.enteredCvv, pin,
+            return doActivatePhysicalCardAndSetPIN(state, state->enteredLastFour, state->enteredCvv, pin,
                                                    std::move(completion));
     }
 }
@@ -39,7 +37,7 @@ ConfirmCardPINView::ConfirmCardPINView(std::shared_ptr<NavigationStack> stack, s
       passCode_(KorvanePassCodeViewPIN("sdk.confirmpin.input")) {}
 
 ConfirmCardPINView::~ConfirmCardPINView() {
-    wipe(SdkConfig::sharedInstance().pendingPin);
+    wipe(state().pendingPin);
 }
 
 void ConfirmCardPINView::onAppear() {
@@ -61,50 +59,34 @@ void ConfirmCardPINView::confirm() {
 void ConfirmCardPINView::submit() {
     showSpinner_ = true;
     didCallAPI_ = true;
-    SdkConfig::sharedInstance().pendingPin = *enteredPin_;
-    operation_ = startSubmission(*enteredPin_, [weak = weak(this)](const KorvaneRetStruct& result) {
-        if (const auto self = weak.lock()) self->answered(result);
-    });
+    state().pendingPin = *enteredPin_;
+    underWay_ =
+        startSubmission(sharedState(), *enteredPin_, [weak = weak(this)](const KorvaneRetStruct& result) {
+            if (const auto self = weak.lock()) self->answered(result);
+        });
     changed();
 }
 
 void ConfirmCardPINView::answered(const KorvaneRetStruct& result) {
-    SdkConfig& config = SdkConfig::sharedInstance();
     if (!result.error) {
-        wipe(config.pendingPin);
-        autoNavTo(config.setPinOnly ? view::SuccessPinSetView : view::SuccessCardActivatedAndPinSetView);
+        wipe(state().pendingPin);
+        autoNavTo(state().setPinOnly ? view::SuccessPinSetView : view::SuccessCardActivatedAndPinSetView);
         return;
     }
     log({"errmsg = ", result.errorMsg});
-    const FailureRoute route = routeOf(result);
-    switch (route.road) {
-        case FailureRoute::Road::verifyBySMS:
-            log(inClear(route.matched));
-            config.viewToShowAfterSMSVerify = view::ConfirmCardPINView;
-            autoNavTo(view::SMSExplainView);
-            break;
-        case FailureRoute::Road::ivExpired:
-        case FailureRoute::Road::ivInvalid:
-            renewIvAndSubmit();
-            break;
-        case FailureRoute::Road::errorPage:
-            wipe(config.pendingPin);
-            autoNavTo(view::UhOhTryAgainView);
-            break;
-    }
-}
-
-void ConfirmCardPINView::renewIvAndSubmit() {
-    requestIv([weak = weak(this)](const auto&, const auto& ivId, const auto& ivBytes) {
-        const auto self = weak.lock();
-        if (!self) return;
-        if (ivId && ivBytes) {
-            self->submit();
-        } else {
-            wipe(SdkConfig::sharedInstance().pendingPin);
-            self->autoNavTo(view::UhOhTryAgainView);
-        }
-    });
+    underWay_ = leadOn(state(), result,
+                       {.verifyBySMS =
+                            [this](std::string_view matched) {
+                                log(inClear(matched));
+                                state().viewToShowAfterSMSVerify = view::ConfirmCardPINView;
+                                autoNavTo(view::SMSExplainView);
+                            },
+                        .runAgain = [this](std::string_view) { submit(); },
+                        .giveUp =
+                            [this] {
+                                wipe(state().pendingPin);
+                                autoNavTo(view::UhOhTryAgainView);
+                            }});
 }
 
 void ConfirmCardPINView::autoNavTo(std::string_view viewName) {
@@ -116,8 +98,7 @@ void ConfirmCardPINView::autoNavTo(std::string_view viewName) {
 }
 
 std::vector<Screen::ScreenControl> ConfirmCardPINView::controls() {
-    // No way back while the PIN is on its way: leaving then would leave open whether it was set.
-    return {back(!showSpinner_),
+    return {back(),
             {{passCode_.id(), ControlKind::passcode, !showSpinner_}, nullptr},
             button("sdk.confirmpin.button", passCode_.inputModel().isValid && !showSpinner_,
                    [this] { confirm(); })};

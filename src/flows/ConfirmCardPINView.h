@@ -12,7 +12,8 @@ namespace korvane {
 class ViewHost;
 
 /// The new PIN, typed again and submitted. Every answer ends in an automatic move: to a success page, to the
-/// SMS step and back here, or to an error page.
+/// SMS step and back here, or to an error page. Going back ends the submission: a request on the wire may
+/// still be carried out, and is not repeated.
 class ConfirmCardPINView final : public Screen {
   public:
     /// @param submitAtOnce the PIN was confirmed before the SMS step: submit it on first appearing
@@ -33,7 +34,6 @@ class ConfirmCardPINView final : public Screen {
     void confirm();
     void submit();
     void answered(const KorvaneRetStruct& result);
-    void renewIvAndSubmit();
     void autoNavTo(std::string_view viewName);
 
     Wiped<std::string> enteredPin_;
@@ -44,7 +44,7 @@ class ConfirmCardPINView final : public Screen {
     bool showSpinner_ = false;
     bool pinsDontMatch_ = false;
     KorvanePassCodeInput passCode_;
-    Operation operation_;
+    Handle underWay_;  // the submission, or the question for an IV
 };
 
 }  // namespace korvane

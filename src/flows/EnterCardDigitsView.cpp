@@ -7,7 +7,7 @@
 #include "flows/NavigationStack.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 
@@ -17,7 +17,7 @@ const EnterCardDigitsView::Row EnterCardDigitsView::lastFour{
     .body = "",
     .button = "sdk.activatecard.lastfourdigits.button",
     .makeInput = [] { return KorvanePassCodeViewLastFour("sdk.activatecard.lastfourdigits.input"); },
-    .field = &SdkConfig::enteredLastFour,
+    .field = &JourneyState::enteredLastFour,
     .next = view::EnterCardCVVView,
 };
 
@@ -27,7 +27,7 @@ const EnterCardDigitsView::Row EnterCardDigitsView::cvv{
     .body = "sdk.activatecard.cvv.subheader",
     .button = "sdk.activatecard.cvv.button",
     .makeInput = [] { return KorvanePassCodeViewCVV("sdk.activatecard.cvv.input"); },
-    .field = &SdkConfig::enteredCvv,
+    .field = &JourneyState::enteredCvv,
     .next = view::EnterCardPINView,
 };
 
@@ -38,13 +38,13 @@ EnterCardDigitsView::EnterCardDigitsView(std::shared_ptr<NavigationStack> stack,
       continue_(
           row.button, [this] { return makeScreen(sharedStack(), row_.next, ScreenArguments{}); },
           [this](const KorvaneNavigationToken& token) {
-              SdkConfig::sharedInstance().*row_.field = passCode_.inputModel().passCodeString;
+              state().*row_.field = passCode_.inputModel().passCodeString;
               token();
           }) {}
 
 EnterCardDigitsView::~EnterCardDigitsView() {
     // It is there as long as the journey may still submit.
-    wipe(SdkConfig::sharedInstance().*row_.field);
+    wipe(state().*row_.field);
 }
 
 std::vector<Screen::ScreenControl> EnterCardDigitsView::controls() {

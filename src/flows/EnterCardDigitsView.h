@@ -10,10 +10,8 @@
 
 namespace korvane {
 
-class SdkConfig;
-
 /// The two screens on which a physical card proves possession: digits that are printed on it, kept in the
-/// shared state until the journey submits.
+/// journey's state until the journey submits.
 class EnterCardDigitsView final : public Screen {
   public:
     struct Row {
@@ -22,7 +20,7 @@ class EnterCardDigitsView final : public Screen {
         std::string_view body;
         std::string_view button;
         KorvanePassCodeInput (*makeInput)();
-        std::string SdkConfig::*field;
+        std::string JourneyState::*field;
         std::string_view next;
     };
 

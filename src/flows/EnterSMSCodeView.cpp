@@ -11,7 +11,7 @@
 #include "flows/SMSCodeRequest.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
@@ -27,8 +27,7 @@ EnterSMSCodeView::EnterSMSCodeView(std::shared_ptr<NavigationStack> stack)
 }
 
 EnterSMSCodeView::~EnterSMSCodeView() {
-    if (submission_) submission_->cancel();
-    wipe(SdkConfig::sharedInstance().twoFactorCode);
+    wipe(state().twoFactorCode);
 }
 
 void EnterSMSCodeView::onAppear() {
@@ -42,52 +41,54 @@ void EnterSMSCodeView::passcodeChanged() {
 
 void EnterSMSCodeView::submit() {
     showSpinner_ = true;
-    SdkConfig::sharedInstance().twoFactorCode = passCode_.inputModel().passCodeString;
-    submission_ = doPciTokenSubmission([weak = weak(this)](const KorvaneRetStruct& result) {
+    state().twoFactorCode = passCode_.inputModel().passCodeString;
+    underWay_ = doPciTokenSubmission(sharedState(), [weak = weak(this)](const KorvaneRetStruct& result) {
         if (const auto self = weak.lock()) self->submitted(result);
     });
     changed();
 }
 
 void EnterSMSCodeView::submitted(const KorvaneRetStruct& result) {
-    submission_.reset();
-    showSpinner_ = false;
     if (!result.error) {
-        SdkConfig& config = SdkConfig::sharedInstance();
-        std::string next = std::exchange(config.viewToShowAfterSMSVerify, {});
-        if (next.empty()) next = std::exchange(config.viewToShowAfterSMSVerifyBackup, {});
+        showSpinner_ = false;
+        std::string next = std::exchange(state().viewToShowAfterSMSVerify, {});
+        if (next.empty()) next = std::exchange(state().viewToShowAfterSMSVerifyBackup, {});
         stack().leaveSMSStep(next);
     } else if (equalIgnoringCase(result.errorMsg, "Failure: Incorrect SMS verification code")) {
+        showSpinner_ = false;
         codeIncorrect_ = true;
         passCode_.clear();
         changed();
     } else if (result.errorMsg == "forceSMSFlowReset") {
         startOver();
-    } else if (routeOf(result).road == FailureRoute::Road::verifyBySMS) {
-        // The SMS token is spent or too old: no code can be right any more.
-        stack().showToast("sdk.sms.code.expired");
-        startOver();
     } else {
-        // The code stays: the button submits it again when the person comes back.
-        changed();
-        stack().push(makeScreen(sharedStack(), view::UhOhTryAgainWithErrorMsgView, ScreenArguments{}));
+        underWay_ = leadOn(state(), result,
+                           {.verifyBySMS =
+                                [this](std::string_view) {
+                                    // The SMS token is spent or too old: no code can be right any more.
+                                    stack().showToast("sdk.sms.code.expired");
+                                    startOver();
+                                },
+                            .runAgain = [this](std::string_view) { submit(); },
+                            .giveUp =
+                                [this] {
+                                    // The code stays: the button submits it again when the person comes back.
+                                    showSpinner_ = false;
+                                    changed();
+                                    stack().push(makeScreen(sharedStack(), view::UhOhTryAgainWithErrorMsgView,
+                                                            ScreenArguments{}));
+                                }});
     }
 }
 
-void EnterSMSCodeView::leave() {
-    // The cancelled submission reports to a screen that is gone, and the SMS step starts again where we go.
-    if (submission_) std::exchange(submission_, nullptr)->cancel();
-    startOver();
-}
-
 void EnterSMSCodeView::startOver() {
-    wipe(SdkConfig::sharedInstance().decryptedPciSmsToken);
+    wipe(state().decryptedPciSmsToken);
     dismiss();
 }
 
 void EnterSMSCodeView::resend() {
     showSpinner_ = true;
-    requestSMSCode([weak = weak(this)](const KorvaneRetStruct& result) {
+    underWay_ = requestSMSCode(sharedState(), [weak = weak(this)](const KorvaneRetStruct& result) {
         const auto self = weak.lock();
         if (!self) return;
         self->showSpinner_ = false;
@@ -125,7 +126,7 @@ void EnterSMSCodeView::tick() {
 
 std::vector<Screen::ScreenControl> EnterSMSCodeView::controls() {
     return {
-        back().control.enabled ? ScreenControl{{"back", ControlKind::back, true}, [this] { leave(); }}
+        back().control.enabled ? ScreenControl{{"back", ControlKind::back, true}, [this] { startOver(); }}
                                : back(),
         {{passCode_.id(), ControlKind::passcode, !showSpinner_}, nullptr},
         button("sdk.sms.code.button", passCode_.inputModel().isValid && !showSpinner_, [this] { submit(); }),

@@ -31,14 +31,13 @@ class EnterSMSCodeView final : public Screen {
   private:
     void submit();
     void submitted(const KorvaneRetStruct& result);
-    void leave();
     void startOver();
     void resend();
     void tick();
     int secondsToResend() const;
 
     KorvanePassCodeInput passCode_;
-    Operation submission_;
+    Handle underWay_;  // a submission, another code, or the question for an IV
     bool showSpinner_ = false;
     bool codeIncorrect_ = false;
     std::chrono::nanoseconds resendDeadline_{};

@@ -1,21 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <functional>
 #include <string_view>
 
+#include "base/Handle.h"
 #include "sdk/KorvaneRetStruct.h"
 
 namespace korvane {
 
+struct JourneyState;
+
 /// Where a failure leads a journey, whatever the case of the letters in its text.
 struct FailureRoute {
-    enum class Road { verifyBySMS, ivExpired, ivInvalid, errorPage };
+    enum class Kind { verifyBySMS, ivExpired, ivInvalid, errorPage };
 
-    Road road = Road::errorPage;
+    Kind kind = Kind::errorPage;
     std::string_view matched;  ///< the text that decided, as the console prints it; empty for the error page
 };
 
-/// What the biometric road reports when the stored token could not be read.
+/// The text of a biometric gate that could not read the stored token.
 inline constexpr std::string_view readFromKeychainFailed =
     "read pci token or bio timeout from keychain failed.";
 
@@ -25,6 +29,19 @@ FailureRoute routeOf(const KorvaneRetStruct& failure);
 
 /// True for a 500 that the service should not have given: with no PCI token it is to say "Failure: Invalid
 /// Token".
-bool isServerErrorOnEmptyToken(const KorvaneRetStruct& failure, std::string_view currentPciToken);
+bool isServerErrorOnEmptyToken(const KorvaneRetStruct& failure, const JourneyState& state);
+
+/// What a screen does about a failure: one of these runs, once, on the main queue.
+struct FailureHandlers {
+    std::function<void(std::string_view matched)> verifyBySMS;  ///< the text that decided
+    std::function<void(std::string_view reason)>
+        runAgain;                  ///< "iv expired" or "iv invalid": a new IV is held
+    std::function<void()> giveUp;  ///< any other failure, or the host had no new IV
+};
+
+/// Leads a failed operation on: from inside this call, but for `runAgain` and the `giveUp` behind it, which
+/// wait for the host's new IV while the handle is held. A refused IV is replaced without limit, for as long
+/// as the service refuses and the host supplies (deliberate). Main thread.
+[[nodiscard]] Handle leadOn(JourneyState& state, const KorvaneRetStruct& failure, FailureHandlers handlers);
 
 }  // namespace korvane

@@ -5,15 +5,13 @@
 #include <utility>
 
 #include "flows/FailureRoute.h"
-#include "operations/Operations.h"
 #include "platform/Log.h"
-#include "sdk/SdkConfig.h"
-#include "transport/IvAcquisition.h"
 
 namespace korvane {
 
-FreezeSwitch::FreezeSwitch(std::string_view cardStatus, std::function<void(Outcome)> ended)
-    : isCardActivated_(cardStatus == "A1" || cardStatus == "BT"),
+FreezeSwitch::FreezeSwitch(StatePtr state, std::string_view cardStatus, std::function<void(Outcome)> ended)
+    : state_(std::move(state)),
+      isCardActivated_(cardStatus == "A1" || cardStatus == "BT"),
       isCardNotYetActivated_(cardStatus == "P2"),
       isCardFrozen_(cardStatus == "BT"),
       ended_(std::move(ended)) {}
@@ -33,50 +31,29 @@ void FreezeSwitch::confirm() {
 void FreezeSwitch::reEntrantSetCardStatus() {
     calling_ = true;
     const char* const unfrozen = isCardActivated_ ? "A1" : "P2";
-    doSetCardStatus(isCardFrozen_ ? unfrozen : "BT",
-                    [weak = weak_from_this()](const KorvaneRetStruct& result) {
-                        if (const auto self = weak.lock()) self->answered(result);
-                    });
+    underWay_ = doSetCardStatus(state_, isCardFrozen_ ? unfrozen : "BT",
+                                [this](const KorvaneRetStruct& result) { answered(result); });
 }
 
 void FreezeSwitch::answered(const KorvaneRetStruct& result) {
     if (!result.error) {
         isCardFrozen_ = !isCardFrozen_;
-        end(Outcome::done);
-        return;
+        return end(Outcome::done);
     }
-    if (isServerErrorOnEmptyToken(result, SdkConfig::sharedInstance().currentPciToken)) {
-        end(Outcome::verifyBySMS);
-        return;
-    }
-    switch (const FailureRoute route = routeOf(result); route.road) {
-        case FailureRoute::Road::verifyBySMS:
-            log(inClear(route.matched));
-            end(Outcome::verifyBySMS);
-            break;
-        case FailureRoute::Road::ivExpired:
-        case FailureRoute::Road::ivInvalid:
-            renewIv();
-            break;
-        case FailureRoute::Road::errorPage:
-            end(Outcome::failed);
-            break;
-    }
-}
-
-void FreezeSwitch::renewIv() {
-    // Without limit, as long as the service refuses and the host supplies (deliberate).
-    requestIv([weak = weak_from_this()](const auto&, const auto& ivId, const auto& ivBytes) {
-        const auto self = weak.lock();
-        if (!self) return;
-        if (!ivId || !ivBytes) {
-            self->end(Outcome::failed);
-            return;
-        }
-        log({"Success getting new iV - re-calling reEntrantSetCardStatus",
-             inClear(self->isCardFrozen_ ? "UnFreezeGuts" : "FreezeGuts")});
-        self->reEntrantSetCardStatus();
-    });
+    if (isServerErrorOnEmptyToken(result, *state_)) return end(Outcome::verifyBySMS);
+    underWay_ = leadOn(*state_, result,
+                       {.verifyBySMS =
+                            [this](std::string_view matched) {
+                                log(inClear(matched));
+                                end(Outcome::verifyBySMS);
+                            },
+                        .runAgain =
+                            [this](std::string_view) {
+                                log({"Success getting new iV - re-calling reEntrantSetCardStatus",
+                                     inClear(isCardFrozen_ ? "UnFreezeGuts" : "FreezeGuts")});
+                                reEntrantSetCardStatus();
+                            },
+                        .giveUp = [this] { end(Outcome::failed); }});
 }
 
 void FreezeSwitch::end(Outcome outcome) {

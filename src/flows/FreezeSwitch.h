@@ -8,19 +8,19 @@
 #include <optional>
 #include <string_view>
 
-#include "sdk/KorvaneRetStruct.h"
+#include "operations/Operations.h"
 
 namespace korvane {
 
 /// Freezes and unfreezes a card: asks first, then calls. The switch follows the card, never the tap. Main
 /// thread.
-class FreezeSwitch : public std::enable_shared_from_this<FreezeSwitch> {
+class FreezeSwitch {
   public:
     enum class Outcome { done, failed, verifyBySMS };
 
     /// @param cardStatus the service's code: "A1", "BT", "P2"; with any other the switch cannot be used
     /// @param ended runs when a call has come to its end; not after this object is gone
-    FreezeSwitch(std::string_view cardStatus, std::function<void(Outcome)> ended);
+    FreezeSwitch(StatePtr state, std::string_view cardStatus, std::function<void(Outcome)> ended);
 
     bool isCardActivated() const { return isCardActivated_; }
     bool isCardNotYetActivated() const { return isCardNotYetActivated_; }
@@ -40,15 +40,16 @@ class FreezeSwitch : public std::enable_shared_from_this<FreezeSwitch> {
   private:
     void reEntrantSetCardStatus();
     void answered(const KorvaneRetStruct& result);
-    void renewIv();
     void end(Outcome outcome);
 
+    const StatePtr state_;
     bool isCardActivated_;
     bool isCardNotYetActivated_;
     bool isCardFrozen_;
     bool asking_ = false;
     bool calling_ = false;
     std::function<void(Outcome)> ended_;
+    Handle underWay_;  // the call, or the question for an IV
 };
 
 }  // namespace korvane

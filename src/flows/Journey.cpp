@@ -3,10 +3,12 @@
 
 #include <utility>
 
+#include "flows/CloseJourney.h"
 #include "flows/JourneyHost.h"
+#include "flows/JourneyProbe.h"
 #include "flows/NavigationStack.h"
 #include "platform/Log.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
@@ -27,7 +29,10 @@ const JourneyHost::Kind& hostOf(JourneyKind kind) {
 
 class Journey::Impl {
   public:
-    Impl(JourneyKind kind, std::string cardId) : kind_(kind), cardId_(std::move(cardId)) {}
+    Impl(JourneyKind kind, std::string cardId)
+        : kind_(kind),
+          stack_(std::make_shared<NavigationStack>(
+              std::make_shared<JourneyState>(SdkConfig::sharedInstance(), std::move(cardId)))) {}
     ~Impl() { stack_->end(); }
 
     void appear() {
@@ -35,28 +40,30 @@ class Journey::Impl {
         stack_->start(std::make_shared<JourneyHost>(stack_, hostOf(kind_)));
     }
 
-    NavigationStack& stack() { return *stack_; }
+    NavigationStack& stack() const { return *stack_; }
+    std::shared_ptr<NavigationStack> sharedStack() const { return stack_; }
 
     /// Runs `use` on the screen in view, which stays alive meanwhile even if the journey ends in it.
     template <class Use>
     Outcome onScreen(Use use) const {
-        // Another journey may have been made since: what a person does here is meant for this one's card.
-        SdkConfig::sharedInstance().cardId = cardId_;
         const auto screen = stack_->inView();
         return screen ? use(*screen) : Outcome::noSuchControl;
     }
 
   private:
     JourneyKind kind_;
-    std::string cardId_;
     bool appeared_ = false;
-    std::shared_ptr<NavigationStack> stack_ = std::make_shared<NavigationStack>();
+    std::shared_ptr<NavigationStack> stack_;
 };
+
+std::shared_ptr<JourneyState> JourneyProbe::state(const Journey& journey) {
+    return journey.impl_->stack().state();
+}
 
 Journey::Journey(JourneyKind kind, std::string cardId) : impl_(std::make_shared<Impl>(kind, cardId)) {
     // All journeys log this one's name (deliberate).
     log({"SetPIN init - cardID param = ", cardId});
-    SdkConfig::sharedInstance().cardId = cardId;
+    impl_->stack().state()->sdk.cardId = cardId;
     log({"SetPIN init - SdkConfig.sharedInstance.cardId now = ", cardId});
 }
 
@@ -90,6 +97,17 @@ Journey::Outcome Journey::deleteBackward() {
 
 void Journey::hideSensitive() {
     impl_->stack().hideSensitive();
+}
+
+JourneyId Journey::id() const {
+    return impl_->stack().state()->id;
+}
+
+void Journey::close() {
+    const auto stack = impl_->sharedStack();  // the host may destroy the journey when it hears the result
+    const auto screen = stack->inView();
+    if (stack->state()->resultPosted) return;
+    closeJourney(*stack->state(), screen ? screen->closeResult() : CloseResult::canceled);
 }
 
 void Journey::onChange(std::function<void()> changed) {

@@ -12,18 +12,19 @@
 #include "flows/ViewTables.h"
 #include "operations/Operations.h"
 #include "platform/Log.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
 
-std::string_view firstSetPinView() {
-    const bool physical = SdkConfig::sharedInstance().currentCardType == eKorvaneCardType::physical;
-    return takeCardStatus() == "P2" && physical ? view::CardIsNotYetActivatedView : view::EnterCardPINView;
+std::string_view firstSetPinView(JourneyState& state) {
+    const bool physical = state.currentCardType == eKorvaneCardType::physical;
+    return takeCardStatus(state) == "P2" && physical ? view::CardIsNotYetActivatedView
+                                                     : view::EnterCardPINView;
 }
 
-std::string_view firstActivationView() {
-    const std::string status = takeCardStatus();
+std::string_view firstActivationView(JourneyState& state) {
+    const std::string status = takeCardStatus(state);
     return status == "A1" || status == "BT" ? view::CardAlreadyActivatedView
                                             : view::ActivateCardAndSetPIN_NoNav;
 }
@@ -61,7 +62,7 @@ constexpr JourneyHost::Kind cardViewerIn(const ViewTable& table) {
     return {.table = table,
             .noNavName = view::CardImage_NoNav,
             .appearName = "CardImageAppearStruct",
-            .firstView = [] { return view::CardImage_NoNav; },
+            .firstView = [](JourneyState&) { return view::CardImage_NoNav; },
             .startPage = makeStartPage<CardViewer>,
             .details = doCardImage,
             .consoleName = "GetCardImage_NoNav",  // not its name (deliberate)
@@ -80,12 +81,12 @@ const JourneyHost::Kind cardImage_NoNav = cardViewerIn(table::cardImage_NoNav);
 }  // namespace journey
 
 JourneyHost::JourneyHost(std::shared_ptr<NavigationStack> stack, const Kind& kind)
-    : ViewHost(std::move(stack), kind.table), kind_(kind), cardID_(SdkConfig::sharedInstance().cardId) {}
+    : ViewHost(std::move(stack), kind.table), kind_(kind) {}
 
 void JourneyHost::onAppear() {
     logAppearance(viewName());
-    // Said each time the host comes into view: a journey that stood on top of it may have said otherwise.
-    SdkConfig::sharedInstance().setPinOnly = kind_.setPinOnly;
+    // Set each time the host comes into view: a journey nested above it may have set another value.
+    state().setPinOnly = kind_.setPinOnly;
     if (!appearStruct_) startDecision();
 }
 
@@ -93,9 +94,8 @@ void JourneyHost::logAppearance(std::string_view name) const {
     const bool isNoNav = name == kind_.noNavName;
     log({".onAppear in ", inClear(isNoNav ? kind_.consoleName : name)});
     if (!isNoNav || !kind_.printsCardIds) return;
-    log({inClear(name),
-         " - onAppear - SdkConfig.sharedInstance.cardId = ", SdkConfig::sharedInstance().cardId});
-    log({inClear(name), " - onAppear - self.cardID = ", cardID_});
+    log({inClear(name), " - onAppear - SdkConfig.sharedInstance.cardId = ", state().sdk.cardId});
+    log({inClear(name), " - onAppear - self.cardID = ", state().cardId});
 }
 
 void JourneyHost::show(std::string_view viewName) {
@@ -110,6 +110,7 @@ void JourneyHost::show(std::string_view viewName) {
 
 void JourneyHost::startDecision() {
     appearStruct_ = std::make_shared<AppearStruct>(
+        sharedState(),
         AppearStruct::Journey{kind_.appearName, kind_.noNavName, kind_.firstView, kind_.details},
         [weak = weak(this)] {
             if (const auto self = weak.lock()) self->decided();

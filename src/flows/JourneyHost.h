@@ -22,11 +22,12 @@ class JourneyHost : public ViewHost {
         std::string_view
             noNavName;  ///< the name by which other journeys show this one, and the SMS step returns
         std::string_view appearName;  ///< "SetPinAppearStruct"
-        std::string_view (*firstView)();
+        std::string_view (*firstView)(JourneyState&);
         bool setPinOnly = false;  ///< whether this journey, left to itself, only sets the PIN
         /// The page that the host's own name stands for as a first view; null when there is none.
         std::shared_ptr<Screen> (*startPage)(const std::shared_ptr<NavigationStack>&) = nullptr;
-        Operation (*details)(OperationCompletion) = nullptr;  ///< what the first view needs but the status
+        Handle (*details)(StatePtr,
+                          OperationCompletion) = nullptr;  ///< what the first view needs but the status
         std::string_view consoleName =
             noNavName;               ///< of `noNavName` in console lines of its coming into view
         bool printsCardIds = false;  ///< then, too
@@ -47,7 +48,6 @@ class JourneyHost : public ViewHost {
     void decided();
 
     const Kind& kind_;
-    const std::string cardID_;
     std::shared_ptr<AppearStruct> appearStruct_;
 };
 

@@ -9,10 +9,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace korvane {
 
+struct JourneyState;
 class Screen;
 class ViewHost;
 
@@ -21,6 +23,11 @@ class ViewHost;
 /// Screens hold it, and it holds them, until `end`.
 class NavigationStack : public std::enable_shared_from_this<NavigationStack> {
   public:
+    explicit NavigationStack(std::shared_ptr<JourneyState> state) : state_(std::move(state)) {}
+
+    /// Of the journey that all the screens belong to.
+    const std::shared_ptr<JourneyState>& state() const { return state_; }
+
     /// Shows `root`; from now on screens come into view.
     void start(std::shared_ptr<Screen> root);
     /// Lets go of everything. Later calls do nothing.
@@ -65,6 +72,7 @@ class NavigationStack : public std::enable_shared_from_this<NavigationStack> {
     void settle();
     void startToast();
 
+    const std::shared_ptr<JourneyState> state_;
     std::vector<std::shared_ptr<Screen>> frames_;
     std::vector<std::uint64_t> appeared_;  // instances in view when it last settled
     bool settling_ = false;

@@ -7,7 +7,7 @@
 #include "flows/NavigationStack.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 
@@ -83,16 +83,22 @@ void ResultPage::act(const Button& button) {
             dismiss();
             break;
         case Does::close:
-            closeJourney(button.result);
+            closeJourney(state(), button.result);
             break;
         case Does::activateCard:
             stack().push(makeScreen(sharedStack(), view::ActivateCardAndSetPIN_NoNav, ScreenArguments{}));
             break;
         case Does::setPinOnly:
-            SdkConfig::sharedInstance().setPinOnly = true;
+            state().setPinOnly = true;
             stack().push(makeScreen(sharedStack(), view::EnterCardPINView, ScreenArguments{}));
             break;
     }
+}
+
+CloseResult ResultPage::closeResult() const {
+    const auto closing = std::find_if(row_.buttons.begin(), row_.buttons.end(),
+                                      [](const Button& each) { return each.does == Does::close; });
+    return closing == row_.buttons.end() ? CloseResult::canceled : closing->result;
 }
 
 std::vector<Screen::ScreenControl> ResultPage::controls() {

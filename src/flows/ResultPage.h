@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "flows/CloseJourney.h"
 #include "flows/Screen.h"
 
 namespace korvane {
@@ -41,6 +40,8 @@ class ResultPage final : public Screen {
     static std::span<const Row> rows();
 
     ResultPage(std::shared_ptr<NavigationStack> stack, const Row& row);
+
+    CloseResult closeResult() const override;
 
   protected:
     std::vector<ScreenControl> controls() override;

@@ -8,7 +8,7 @@
 #include "flows/SMSCodeRequest.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 
@@ -18,27 +18,24 @@ SMSExplainView::SMSExplainView(std::shared_ptr<NavigationStack> stack)
           "sdk.sms.explain.button", [this] { return std::make_shared<EnterSMSCodeView>(sharedStack()); },
           [this](const KorvaneNavigationToken& token) {
               showSpinner_ = true;
-              SdkConfig& config = SdkConfig::sharedInstance();
-              config.viewToShowAfterSMSVerify = config.viewToShowAfterSMSVerifyBackup = returnTo_;
-              requestSMSCode([weak = weak(this), token](const KorvaneRetStruct& result) {
-                  const auto self = weak.lock();
-                  if (!self) return;
-                  self->showSpinner_ = false;
-                  if (!result.error) {
-                      token();
-                  } else if (self->stack().isInView(*self)) {
-                      self->stack().push(makeScreen(self->sharedStack(), view::UhOhTryAgainWithErrorMsgView,
-                                                    ScreenArguments{}));
-                  }
-                  self->changed();
-              });
+              request_ =
+                  requestSMSCode(sharedState(), [weak = weak(this), token](const KorvaneRetStruct& result) {
+                      const auto self = weak.lock();
+                      if (!self) return;
+                      self->showSpinner_ = false;
+                      if (!result.error) {
+                          token();
+                      } else if (self->stack().isInView(*self)) {
+                          self->stack().push(makeScreen(
+                              self->sharedStack(), view::UhOhTryAgainWithErrorMsgView, ScreenArguments{}));
+                      }
+                      self->changed();
+                  });
               changed();
           }) {}
 
 void SMSExplainView::onAppear() {
-    SdkConfig& config = SdkConfig::sharedInstance();
-    if (returnTo_.empty()) returnTo_ = config.viewToShowAfterSMSVerify;
-    config.viewToShowAfterSMSVerifyBackup = returnTo_;
+    state().viewToShowAfterSMSVerifyBackup = state().viewToShowAfterSMSVerify;
 }
 
 std::vector<Screen::ScreenControl> SMSExplainView::controls() {

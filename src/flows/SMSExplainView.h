@@ -22,7 +22,7 @@ class SMSExplainView final : public Screen {
 
   private:
     KorvaneActionNavigationLink send_;
-    std::string returnTo_;  // what this step was needed for: another journey may ask for one meanwhile
+    Handle request_;
     bool showSpinner_ = false;
 };
 

@@ -69,6 +69,14 @@ Journey::Outcome Screen::deleteBackward() {
     });
 }
 
+JourneyState& Screen::state() const {
+    return *stack_->state();
+}
+
+const std::shared_ptr<JourneyState>& Screen::sharedState() const {
+    return stack_->state();
+}
+
 void Screen::changed() const {
     stack_->changed();
 }

@@ -10,16 +10,18 @@
 #include <string_view>
 #include <vector>
 
+#include "flows/CloseJourney.h"
+
 namespace korvane {
 
+struct JourneyState;
 class KorvanePassCodeInput;
 class NavigationStack;
 
 /// One screen of a journey: what it shows, what a person can do on it, and what then happens. Main thread
 /// only.
 ///
-/// The navigation stack owns it. Work that outlives a call captures `weak()`: a screen that is gone when an
-/// answer arrives is never touched.
+/// The navigation stack owns it, and it owns the handles of what it starts: what is under way ends with it.
 class Screen : public std::enable_shared_from_this<Screen> {
   public:
     Screen(std::shared_ptr<NavigationStack> stack, std::string_view viewName);
@@ -40,6 +42,8 @@ class Screen : public std::enable_shared_from_this<Screen> {
     virtual void resumeAfterSMSVerify() {}
     /// Others may see the screen from now on: puts masks over card data.
     virtual void hideSensitive() {}
+    /// The result of the journey if it is closed from outside while this screen is in view.
+    virtual CloseResult closeResult() const { return CloseResult::canceled; }
 
     void describe(ScreenSnapshot& snapshot);
     Journey::Outcome perform(std::string_view controlId);
@@ -64,6 +68,9 @@ class Screen : public std::enable_shared_from_this<Screen> {
     virtual void passcodeChanged() {}
 
     NavigationStack& stack() const { return *stack_; }
+    /// What describes the journey that this screen belongs to.
+    JourneyState& state() const;
+    const std::shared_ptr<JourneyState>& sharedState() const;
     const std::shared_ptr<NavigationStack>& sharedStack() const { return stack_; }
     /// Says that something to be drawn has changed.
     void changed() const;

@@ -7,11 +7,12 @@
 #include "flows/EnterCardDigitsView.h"
 #include "flows/EnterCardPINView.h"
 #include "flows/JourneyHost.h"
+#include "flows/NavigationStack.h"
 #include "flows/ResultPage.h"
 #include "flows/SMSExplainView.h"
 #include "flows/ViewNames.h"
 #include "flows/ViewTables.h"
-#include "sdk/SdkConfig.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
@@ -23,11 +24,12 @@ struct Maker {
     std::shared_ptr<Screen> (*make)(const Stack&, const ScreenArguments&);
 };
 
-/// Shown anew after the SMS step, the confirm screen has no first entry: the PIN that waits takes its place
-/// and is submitted at once.
+/// Shown anew after the SMS step, the confirm screen has no first entry: the pending PIN takes its place and
+/// is submitted at once. Without either there is nothing to confirm, and the PIN is entered anew.
 std::shared_ptr<Screen> makeConfirmCardPINView(const Stack& stack, const ScreenArguments& arguments) {
     const bool fresh = arguments.enteredPin.empty();
-    const std::string& pin = fresh ? SdkConfig::sharedInstance().pendingPin : arguments.enteredPin;
+    const std::string& pin = fresh ? stack->state()->pendingPin : arguments.enteredPin;
+    if (pin.empty()) return std::make_shared<EnterCardPINView>(stack);
     return std::make_shared<ConfirmCardPINView>(stack, pin, fresh);
 }
 

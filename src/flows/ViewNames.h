@@ -32,6 +32,7 @@ inline constexpr std::string_view UhOhContactSupportView = "UhOhContactSupportVi
 
 // Multi views: pushed, but never seen themselves.
 inline constexpr std::string_view EnterCardPINMultiView = "EnterCardPINMultiView";
+inline constexpr std::string_view ConfirmCardPINMultiView = "ConfirmCardPINMultiView";
 inline constexpr std::string_view AutoNavMultiView = "AutoNavMultiView";
 inline constexpr std::string_view ActivateCardAndSetPINMultiView = "ActivateCardAndSetPINMultiView";
 inline constexpr std::string_view CardImageActivateMultiView = "CardImageActivateMultiView";

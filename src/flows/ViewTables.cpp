@@ -23,6 +23,10 @@ constexpr std::array cardImageViews{SMSExplainView, CardImage_NoNav, UhOhContact
 
 constexpr std::array enterCardPINViews{YouCanDoBetterView, ConfirmCardPINView};
 
+constexpr std::array confirmCardPINViews{
+    SuccessCardActivatedAndPinSetView, SuccessPinSetView, SomethingDoesntMatchView,
+    UhOhTryAgainWithErrorMsgView,      SMSExplainView,    ConfirmCardPINView};
+
 constexpr std::array autoNavViews{UhOhTryAgainView,
                                   UhOhContactSupportView,
                                   SMSExplainView,
@@ -48,6 +52,7 @@ const ViewTable activateCardAndSetPIN_NoNav{ActivateCardAndSetPIN_NoNav, activat
 const ViewTable getCardImage{GetCardImage, cardImageViews};
 const ViewTable cardImage_NoNav{CardImage_NoNav, cardImageViews};
 const ViewTable enterCardPINMultiView{EnterCardPINMultiView, enterCardPINViews};
+const ViewTable confirmCardPINMultiView{ConfirmCardPINMultiView, confirmCardPINViews};
 const ViewTable autoNavMultiView{AutoNavMultiView, autoNavViews};
 const ViewTable activateCardAndSetPINMultiView{ActivateCardAndSetPINMultiView, activateNextViews};
 const ViewTable cardImageActivateMultiView{CardImageActivateMultiView, cardImageActivateViews};

@@ -13,6 +13,7 @@ extern const ViewTable activateCardAndSetPIN_NoNav;
 extern const ViewTable getCardImage;
 extern const ViewTable cardImage_NoNav;
 extern const ViewTable enterCardPINMultiView;
+extern const ViewTable confirmCardPINMultiView;
 extern const ViewTable autoNavMultiView;
 extern const ViewTable activateCardAndSetPINMultiView;
 extern const ViewTable cardImageActivateMultiView;

@@ -17,49 +17,49 @@ std::string decipherAndLog(WireText& value, std::string_view name, const std::ve
     return *std::move(value);
 }
 
-std::optional<std::string> storeCardDetails(RestGetCardImage& reply, const std::vector<std::uint8_t>& iv) {
-    SdkConfig& config = SdkConfig::sharedInstance();
-    const auto store = [&](std::string SdkConfig::*field, WireText& enciphered, std::string_view name) {
-        config.*field = decipherAndLog(enciphered, name, iv);
+std::optional<std::string> storeCardDetails(JourneyState& state, RestGetCardImage& reply,
+                                            const std::vector<std::uint8_t>& iv) {
+    const auto store = [&](std::string JourneyState::*field, WireText& enciphered, std::string_view name) {
+        state.*field = decipherAndLog(enciphered, name, iv);
     };
     std::optional<std::string> report;
 
-    store(&SdkConfig::decCardImage, reply.encryptedCardImage, "CardImage");
+    store(&JourneyState::decCardImage, reply.encryptedCardImage, "CardImage");
     auto disclosures =
         decodeDisclosures(decipherAndLog(reply.encryptedCardDisclosures, "CardDisclosures", iv));
     if (auto* const decoded = std::get_if<DecryptedCardDisclosure>(&disclosures)) {
-        config.decodedDisclosuresStruct = std::move(*decoded);
+        state.decodedDisclosuresStruct = std::move(*decoded);
     } else {
-        config.decodedDisclosuresStruct.reset();
+        state.decodedDisclosuresStruct.reset();
         report = "disclosure decode failed";
         log(inClear(*report));
     }
-    store(&SdkConfig::decPan, reply.encryptedPan, "Pan");
+    store(&JourneyState::decPan, reply.encryptedPan, "Pan");
     // Fixed, so that a mask tells nothing of what it hides, not even its length (deliberate).
-    config.decMaskedPan = "################";
-    store(&SdkConfig::decCvv, reply.encryptedCvv, "Cvv");
-    config.decMaskedCvv = "###";
-    store(&SdkConfig::decExpiryDate, reply.encryptedExpiryDate, "ExpiryDate");
-    store(&SdkConfig::decFirstName, reply.encryptedFirstName, "FirstName");
-    store(&SdkConfig::decMiddleName, reply.encryptedMiddleName, "MiddleName");
-    store(&SdkConfig::decLastName, reply.encryptedLastName, "LastName");
-    store(&SdkConfig::decCardNetwork, reply.encryptedCardNetwork, "CardNetwork");
+    state.decMaskedPan = "################";
+    store(&JourneyState::decCvv, reply.encryptedCvv, "Cvv");
+    state.decMaskedCvv = "###";
+    store(&JourneyState::decExpiryDate, reply.encryptedExpiryDate, "ExpiryDate");
+    store(&JourneyState::decFirstName, reply.encryptedFirstName, "FirstName");
+    store(&JourneyState::decMiddleName, reply.encryptedMiddleName, "MiddleName");
+    store(&JourneyState::decLastName, reply.encryptedLastName, "LastName");
+    store(&JourneyState::decCardNetwork, reply.encryptedCardNetwork, "CardNetwork");
     return report;
 }
 
 }  // namespace
 
-Operation doCardImage(OperationCompletion completion) {
+Handle doCardImage(StatePtr state, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doCardImage",
         .endpoint = "getCardImage",
-        .values = {{&SdkConfig::cardId}, {&SdkConfig::currentPciToken}},
+        .values = {{&JourneyState::cardId}, {&SdkConfig::currentPciToken}},
         .send = sendTo<RestGetCardImage, &API::getCardImage, 2, storeCardDetails>,
         .noReplyMsg = "api.getCardStatus resp is nil",  // names another operation (deliberate)
         .noResultMsg = "Encrypted result nil",
         .storeTextIsFailure = false,  // the card can be used without its disclosures
     };
-    return runOperation(description, {}, std::move(completion));
+    return runOperation(description, std::move(state), {}, std::move(completion));
 }
 
 }  // namespace korvane

@@ -7,19 +7,19 @@
 namespace korvane {
 namespace {
 
-std::optional<std::string> storeCardStatus(RestGetCardStatus& reply, const std::vector<std::uint8_t>& iv) {
-    SdkConfig& config = SdkConfig::sharedInstance();
+std::optional<std::string> storeCardStatus(JourneyState& state, RestGetCardStatus& reply,
+                                           const std::vector<std::uint8_t>& iv) {
     if (!reply.encryptedCardStatus) return "Encrypted card status nil";
     log({"theEncCardStatus: ", *reply.encryptedCardStatus});
-    config.decCardStatus = decryptField(iv, *reply.encryptedCardStatus);
-    log({"decCardStatus: ", config.decCardStatus});
+    state.decCardStatus = decryptField(iv, *reply.encryptedCardStatus);
+    log({"decCardStatus: ", state.decCardStatus});
 
     if (!reply.encryptedCardType) return "Encrypted card type nil";
     log({"theEncCardType: ", *reply.encryptedCardType});
     const std::string text = decryptField(iv, *reply.encryptedCardType);
     log({"decCardType: ", text});
     if (const auto type = cardTypeFromText(text)) {
-        config.currentCardType = *type;
+        state.currentCardType = *type;
         log({"SdkConfig.sharedInstance.currentCardType = ", inClear(cardTypeCaseName(*type))});
     } else {
         // The line says physical, yet the type stays what it was (deliberate).
@@ -30,31 +30,31 @@ std::optional<std::string> storeCardStatus(RestGetCardStatus& reply, const std::
 
 }  // namespace
 
-Operation doGetCardStatus(OperationCompletion completion) {
+Handle doGetCardStatus(StatePtr state, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doGetCardStatus",
         .endpoint = "getCardStatus",
-        .values = {{&SdkConfig::cardId}, {&SdkConfig::currentPciToken}},
+        .values = {{&JourneyState::cardId}, {&SdkConfig::currentPciToken}},
         .send = sendTo<RestGetCardStatus, &API::getCardStatus, 2, storeCardStatus>,
         .onTrack = "doGetCardStatus(...) on track...",
         .errLine = "api.getCardStatus err != nil",
         .noReplyMsg = "api.getCardStatus resp is nil",
         .noResultMsg = "Encrypted result nil",
     };
-    return runOperation(description, {}, std::move(completion));
+    return runOperation(description, std::move(state), {}, std::move(completion));
 }
 
-Operation doSetCardStatus(std::string status, OperationCompletion completion) {
+Handle doSetCardStatus(StatePtr state, std::string status, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doSetCardStatus",
         .endpoint = "setCardStatus",
-        .values = {{&SdkConfig::cardId}, {0u}, {&SdkConfig::currentPciToken}},
+        .values = {{&JourneyState::cardId}, {0u}, {&SdkConfig::currentPciToken}},
         .send = sendTo<RestSetCardStatus, &API::setCardStatus, 3>,
         .onTrack = "doSetCardStatus(...) on track...",
         .noReplyMsg = "api.getCardStatus resp is nil",  // names another operation (deliberate)
         .noResultMsg = "Encrypted result nil",
     };
-    return runOperation(description, argumentsFrom({status}), std::move(completion));
+    return runOperation(description, std::move(state), argumentsFrom({status}), std::move(completion));
 }
 
 }  // namespace korvane

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "operations/OperationEngine.h"
 
-#include <korvane/platform/Ports.h>
-
 #include "base/Text.h"
 #include "platform/Log.h"
 #include "transport/FieldCipher.h"
@@ -12,44 +10,38 @@ namespace korvane {
 namespace {
 
 /// One operation from its start to its completion, all its re-runs included. Every re-run starts from the
-/// main queue and leaves nothing behind, so that it can go on without end. Owned by what it waits for: the
-/// call's completion, or the continuation that the host holds.
-class Run final : public OperationHandle, public std::enable_shared_from_this<Run> {
+/// main queue and leaves nothing behind, so that it can go on without end. The handle owns it; what it waits
+/// for holds it weakly.
+class Run final : public std::enable_shared_from_this<Run> {
   public:
-    Run(const OperationDescription& description, Arguments arguments, OperationCompletion completion)
-        : does_(description), arguments_(std::move(arguments)), completion_(std::move(completion)) {}
+    Run(const OperationDescription& description, StatePtr state, Arguments arguments,
+        OperationCompletion completion)
+        : does_(description),
+          state_(std::move(state)),
+          arguments_(std::move(arguments)),
+          completion_(std::move(completion)) {}
 
     void start() {
         log({"inside (middlelayer) ", inClear(does_.name), "( ... )"});
-        if (ivAtHand()) {
+        if (ivAtHand(state_->sdk)) {
             send();
             return;
         }
         log("need to get new iv...");
-        requestIv([self = shared_from_this()](std::optional<KorvaneRetStruct> result, const auto& ivId,
-                                              const auto& ivBytes) {
-            if (self->isOver()) return;
-            if (!result || !ivId || !ivBytes) return self->finish(ivFailure(std::move(result)));
-            log({"got iv.. now recalling the method... ", inClear(self->does_.name), "..."});
-            self->start();
-        });
-    }
-
-    void cancel() override {
-        if (isOver()) return;
-        cancelled_ = true;
-        if (const auto call = call_.lock()) {
-            call->cancel();
-        } else {
-            ports().mainQueue->post([self = shared_from_this()] { self->failed(cancelledError()); });
-        }
+        underWay_ =
+            obtainIv(state_->sdk, IvReason::noneHeld,
+                     [weak = weak_from_this()](std::optional<KorvaneRetStruct> failure) {
+                         const auto self = weak.lock();
+                         if (!self) return;
+                         if (failure) return self->finish(*std::move(failure));
+                         log({"got iv.. now recalling the method... ", inClear(self->does_.name), "..."});
+                         self->start();
+                     });
     }
 
   private:
-    bool isOver() const { return cancelled_ || ended_; }
-
     void send() {
-        const SdkConfig& config = SdkConfig::sharedInstance();
+        const SdkConfig& config = state_->sdk;
         iv_ = config.ivByteArray;
         log("have iv (now?)... use it:");
         log(inClear(does_.onTrack));
@@ -58,28 +50,29 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
             log({"offsetId = ", config.ivIdStr});
             for (const SentValue& value : does_.values) log({inClear(value.label), plain(value)});
         }
-        if (does_.beforeSending) does_.beforeSending();
+        if (does_.beforeSending) does_.beforeSending(state_->sdk);
 
         Sent sent{config.ivIdStr, {}};
         for (const SentValue& value : does_.values) sent.values.push_back(encryptField(iv_, plain(value)));
         log({"Calling api.", inClear(does_.endpoint), "..."});
-        API api;
-        call_ = does_.send(
-            api, sent,
-            [self = shared_from_this()](std::optional<Reply> reply, std::optional<CallError> error) {
-                self->call_.reset();
+        API api(state_->sdk, state_->cardId);
+        underWay_ = does_.send(
+            api, sent, [weak = weak_from_this()](std::optional<Reply> reply, std::optional<CallError> error) {
+                const auto self = weak.lock();
+                if (!self) return;
                 if (error) return self->failed(*error);
                 if (!self->does_.beforeReading) return self->answered(std::move(reply));
-                self->does_.beforeReading([self, reply = std::move(reply)]() mutable {
-                    if (!self->isOver()) self->answered(std::move(reply));
+                self->does_.beforeReading(self->state_->sdk, [weak, reply = std::move(reply)]() mutable {
+                    if (const auto waiting = weak.lock()) waiting->answered(std::move(reply));
                 });
             });
     }
 
     const std::string& plain(const SentValue& value) const {
-        if (const auto* field = std::get_if<std::string SdkConfig::*>(&value.source)) {
-            return SdkConfig::sharedInstance().**field;
-        }
+        if (const auto* field = std::get_if<const std::string SdkConfig::*>(&value.source))
+            return state_->sdk.**field;
+        if (const auto* field = std::get_if<const std::string JourneyState::*>(&value.source))
+            return (*state_).**field;
         return *arguments_.at(std::get<std::size_t>(value.source));
     }
 
@@ -105,7 +98,7 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
             log("err has response with no data (no biggie)");
         }
         // Not looked at for IV words (deliberate): only a result that came with status 200 leads to a new IV.
-        finish(handleNon200or401(error, payload.value_or(ErrorPayload{})));
+        finish(handleNon200or401(state_->sdk, error, payload.value_or(ErrorPayload{})));
     }
 
     void answered(std::optional<Reply> reply) {
@@ -127,7 +120,7 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
     }
 
     KorvaneRetStruct outcomeOf(const Reply& reply) const {
-        const auto report = reply.store ? reply.store(iv_) : std::nullopt;
+        const auto report = reply.store ? reply.store(*state_, iv_) : std::nullopt;
         KorvaneRetStruct record = report ? failure(*report) : KorvaneRetStruct{};
         record.error = report && does_.storeTextIsFailure;
         return record;
@@ -135,9 +128,10 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
 
     void refreshIv(std::string_view reason) {
         log({"Got error = ", inClear(reason), ".. calling api.refreshIV..."});
-        requestIv([self = shared_from_this()](const auto&...) {
-            if (self->isOver()) return;
-            // Whatever came of it (deliberate): without a usable IV the next run asks again and fails there.
+        underWay_ = obtainIv(state_->sdk, IvReason::refused, [weak = weak_from_this()](const auto&) {
+            const auto self = weak.lock();
+            if (!self) return;
+            // Whatever the outcome (deliberate): without an IV the next run asks again and fails there.
             log({"refreshed the IV... now recalling ", inClear(self->does_.name)});
             self->start();
         });
@@ -151,7 +145,7 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
     }
 
     void close(KorvaneRetStruct record) {
-        takeLastJsonResponse(record);
+        takeLastJsonResponse(state_->sdk, record);
         log({"KorvaneRetStruct(error: ", inClear(record.error ? "true" : "false"), ", errorMsg: \"",
              record.errorMsg, "\", errorMsgEnc: \"", record.errorMsgEnc, "\", errorMsgDec: \"",
              record.errorMsgDec, "\", jsonResponseStr: \"", record.jsonResponseStr, "\")"});
@@ -159,26 +153,25 @@ class Run final : public OperationHandle, public std::enable_shared_from_this<Ru
     }
 
     void finish(KorvaneRetStruct record) {
-        takeLastJsonResponse(record);
-        ended_ = true;
+        takeLastJsonResponse(state_->sdk, record);
         arguments_.clear();
         if (const auto completion = std::exchange(completion_, nullptr)) completion(std::move(record));
     }
 
     const OperationDescription& does_;
+    const StatePtr state_;
     Arguments arguments_;
     OperationCompletion completion_;
     std::vector<std::uint8_t> iv_;  // of the call under way: its reply is deciphered with the same
-    std::weak_ptr<Cancellable> call_;
-    bool cancelled_ = false;
-    bool ended_ = false;
+    Handle underWay_;               // the call, or the question for an IV
 };
 
 }  // namespace
 
-Operation runOperation(const OperationDescription& description, Arguments arguments,
-                       OperationCompletion completion) {
-    auto run = std::make_shared<Run>(description, std::move(arguments), std::move(completion));
+Handle runOperation(const OperationDescription& description, StatePtr state, Arguments arguments,
+                    OperationCompletion completion) {
+    auto run =
+        std::make_shared<Run>(description, std::move(state), std::move(arguments), std::move(completion));
     run->start();
     return run;
 }

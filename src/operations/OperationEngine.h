@@ -14,7 +14,6 @@
 
 #include "base/Secret.h"
 #include "operations/Operations.h"
-#include "sdk/SdkConfig.h"
 #include "transport/API.h"
 
 namespace korvane {
@@ -22,9 +21,9 @@ namespace korvane {
 /// The caller's values; wiped when the operation ends.
 using Arguments = std::vector<Wiped<std::string>>;
 
-/// A value that is enciphered and sent: a field of the shared state, or the n-th argument.
+/// A value that is enciphered and sent: a field of the process or of the journey, or the n-th argument.
 struct SentValue {
-    std::variant<std::string SdkConfig::*, std::size_t> source;
+    std::variant<const std::string SdkConfig::*, const std::string JourneyState::*, std::size_t> source;
     std::string_view label{};  ///< of its console line, "pin = "
 };
 
@@ -34,9 +33,10 @@ struct Sent {
     std::vector<std::string> values;  ///< enciphered, in the order of the description's values
 };
 
-/// What a successful reply leads to: stores the reply's values, deciphered with `iv`, in the shared state.
+/// What a successful reply leads to: stores the reply's values, deciphered with `iv`, in the journey's state.
 /// Gives none, or the text ("" too) of the failure that the reply, or a part of it, turns out to be.
-using Store = std::function<std::optional<std::string>(const std::vector<std::uint8_t>& iv)>;
+using Store =
+    std::function<std::optional<std::string>(JourneyState& state, const std::vector<std::uint8_t>& iv)>;
 
 /// An endpoint's reply, whatever its record.
 struct Reply {
@@ -50,13 +50,14 @@ struct OperationDescription {
     std::string_view name;          ///< "doPinSet"
     std::string_view endpoint;      ///< "pinSet", as console lines name it
     std::vector<SentValue> values;  ///< in the order of sending
-    CancelHandle (*send)(API& api, const Sent& sent, ReplyHandler handler);
+    Handle (*send)(API& api, const Sent& sent, ReplyHandler handler);
 
     std::string_view onTrack = "ok we're back on track...";
     bool printsSeparator = false;  ///< a line of "=" behind that
     bool printsValues = false;     ///< each value in clear (deliberate)
-    void (*beforeSending)() = nullptr;
-    void (*beforeReading)(std::function<void()> goOn) = nullptr;  ///< holds a reply back until it calls that
+    void (*beforeSending)(SdkConfig& config) = nullptr;
+    void (*beforeReading)(SdkConfig& config,
+                          std::function<void()> goOn) = nullptr;  ///< holds a reply back until it calls that
 
     std::string_view errLine{};        ///< in place of "NAME() (middle layer) err != nil"
     std::string_view cancelledLine{};  ///< with the next: a cancelled request is a case of its own
@@ -68,36 +69,38 @@ struct OperationDescription {
     bool judgesResult = true;        ///< false: a reply is stored whatever its result word says
 };
 
-/// Runs the operation that `description` describes; it must outlive the run. Main thread.
-Operation runOperation(const OperationDescription& description, Arguments arguments,
-                       OperationCompletion completion);
+/// Runs the operation that `description` describes, for the journey of that state; the description must
+/// outlive the run. Main thread.
+[[nodiscard]] Handle runOperation(const OperationDescription& description, StatePtr state,
+                                  Arguments arguments, OperationCompletion completion);
 
 /// Takes over texts as arguments and wipes the originals.
 Arguments argumentsFrom(std::initializer_list<std::reference_wrapper<std::string>> texts);
 
 /// A `Store` that still lacks its record. Runs once, and may use up the record's texts.
 template <class Record>
-using StoreRecord = std::optional<std::string> (*)(Record& record, const std::vector<std::uint8_t>& iv);
+using StoreRecord = std::optional<std::string> (*)(JourneyState& state, Record& record,
+                                                   const std::vector<std::uint8_t>& iv);
 
 /// Turns an endpoint's typed completion into the engine's.
 template <class Record>
 Completion<Record> replyTo(ReplyHandler handler, StoreRecord<Record> store) {
-    return
-        [handler = std::move(handler), store](std::optional<Record> record, std::optional<CallError> error) {
-            if (!record) return handler(std::nullopt, std::move(error));
-            Reply reply{record->encryptedResult, {}};
-            if (store) {
-                reply.store = [record = *std::move(record), store](const auto& iv) mutable {
-                    return store(record, iv);
-                };
-            }
-            handler(std::move(reply), std::nullopt);
-        };
+    return [handler = std::move(handler), store](std::optional<Record> record,
+                                                 std::optional<CallError> error) {
+        if (!record) return handler(std::nullopt, std::move(error));
+        Reply reply{record->encryptedResult, {}};
+        if (store) {
+            reply.store = [record = *std::move(record), store](JourneyState& state, const auto& iv) mutable {
+                return store(state, record, iv);
+            };
+        }
+        handler(std::move(reply), std::nullopt);
+    };
 }
 
 /// A description's `send`: calls the method of `API` with the IV's id and the `count` values.
 template <class Record, auto method, std::size_t count, StoreRecord<Record> store = nullptr>
-CancelHandle sendTo(API& api, const Sent& sent, ReplyHandler handler) {
+Handle sendTo(API& api, const Sent& sent, ReplyHandler handler) {
     return [&]<std::size_t... i>(std::index_sequence<i...>) {
         return (api.*method)(sent.ivId, sent.values[i]..., replyTo<Record>(std::move(handler), store));
     }

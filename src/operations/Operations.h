@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "base/Handle.h"
+#include "sdk/JourneyState.h"
 #include "sdk/KorvaneRetStruct.h"
 
 namespace korvane {
@@ -12,33 +14,30 @@ namespace korvane {
 /// Runs on the main queue, at most once, never from inside the call that started the operation.
 using OperationCompletion = std::function<void(KorvaneRetStruct)>;
 
-/// A started operation. Releasing the handle changes nothing: the operation goes on to its completion.
-class OperationHandle {
-  public:
-    virtual ~OperationHandle() = default;
+using StatePtr = std::shared_ptr<JourneyState>;
 
-    /// Gives the operation up: a request under way is cancelled, and the operation ends as a request does
-    /// that was cancelled, with code -999. Nothing happens when it has ended. Main thread.
-    virtual void cancel() = 0;
-};
+// Each operation enciphers its values and those of the journey's state under the current IV, asking the host
+// for one first when none is held, and calls one endpoint. A refused IV is replaced and the operation runs
+// again, without limit (deliberate).
+//
+// The handle is the owner's right to the completion. When it is released the operation ends: it calls nothing
+// back, stores nothing and repeats nothing; a request that carries something out may still finish on the
+// wire. Main thread.
 
-using Operation = std::shared_ptr<OperationHandle>;
-
-// Each operation enciphers its values and the shared state's under the current IV, asking the host for one
-// first when none is held, and calls one endpoint. A refused IV is replaced and the operation runs again,
-// without limit (deliberate). Main thread.
-
-Operation doPinSet(std::string pin, OperationCompletion completion);
-Operation doActivatePhysicalCardAndSetPIN(std::string lastFourOfPan, std::string cvv, std::string pin,
-                                          OperationCompletion completion);
-Operation doActivateVirtualCardAndSetPIN(std::string pin, OperationCompletion completion);
-Operation doActivateWearableCardAndSetPIN(std::string pin, OperationCompletion completion);
-Operation doGetCardStatus(OperationCompletion completion);
-/// Stores the card's image and details in the shared state; a missing one is stored as "". Disclosures that
-/// cannot be decoded are no error: `decodedDisclosuresStruct` is none then, and `errorMsg` says so.
-Operation doCardImage(OperationCompletion completion);
-Operation doSetCardStatus(std::string status, OperationCompletion completion);
-Operation doPciTokenRequest(OperationCompletion completion);
-Operation doPciTokenSubmission(OperationCompletion completion);
+[[nodiscard]] Handle doPinSet(StatePtr state, std::string pin, OperationCompletion completion);
+[[nodiscard]] Handle doActivatePhysicalCardAndSetPIN(StatePtr state, std::string lastFourOfPan,
+                                                     std::string cvv, std::string pin,
+                                                     OperationCompletion completion);
+[[nodiscard]] Handle doActivateVirtualCardAndSetPIN(StatePtr state, std::string pin,
+                                                    OperationCompletion completion);
+[[nodiscard]] Handle doActivateWearableCardAndSetPIN(StatePtr state, std::string pin,
+                                                     OperationCompletion completion);
+[[nodiscard]] Handle doGetCardStatus(StatePtr state, OperationCompletion completion);
+/// Stores the card's image and details in the journey's state; a missing one is stored as "". Disclosures
+/// that cannot be decoded are no error: `decodedDisclosuresStruct` is none then, and `errorMsg` says so.
+[[nodiscard]] Handle doCardImage(StatePtr state, OperationCompletion completion);
+[[nodiscard]] Handle doSetCardStatus(StatePtr state, std::string status, OperationCompletion completion);
+[[nodiscard]] Handle doPciTokenRequest(StatePtr state, OperationCompletion completion);
+[[nodiscard]] Handle doPciTokenSubmission(StatePtr state, OperationCompletion completion);
 
 }  // namespace korvane

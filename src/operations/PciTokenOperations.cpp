@@ -14,17 +14,17 @@ namespace {
 /// number.
 constexpr double shortestTimeout = 60;
 
-std::optional<std::string> storeSmsToken(RestPciTokenRequest& reply, const std::vector<std::uint8_t>& iv) {
+std::optional<std::string> storeSmsToken(JourneyState& state, RestPciTokenRequest& reply,
+                                         const std::vector<std::uint8_t>& iv) {
     if (!reply.encryptedPciSmsToken) return "";
-    std::string& token = SdkConfig::sharedInstance().decryptedPciSmsToken;
+    std::string& token = state.decryptedPciSmsToken;
     log({"theEncPciSmsToken: ", *reply.encryptedPciSmsToken});
     token = decryptField(iv, *reply.encryptedPciSmsToken);
     log({"decPciSmsToken: ", token});
     return std::nullopt;
 }
 
-void storeTimeout(const std::string& enciphered, const std::vector<std::uint8_t>& iv) {
-    SdkConfig& config = SdkConfig::sharedInstance();
+void storeTimeout(SdkConfig& config, const std::string& enciphered, const std::vector<std::uint8_t>& iv) {
     log({"theEncBiometricsAuthenticationTimer: ", enciphered});
     const std::string text = decryptField(iv, enciphered);
     log({"decBiometricsAuthenticationTimer: ", text});
@@ -33,14 +33,15 @@ void storeTimeout(const std::string& enciphered, const std::vector<std::uint8_t>
     if (!config.useBiometrics) return;
     log("==================");
     log("AuthenticateBiometric.savePciTokenAndTimeoutToKeychain()");
-    if (AuthenticateBiometric::savePciTokenAndTimeoutToKeychain()) {
+    if (AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(config)) {
         log("startPCITokenClearTimer()");
         config.pciTimer.start();
     }
 }
 
-std::optional<std::string> storePciToken(RestPciTokenSubmission& reply, const std::vector<std::uint8_t>& iv) {
-    SdkConfig& config = SdkConfig::sharedInstance();
+std::optional<std::string> storePciToken(JourneyState& state, RestPciTokenSubmission& reply,
+                                         const std::vector<std::uint8_t>& iv) {
+    SdkConfig& config = state.sdk;
     if (!reply.encryptedPciToken) return "";
     log({"theEncPciToken: ", *reply.encryptedPciToken});
     config.currentPciToken = decryptField(iv, *reply.encryptedPciToken);
@@ -51,36 +52,35 @@ std::optional<std::string> storePciToken(RestPciTokenSubmission& reply, const st
         log({"decPciTokenExpiration: ", config.decPciTokenExpiration});
     }
     if (reply.encryptedBiometricsAuthenticationTimer)
-        storeTimeout(*reply.encryptedBiometricsAuthenticationTimer, iv);
+        storeTimeout(config, *reply.encryptedBiometricsAuthenticationTimer, iv);
     return std::nullopt;
 }
 
-void settleUseBiometric() {
-    SdkConfig& config = SdkConfig::sharedInstance();
+void settleUseBiometric(SdkConfig& config) {
     config.useBiometric = config.useBiometrics ? "true" : "false";
     log({"SdkConfig useBiometrics set to ", inClear(config.useBiometric), " from sdk initialize"});
 }
 
 }  // namespace
 
-Operation doPciTokenRequest(OperationCompletion completion) {
+Handle doPciTokenRequest(StatePtr state, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doPciTokenRequest",
         .endpoint = "pciTokenRequest",
-        .values = {{&SdkConfig::cardId}},
+        .values = {{&JourneyState::cardId}},
         .send = sendTo<RestPciTokenRequest, &API::pciTokenRequest, 1, storeSmsToken>,
         .judgesResult = false,  // no IV recovery either (deliberate)
     };
-    return runOperation(description, {}, std::move(completion));
+    return runOperation(description, std::move(state), {}, std::move(completion));
 }
 
-Operation doPciTokenSubmission(OperationCompletion completion) {
+Handle doPciTokenSubmission(StatePtr state, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doPciTokenSubmission",
         .endpoint = "pciTokenSubmission",
-        .values = {{&SdkConfig::cardId},
-                   {&SdkConfig::decryptedPciSmsToken},
-                   {&SdkConfig::twoFactorCode},
+        .values = {{&JourneyState::cardId},
+                   {&JourneyState::decryptedPciSmsToken},
+                   {&JourneyState::twoFactorCode},
                    {&SdkConfig::useBiometric}},
         .send = sendTo<RestPciTokenSubmission, &API::pciTokenSubmission, 4, storePciToken>,
         .beforeSending = settleUseBiometric,
@@ -92,7 +92,7 @@ Operation doPciTokenSubmission(OperationCompletion completion) {
         .noReplyMsg = "api.getCardStatus resp is nil",  // names another operation (deliberate)
         .noResultMsg = "Encrypted result nil",
     };
-    return runOperation(description, {}, std::move(completion));
+    return runOperation(description, std::move(state), {}, std::move(completion));
 }
 
 }  // namespace korvane

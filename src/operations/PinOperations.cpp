@@ -3,11 +3,11 @@
 
 namespace korvane {
 
-Operation doPinSet(std::string pin, OperationCompletion completion) {
+Handle doPinSet(StatePtr state, std::string pin, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doPinSet",
         .endpoint = "pinSet",
-        .values = {{&SdkConfig::cardId, "cardId = "},
+        .values = {{&JourneyState::cardId, "cardId = "},
                    {0u, "pin = "},
                    {&SdkConfig::currentPciToken, "currentPciToken = "}},
         .send = sendTo<RestPinSet, &API::pinSet, 3>,
@@ -15,17 +15,17 @@ Operation doPinSet(std::string pin, OperationCompletion completion) {
         .noReplyMsg = "api.getCardStatus resp is nil",  // names another operation (deliberate)
         .noResultMsg = "Encrypted result nil",
     };
-    return runOperation(description, argumentsFrom({pin}), std::move(completion));
+    return runOperation(description, std::move(state), argumentsFrom({pin}), std::move(completion));
 }
 
 // The three activations leave the text of a missing reply and of a missing result empty (deliberate).
 
-Operation doActivatePhysicalCardAndSetPIN(std::string lastFourOfPan, std::string cvv, std::string pin,
-                                          OperationCompletion completion) {
+Handle doActivatePhysicalCardAndSetPIN(StatePtr state, std::string lastFourOfPan, std::string cvv,
+                                       std::string pin, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doActivatePhysicalCardAndSetPIN",
         .endpoint = "physicalCardActivationAndPinSet",
-        .values = {{&SdkConfig::cardId, "cardId = "},
+        .values = {{&JourneyState::cardId, "cardId = "},
                    {0u, "lastFourOfPan = "},
                    {1u, "cvv = "},
                    {2u, "pin = "},
@@ -34,35 +34,36 @@ Operation doActivatePhysicalCardAndSetPIN(std::string lastFourOfPan, std::string
         .printsSeparator = true,
         .printsValues = true,
     };
-    return runOperation(description, argumentsFrom({lastFourOfPan, cvv, pin}), std::move(completion));
+    return runOperation(description, std::move(state), argumentsFrom({lastFourOfPan, cvv, pin}),
+                        std::move(completion));
 }
 
-Operation doActivateVirtualCardAndSetPIN(std::string pin, OperationCompletion completion) {
+Handle doActivateVirtualCardAndSetPIN(StatePtr state, std::string pin, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doActivateVirtualCardAndSetPIN",
         .endpoint = "virtualCardActivationAndPinSet",
-        .values = {{&SdkConfig::cardId, "cardId = "},
+        .values = {{&JourneyState::cardId, "cardId = "},
                    {0u, "pin = "},
                    {&SdkConfig::currentPciToken, "currentPciToken = "}},
         .send = sendTo<RestVirtualCardActivationAndPinSet, &API::virtualCardActivationAndPinSet, 3>,
         .printsSeparator = true,
         .printsValues = true,
     };
-    return runOperation(description, argumentsFrom({pin}), std::move(completion));
+    return runOperation(description, std::move(state), argumentsFrom({pin}), std::move(completion));
 }
 
-Operation doActivateWearableCardAndSetPIN(std::string pin, OperationCompletion completion) {
+Handle doActivateWearableCardAndSetPIN(StatePtr state, std::string pin, OperationCompletion completion) {
     static const OperationDescription description{
         .name = "doActivateWearableCardAndSetPIN",
         .endpoint = "wearableCardActivationAndPinSet",
-        .values = {{&SdkConfig::cardId, "cardId = "},
+        .values = {{&JourneyState::cardId, "cardId = "},
                    {0u, "pin = "},
                    {&SdkConfig::currentPciToken, "currentPciToken = "}},
         .send = sendTo<RestWearableCardActivationAndPinSet, &API::wearableCardActivationAndPinSet, 3>,
         .printsSeparator = true,
         .printsValues = true,
     };
-    return runOperation(description, argumentsFrom({pin}), std::move(completion));
+    return runOperation(description, std::move(state), argumentsFrom({pin}), std::move(completion));
 }
 
 }  // namespace korvane

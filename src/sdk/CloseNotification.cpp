@@ -8,11 +8,11 @@ namespace korvane {
 
 class NotificationCenter::Observation {
   public:
-    explicit Observation(Observer observer) : observer_(std::move(observer)) {}
-    void call(const NotificationUserInfo& userInfo) const { observer_(userInfo); }
+    explicit Observation(JourneyObserver observer) : observer_(std::move(observer)) {}
+    void call(const NotificationUserInfo& userInfo, JourneyId journey) const { observer_(userInfo, journey); }
 
   private:
-    Observer observer_;
+    JourneyObserver observer_;
 };
 
 NotificationCenter& NotificationCenter::defaultCenter() {
@@ -22,6 +22,13 @@ NotificationCenter& NotificationCenter::defaultCenter() {
 
 std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string_view name,
                                                                              Observer observer) {
+    return observe(name, JourneyObserver{[observer = std::move(observer)](const auto& userInfo, JourneyId) {
+                       observer(userInfo);
+                   }});
+}
+
+std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std::string_view name,
+                                                                             JourneyObserver observer) {
     std::erase_if(observations_, [](const auto& entry) { return entry.second.expired(); });
     auto observation = std::make_shared<Observation>(std::move(observer));
     observations_.emplace(name, observation);
@@ -29,12 +36,17 @@ std::shared_ptr<NotificationCenter::Observation> NotificationCenter::observe(std
 }
 
 void NotificationCenter::post(std::string_view name, const NotificationUserInfo& userInfo) {
+    post(name, userInfo, 0);
+}
+
+void NotificationCenter::post(std::string_view name, const NotificationUserInfo& userInfo,
+                              JourneyId journey) {
     // Weak copies first: an observer that is called may release another one, or add some.
     std::vector<std::weak_ptr<Observation>> present;
     for (auto [entry, end] = observations_.equal_range(name); entry != end; ++entry)
         present.push_back(entry->second);
     for (const auto& weak : present) {
-        if (const auto observation = weak.lock()) observation->call(userInfo);
+        if (const auto observation = weak.lock()) observation->call(userInfo, journey);
     }
 }
 

@@ -58,7 +58,7 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
     NotificationCenter::defaultCenter().post(NotificationAppearanceChanged, {});
 
     if (useBiometrics) {
-        AuthenticateBiometric::reloadAtInitialize();
+        AuthenticateBiometric::reloadAtInitialize(config);
     } else if (!AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain()) {
         log("Note: failed deletePciTokenAndTimeoutInKeychain()");
     }

@@ -12,14 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "sdk/DecryptedCardDisclosure.h"
 #include "sdk/PCITimer.h"
-#include "sdk/eKorvaneCardType.h"
 
 namespace korvane {
 
-/// The one process-wide record through which the layers share settings and session data: a plain bag of
-/// fields that any code reads and writes by name. Made on first use, never reset, never destroyed.
+/// The one process-wide record: settings, IV and tokens, which all journeys share. A plain bag of fields.
+/// Made on first use, never destroyed. What describes one journey is in `JourneyState`, which refers to this
+/// one.
 ///
 /// Main thread only; debug builds assert it. Nothing is locked.
 class SdkConfig {
@@ -41,7 +40,6 @@ class SdkConfig {
     std::string ivIdStr;
     std::vector<std::uint8_t> ivByteArray;
     std::string currentBearerToken;
-    std::string decryptedPciSmsToken;
     std::string currentPciToken;  // empty: none
     std::string decPciTokenExpiration;
     std::string decBiometricsAuthenticationTimer;  // seconds as decimal text
@@ -50,31 +48,10 @@ class SdkConfig {
     std::string trackingUUID;
     bool useJSONbodyForAPIRequests = true;  // nobody reads it (deliberate): every body is JSON
     bool isSdkInited = false;
-    std::string cardId;
-    std::string twoFactorCode;
+    std::string cardId;  // of the journey made last, for the log alone: each has its own in `JourneyState`
     std::string useBiometric;  // "true" or "false", as sent with the PCI token submission
     std::string lastJsonResponseStr;
     bool gotInitialIV = false;
-    eKorvaneCardType currentCardType = eKorvaneCardType::none;
-    std::string viewToShowAfterSMSVerify;
-    std::string viewToShowAfterSMSVerifyBackup;
-    std::string pendingPin;
-    std::string viewToShowAfterFaceId;
-    std::string decCardImage;
-    std::string decCardStatus;
-    std::optional<DecryptedCardDisclosure> decodedDisclosuresStruct;
-    std::string decPan;
-    std::string decMaskedPan;
-    std::string decCvv;
-    std::string decMaskedCvv;
-    std::string decExpiryDate;
-    std::string decFirstName;
-    std::string decMiddleName;
-    std::string decLastName;
-    std::string decCardNetwork;
-    std::string enteredLastFour;
-    std::string enteredCvv;
-    bool setPinOnly = false;
     bool timerPciExpired = false;
     PCITimer pciTimer;
 

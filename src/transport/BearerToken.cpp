@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/BearerToken.h"
 
-#include <korvane/platform/Ports.h>
-
 #include <memory>
 #include <utility>
 
@@ -19,62 +17,52 @@ namespace {
 
 using RenewalCompletion = std::function<void(std::optional<KorvaneRetStruct>)>;
 
-/// Owned by what it waits for: the request's completion, or the continuation that the host holds.
-class Renewal final : public Cancellable, public std::enable_shared_from_this<Renewal> {
+class Renewal final : public std::enable_shared_from_this<Renewal> {
   public:
-    explicit Renewal(RenewalCompletion completion) : completion_(std::move(completion)) {}
+    Renewal(SdkConfig& config, std::string cardId, RenewalCompletion completion)
+        : config_(config), cardId_(std::move(cardId)), completion_(std::move(completion)) {}
 
     void start() {
         log("inside refreshBearerToken( ... )");
-        if (!ivAtHand()) {
+        if (!ivAtHand(config_)) {
             log("need to get new iv...");
-            getIvAndStartAgain("got iv.. now recalling the method... refreshBearerToken...");
+            getIvAndStartAgain(IvReason::noneHeld,
+                               "got iv.. now recalling the method... refreshBearerToken...");
             return;
         }
         log("have iv (now?)... use it:");
         log("refreshBearerToken(...) on track...");
-        const SdkConfig& config = SdkConfig::sharedInstance();
-        iv_ = config.ivByteArray;
-        const Wiped username{base64Encode(config.preSharedKeyByteArray)};
+        iv_ = config_.ivByteArray;
+        const Wiped username{base64Encode(config_.preSharedKeyByteArray)};
         const Wiped password{base64Encode(iv_)};
-        log({"cardId: ", config.cardId});
-        const std::string encCardId = encryptField(iv_, config.cardId);
+        log({"cardId: ", cardId_});
+        const std::string encCardId = encryptField(iv_, cardId_);
         log({"encrypted cardId: ", encCardId});
         const std::string encUsername = encryptField(iv_, *username);
         log({"encryptedUsername = ", encUsername});
         const std::string encPassword = encryptField(iv_, *password);
         log({"encryptedPassword = ", encPassword});
-        API api;
-        request_ =
-            api.getBearerToken(config.ivIdStr, encCardId, encUsername, encPassword,
-                               [self = shared_from_this()](const std::optional<RestBearerToken>& response,
-                                                           const std::optional<CallError>& error) {
-                                   self->request_.reset();
+        API api(config_, cardId_);
+        underWay_ =
+            api.getBearerToken(config_.ivIdStr, encCardId, encUsername, encPassword,
+                               [weak = weak_from_this()](const std::optional<RestBearerToken>& response,
+                                                         const std::optional<CallError>& error) {
+                                   const auto self = weak.lock();
+                                   if (!self) return;
                                    error ? self->failed(*error) : self->answered(*response);
                                });
     }
 
-    void cancel() override {
-        if (isOver()) return;
-        cancelled_ = true;
-        if (const auto request = request_.lock()) {
-            request->cancel();
-        } else {
-            ports().mainQueue->post([self = shared_from_this()] { self->failed(cancelledError()); });
-        }
-    }
-
   private:
-    bool isOver() const { return cancelled_ || !completion_; }
-
-    void getIvAndStartAgain(std::string_view line) {
-        requestIv([self = shared_from_this(), line](std::optional<KorvaneRetStruct> result, const auto& ivId,
-                                                    const auto& ivBytes) {
-            if (self->isOver()) return;
-            if (!result || !ivId || !ivBytes) return self->finish(ivFailure(std::move(result)));
-            log(inClear(line));
-            self->start();
-        });
+    void getIvAndStartAgain(IvReason reason, std::string_view line) {
+        underWay_ = obtainIv(config_, reason,
+                             [weak = weak_from_this(), line](std::optional<KorvaneRetStruct> failure) {
+                                 const auto self = weak.lock();
+                                 if (!self) return;
+                                 if (failure) return self->finish(std::move(failure));
+                                 log(inClear(line));
+                                 self->start();
+                             });
     }
 
     /// True when the word says that the IV was refused: then a new one is on its way, and another run behind
@@ -83,12 +71,14 @@ class Renewal final : public Cancellable, public std::enable_shared_from_this<Re
         if (isExpiredIvWord(resultWord)) {
             log(inClear(resultWord));
             getIvAndStartAgain(
+                IvReason::refused,
                 "iv expired: Got new iv -- re-calling self.refreshBearerToken() -- refreshBearerToken()");
             return true;
         }
         if (isInvalidIvWord(resultWord)) {
             log(inClear(resultWord));
-            getIvAndStartAgain("iv invalid: Got new iv -- self.refreshBearerToken() -- refreshBearerToken()");
+            getIvAndStartAgain(IvReason::refused,
+                               "iv invalid: Got new iv -- self.refreshBearerToken() -- refreshBearerToken()");
             return true;
         }
         return false;
@@ -101,7 +91,7 @@ class Renewal final : public Cancellable, public std::enable_shared_from_this<Re
             log({"decAccessToken: ", token});
             if (!token.empty()) {
                 log({"Setting SdkConfig.sharedInstance.currentBearerToken to ", token});
-                SdkConfig::sharedInstance().currentBearerToken = std::move(token);
+                config_.currentBearerToken = std::move(token);
                 return finish(std::nullopt);
             }
         }
@@ -119,25 +109,26 @@ class Renewal final : public Cancellable, public std::enable_shared_from_this<Re
         } else {
             log("err response HAS Data !");
             log({"theEncErrResult: ", payload->enciphered});
-            if (!cancelled_ && recoverFrom(payload->deciphered)) return;
+            if (recoverFrom(payload->deciphered)) return;
         }
-        finish(handleNon200or401(error, payload.value_or(ErrorPayload{})));
+        finish(handleNon200or401(config_, error, payload.value_or(ErrorPayload{})));
     }
 
     void finish(std::optional<KorvaneRetStruct> failure) {
         if (completion_) std::exchange(completion_, nullptr)(std::move(failure));
     }
 
+    SdkConfig& config_;
+    const std::string cardId_;
     RenewalCompletion completion_;
     std::vector<std::uint8_t> iv_;  // of the request under way: its answer is deciphered with the same
-    std::weak_ptr<Cancellable> request_;
-    bool cancelled_ = false;
+    Handle underWay_;               // the request, or the question for an IV
 };
 
 }  // namespace
 
-CancelHandle refreshBearerToken(RenewalCompletion completion) {
-    auto renewal = std::make_shared<Renewal>(std::move(completion));
+Handle refreshBearerToken(SdkConfig& config, std::string cardId, RenewalCompletion completion) {
+    auto renewal = std::make_shared<Renewal>(config, std::move(cardId), std::move(completion));
     renewal->start();
     return renewal;
 }

@@ -10,10 +10,6 @@
 
 namespace korvane {
 
-RequestError cancelledError() {
-    return RequestError{cancelledCode, "cancelled"};
-}
-
 std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<std::uint8_t>& iv) {
     if (const auto* renewal = std::get_if<KorvaneRetStruct>(&error)) {
         if (renewal->errorMsgEnc.empty()) return std::nullopt;
@@ -29,7 +25,7 @@ std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<
     return ErrorPayload{*std::move(word), std::move(plain)};
 }
 
-KorvaneRetStruct handleNon200or401(const CallError& error, const ErrorPayload& payload) {
+KorvaneRetStruct handleNon200or401(SdkConfig& config, const CallError& error, const ErrorPayload& payload) {
     KorvaneRetStruct record;
     if (const auto* request = std::get_if<RequestError>(&error)) {
         log("handleNon200or401...\n");
@@ -42,12 +38,12 @@ KorvaneRetStruct handleNon200or401(const CallError& error, const ErrorPayload& p
     record.error = true;
     record.errorMsgEnc = payload.enciphered;
     record.errorMsgDec = payload.deciphered;
-    takeLastJsonResponse(record);
+    takeLastJsonResponse(config, record);
     return record;
 }
 
-void takeLastJsonResponse(KorvaneRetStruct& record) {
-    std::string& last = SdkConfig::sharedInstance().lastJsonResponseStr;
+void takeLastJsonResponse(SdkConfig& config, KorvaneRetStruct& record) {
+    std::string& last = config.lastJsonResponseStr;
     if (!last.empty()) record.jsonResponseStr = std::exchange(last, {});
 }
 

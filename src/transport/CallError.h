@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <korvane/platform/UrlSession.h>
+
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -13,21 +15,21 @@
 
 namespace korvane {
 
+class SdkConfig;
+
 /// Why a request has no record to show.
 struct RequestError {
     explicit RequestError(int failureCode, std::string reason)
         : code(failureCode), userInfo{{"Error", std::move(reason)}} {}
 
-    std::string domain;                           ///< empty for every error of the request core
-    int code;                                     ///< HTTP status; -1 without one that counts; -999 cancelled
+    std::string domain;  ///< empty for every error of the request core
+    int code;            ///< HTTP status; -1 without one that counts; -999 cancelled by the platform
     std::map<std::string, std::string> userInfo;  ///< "Error": the reason, for the log
     std::optional<std::string> body;              ///< body of the answer, when its status was the failure
 };
 
-inline constexpr int noAnswerCode = -1;
-inline constexpr int cancelledCode = -999;
-
-RequestError cancelledError();
+inline constexpr int noAnswerCode = urlRequestFailed;
+inline constexpr int cancelledCode = urlRequestCancelled;
 
 /// Why a call of an endpoint failed: its request did, or the bearer token could not be renewed for it.
 using CallError = std::variant<RequestError, KorvaneRetStruct>;
@@ -44,9 +46,9 @@ std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<
 
 /// The record of a failed call: "400 error" and the like by the error's code (a failed renewal brings its own
 /// text), the payload's two texts, and the last answer. Main thread.
-KorvaneRetStruct handleNon200or401(const CallError& error, const ErrorPayload& payload);
+KorvaneRetStruct handleNon200or401(SdkConfig& config, const CallError& error, const ErrorPayload& payload);
 
-/// Moves the last answer's body, when there is one, from the shared state into the record. Main thread.
-void takeLastJsonResponse(KorvaneRetStruct& record);
+/// Moves the last answer's body, when there is one, from `config` into the record. Main thread.
+void takeLastJsonResponse(SdkConfig& config, KorvaneRetStruct& record);
 
 }  // namespace korvane

@@ -27,7 +27,8 @@ inline constexpr std::size_t endpointCount = 10;
 struct Endpoint {
     std::string_view method;  ///< the method of `API` that calls it, as console lines name it
     std::string_view path;
-    bool bearer;  ///< carries the bearer token, and renews it on 401
+    bool bearer;           ///< carries the bearer token, and renews it on 401
+    bool changes = false;  ///< the service carries something out; see `RequestParts::changes`
     std::array<std::string_view, 5>
         keys{};               ///< of the enciphered values, in the body's order; "" from the last on
     bool printsBody = false;  ///< on the console, before each sending

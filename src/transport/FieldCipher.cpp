@@ -41,10 +41,14 @@ std::optional<std::size_t> decipherInPlace(AesCbc cipher, std::string& text, boo
     return written + *last;
 }
 
+const std::vector<std::uint8_t>& preSharedKey() {
+    return SdkConfig::sharedInstance().preSharedKeyByteArray;
+}
+
 }  // namespace
 
 std::string encryptField(const std::vector<std::uint8_t>& iv, std::string_view text) {
-    const std::vector<std::uint8_t>& key = SdkConfig::sharedInstance().preSharedKeyByteArray;
+    const std::vector<std::uint8_t>& key = preSharedKey();
     // Checked here in this direction alone (deliberate): deciphering leaves the lengths to the cipher.
     if ((key.size() != 16 && key.size() != 24 && key.size() != 32) || iv.size() != 16) return {};
     // Nothing to wipe in either. What is sent is short: on the stack it saves one allocation in two.
@@ -59,9 +63,7 @@ std::string encryptField(const std::vector<std::uint8_t>& iv, std::string_view t
 
 void decryptFieldInPlace(const std::vector<std::uint8_t>& iv, std::string& text) {
     bool ascii = true;
-    const auto size = decipherInPlace(
-        AesCbc{AesCbc::Direction::decrypt, SdkConfig::sharedInstance().preSharedKeyByteArray, iv}, text,
-        ascii);
+    const auto size = decipherInPlace(AesCbc{AesCbc::Direction::decrypt, preSharedKey(), iv}, text, ascii);
     if (!size) return wipe(text);
     text.resize(*size);
     if (ascii || isUtf8(text)) return;

@@ -14,59 +14,95 @@
 namespace korvane {
 namespace {
 
-/// One question to the host, shared by the copies of the reply function that it was handed.
-class IvQuestion {
+/// What waits for the host's answer. The asker owns it through its handle.
+class Waiting {
   public:
-    explicit IvQuestion(IvContinuation continuation)
-        : queue_(ports().mainQueue), continuation_(std::move(continuation)) {}
+    Waiting(SdkConfig& sdk, IvCompletion whenDone) : config_(sdk), completion_(std::move(whenDone)) {}
 
-    ~IvQuestion() {
-        // The host may let go on a thread of its own; what the continuation owns belongs to the main thread.
-        if (continuation_) queue_->post([dropped = std::exchange(continuation_, nullptr)] {});
+    void answered(const std::optional<std::string>& ivId, const std::optional<std::string>& iv) {
+        doIvCallbackAndDecoding(config_, ivId, iv, std::make_shared<KorvaneRetStruct>(),
+                                [this](const auto& id, const auto& bytes, KorvaneRetStruct result) {
+                                    id&& bytes ? finish(std::nullopt) : finish(std::move(result));
+                                });
     }
 
+    void notAnswered() {
+        KorvaneRetStruct none;
+        none.error = true;
+        none.errorMsg = "resStructIv is nil";
+        finish(std::move(none));
+    }
+
+  private:
+    void finish(std::optional<KorvaneRetStruct> failure) {
+        if (const auto report = std::exchange(completion_, nullptr)) report(std::move(failure));
+    }
+
+    SdkConfig& config_;
+    IvCompletion completion_;
+};
+
+/// One question to the host, shared by the copies of the reply function that the host holds.
+class IvQuestion {
+  public:
+    explicit IvQuestion(std::weak_ptr<Waiting> waiting)
+        : queue_(ports().mainQueue), waiting_(std::move(waiting)) {}
+    ~IvQuestion() { abandon(); }
     IvQuestion(const IvQuestion&) = delete;
     IvQuestion& operator=(const IvQuestion&) = delete;
 
     void answer(std::optional<std::string> ivId, std::optional<std::string> iv) {
         if (answered_.exchange(true)) return;
-        queue_->post([continuation = std::exchange(continuation_, nullptr), ivId = std::move(ivId),
-                      iv = std::move(iv)] {
-            doIvCallbackAndDecoding(ivId, iv, std::make_shared<KorvaneRetStruct>(),
-                                    [&continuation](auto id, auto bytes, KorvaneRetStruct result) {
-                                        continuation(std::move(result), std::move(id), std::move(bytes));
-                                    });
+        queue_->post([waiting = waiting_, ivId = std::move(ivId), iv = std::move(iv)] {
+            if (const auto asker = waiting.lock()) asker->answered(ivId, iv);
+        });
+    }
+
+    /// The host threw, or released the reply: no answer will come.
+    void abandon() {
+        if (answered_.exchange(true)) return;
+        queue_->post([waiting = waiting_] {
+            if (const auto asker = waiting.lock()) asker->notAnswered();
         });
     }
 
   private:
     std::shared_ptr<MainQueue> queue_;
-    IvContinuation continuation_;
+    std::weak_ptr<Waiting> waiting_;
     std::atomic<bool> answered_ = false;
 };
 
 }  // namespace
 
-bool ivAtHand() {
-    const SdkConfig& config = SdkConfig::sharedInstance();
+bool ivAtHand(const SdkConfig& config) {
     return !config.ivIdStr.empty() && !config.ivByteArray.empty();
 }
 
-void requestIv(IvContinuation continuation) {
-    const auto question = std::make_shared<IvQuestion>(std::move(continuation));
+Handle obtainIv(SdkConfig& config, IvReason reason, IvCompletion completion) {
+    if (reason == IvReason::refused) {
+        config.ivIdStr.clear();
+        config.ivByteArray.clear();
+    }
+    auto waiting = std::make_shared<Waiting>(config, std::move(completion));
+    const auto question = std::make_shared<IvQuestion>(waiting);
     // A copy: the host may call `initialize` from inside its callback, which replaces the stored one.
-    const IvCallback callback = SdkConfig::sharedInstance().ivCallback;
+    const IvCallback callback = config.ivCallback;
     if (!callback) {
         question->answer(std::nullopt, std::nullopt);
-        return;
+        return waiting;
     }
-    callback([question](std::optional<std::string> ivId, std::optional<std::string> iv) {
-        question->answer(std::move(ivId), std::move(iv));
-    });
+    try {
+        callback([question](std::optional<std::string> ivId, std::optional<std::string> iv) {
+            question->answer(std::move(ivId), std::move(iv));
+        });
+    } catch (...) {
+        question->abandon();
+    }
+    return waiting;
 }
 
 void doIvCallbackAndDecoding(
-    const std::optional<std::string>& ivId, const std::optional<std::string>& iv,
+    SdkConfig& config, const std::optional<std::string>& ivId, const std::optional<std::string>& iv,
     const std::shared_ptr<KorvaneRetStruct>& result,
     const std::function<void(std::optional<std::string>, std::optional<std::vector<std::uint8_t>>,
                              KorvaneRetStruct)>& completion) {
@@ -81,7 +117,6 @@ void doIvCallbackAndDecoding(
     auto bytes = base64Decode(*iv);
     if (!bytes) return fail("iv: Data(base64Encoded:) failed");
 
-    SdkConfig& config = SdkConfig::sharedInstance();
     config.ivByteArray = *bytes;
     config.ivIdStr = *ivId;
     config.gotInitialIV = true;
@@ -89,14 +124,6 @@ void doIvCallbackAndDecoding(
     result->errorMsg.clear();
     result->jsonResponseStr.clear();
     completion(ivId, std::move(bytes), *result);
-}
-
-KorvaneRetStruct ivFailure(std::optional<KorvaneRetStruct> result) {
-    if (result) return *std::move(result);
-    KorvaneRetStruct failure;
-    failure.error = true;
-    failure.errorMsg = "resStructIv is nil";
-    return failure;
 }
 
 bool isExpiredIvWord(std::string_view resultWord) {

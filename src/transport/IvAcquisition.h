@@ -9,34 +9,40 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Handle.h"
 #include "sdk/KorvaneRetStruct.h"
 
 namespace korvane {
 
-/// What asking the host for an IV came to. Id and bytes are there only when both were good.
-using IvContinuation =
-    std::function<void(std::optional<KorvaneRetStruct> result, std::optional<std::string> ivId,
-                       std::optional<std::vector<std::uint8_t>> ivBytes)>;
+class SdkConfig;
 
-/// True when the shared state holds an IV: its id is not empty and it has at least one byte.
-bool ivAtHand();
+/// True when `config` holds an IV: its id is not empty and it has at least one byte.
+bool ivAtHand(const SdkConfig& config);
 
-/// Asks the host for a new IV, stores a good one in the shared state, and runs the continuation on the main
-/// queue, never from inside this call. The host may answer on any thread; only its first answer counts. A
-/// host that never answers keeps the continuation until it lets go of the reply; it is then released, unrun,
-/// on the main queue. A host callback that is empty counts as an answer without an id. Main thread.
-void requestIv(IvContinuation continuation);
+/// Why an IV is asked for.
+enum class IvReason {
+    noneHeld,  ///< no operation has had one yet
+    refused    ///< the service refused the one that is held: it is thrown away first
+};
 
-/// Checks the host's answer and stores it, then calls the completion. The decoded IV may have any length: the
-/// field cipher refuses a wrong one. Main thread.
+/// Runs once on the main queue, never from inside `obtainIv`: with none when a good IV is stored, else with
+/// the record of the failure ("ivId is nil", "iv is nil", …; "resStructIv is nil" when the host never
+/// answers).
+using IvCompletion = std::function<void(std::optional<KorvaneRetStruct> failure)>;
+
+/// Asks the host for an IV and stores a good one in `config`; the one way to an IV. The host may answer on
+/// any thread; its first answer counts. An empty callback counts as an answer without an id; a callback that
+/// throws and a host that releases the reply unanswered count as no answer. A host that keeps the reply for
+/// ever keeps the caller waiting. Once the handle is released a late answer stores nothing. Main thread.
+[[nodiscard]] Handle obtainIv(SdkConfig& config, IvReason reason, IvCompletion completion);
+
+/// Checks the host's answer and stores it in `config`, then calls the completion. The decoded IV may have any
+/// length: the field cipher refuses a wrong one. Main thread.
 void doIvCallbackAndDecoding(
-    const std::optional<std::string>& ivId, const std::optional<std::string>& iv,
+    SdkConfig& config, const std::optional<std::string>& ivId, const std::optional<std::string>& iv,
     const std::shared_ptr<KorvaneRetStruct>& result,
     const std::function<void(std::optional<std::string>, std::optional<std::vector<std::uint8_t>>,
                              KorvaneRetStruct)>& completion);
-
-/// What an operation that got no IV reports: the acquisition's record, or "resStructIv is nil" without one.
-KorvaneRetStruct ivFailure(std::optional<KorvaneRetStruct> result);
 
 /// Result words by which the service refuses an IV, compared without regard to case.
 bool isExpiredIvWord(std::string_view resultWord);

@@ -3,8 +3,9 @@
 
 #include <korvane/platform/Ports.h>
 
+#include <cstdint>
+#include <map>
 #include <memory>
-#include <unordered_set>
 
 #include "base/Text.h"
 #include "sdk/SdkConfig.h"
@@ -12,65 +13,64 @@
 namespace korvane {
 namespace {
 
-class Request;
-
-/// Owns the requests under way: handles are for cancelling alone. Never destroyed, like the state that they
-/// fill.
-std::unordered_set<std::shared_ptr<Request>>& underWay() {
-    static auto* const requests = new std::unordered_set<std::shared_ptr<Request>>;
-    return *requests;
+/// The requests that run to their end although nothing waits for their answers, by number. Never destroyed,
+/// like the state of the process.
+std::map<std::uint64_t, std::unique_ptr<UrlTask>>& finishing() {
+    static auto* const tasks = new std::map<std::uint64_t, std::unique_ptr<UrlTask>>;
+    return *tasks;
 }
 
-class Request final : public Cancellable, public std::enable_shared_from_this<Request> {
+std::uint64_t nextNumber() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
+class Request final : public std::enable_shared_from_this<Request> {
   public:
-    Request(ReAuthClosure reAuthClosure, RawCompletion completion)
-        : reAuthClosure_(std::move(reAuthClosure)), completion_(std::move(completion)) {}
+    Request(SdkConfig& config, bool changes, ReAuthClosure reAuthClosure, RawCompletion completion)
+        : config_(config),
+          changes_(changes),
+          reAuthClosure_(std::move(reAuthClosure)),
+          completion_(std::move(completion)) {}
+
+    ~Request() {
+        if (task_ && changes_) finishing().emplace(number_, std::move(task_));
+    }
+
+    Request(const Request&) = delete;
+    Request& operator=(const Request&) = delete;
 
     void start(UrlRequest request) {
-        underWay().insert(shared_from_this());
         // The reply comes on the session's thread, which must never own the request: it holds it weakly.
-        task_ = ports().urlSession->start(
-            std::move(request), [weak = weak_from_this(), queue = ports().mainQueue](UrlReply reply) {
-                queue->post([weak, reply = std::move(reply)]() mutable {
-                    if (const auto self = weak.lock()) self->answered(std::move(reply));
-                });
+        task_ = ports().urlSession->start(std::move(request), [weak = weak_from_this(), number = number_,
+                                                               queue = ports().mainQueue](UrlReply reply) {
+            queue->post([weak, number, reply = std::move(reply)]() mutable {
+                if (const auto self = weak.lock()) return self->answered(std::move(reply));
+                finishing().erase(number);
             });
+        });
     }
 
     void failLater(RequestError error) {
-        ports().mainQueue->post(
-            [completion = end().completion, error = std::move(error)] { completion(error); });
-    }
-
-    void cancel() override {
-        if (completion_) failLater(cancelledError());
+        ports().mainQueue->post([weak = weak_from_this(), error = std::move(error)]() mutable {
+            if (const auto self = weak.lock()) self->completion_(std::move(error));
+        });
     }
 
   private:
-    struct Callbacks {
-        ReAuthClosure reAuthClosure;
-        RawCompletion completion;
-    };
-
-    /// Lets go of everything; what follows is done with the callbacks alone.
-    Callbacks end() {
-        task_.reset();
-        underWay().erase(shared_from_this());
-        return {std::exchange(reAuthClosure_, nullptr), std::exchange(completion_, nullptr)};
-    }
-
     void answered(UrlReply reply) {
-        if (!completion_) return;
         // Released last: that waits for the end of the session's reply, which has only just woken this
         // thread.
         const auto task = std::move(task_);
-        const Callbacks callbacks = end();
+        const auto reAuthClosure = std::exchange(reAuthClosure_, nullptr);
+        const auto completion = std::exchange(completion_, nullptr);
         if (!reply.answered()) {
             log({"no response: ", inClear(reply.failure)});
-            return callbacks.completion(RequestError{noAnswerCode, reply.failure});
+            const bool cancelled = reply.failureCode == urlRequestCancelled;
+            return completion(RequestError{cancelled ? cancelledCode : noAnswerCode, reply.failure});
         }
         const std::string status = std::to_string(reply.status);
-        const std::string& body = SdkConfig::sharedInstance().lastJsonResponseStr = std::move(reply.body);
+        const std::string& body = config_.lastJsonResponseStr = std::move(reply.body);
         log("Status code and JSON response at base:\n");
         log(inClear(status));
         if (isUtf8(body)) {
@@ -78,15 +78,18 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
         } else {
             log(std::to_string(body.size()) + " bytes, not UTF-8");
         }
-        if (reply.status == 200) return callbacks.completion(body);
+        if (reply.status == 200) return completion(body);
 
         RequestError error{reply.status, "status code = " + status};
         error.body = body;
-        if (reply.status != 401) return callbacks.completion(std::move(error));
+        if (reply.status != 401) return completion(std::move(error));
         log("Got 401... calling reAuthClosure...");
-        callbacks.reAuthClosure(std::move(error));
+        reAuthClosure(std::move(error));
     }
 
+    SdkConfig& config_;
+    const bool changes_;
+    const std::uint64_t number_ = nextNumber();
     ReAuthClosure reAuthClosure_;
     RawCompletion completion_;
     std::unique_ptr<UrlTask> task_;
@@ -94,9 +97,9 @@ class Request final : public Cancellable, public std::enable_shared_from_this<Re
 
 }  // namespace
 
-CancelHandle sendRequest(RequestParts parts, ReAuthClosure reAuthClosure, RawCompletion completion) {
+Handle sendRequest(SdkConfig& config, RequestParts parts, ReAuthClosure reAuthClosure,
+                   RawCompletion completion) {
     log("inside doRequest<T: ...>");
-    const SdkConfig& config = SdkConfig::sharedInstance();
     if (parts.method != "GET") {
         parts.body.set("UUID", config.trackingUUID);
         parts.body.set("brandId", config.brandId);
@@ -108,7 +111,8 @@ CancelHandle sendRequest(RequestParts parts, ReAuthClosure reAuthClosure, RawCom
     request.headers.emplace_back("Content-Type", "application/json");
     request.headers.emplace_back("Accept", "application/json");
 
-    const auto started = std::make_shared<Request>(std::move(reAuthClosure), std::move(completion));
+    const auto started =
+        std::make_shared<Request>(config, parts.changes, std::move(reAuthClosure), std::move(completion));
     auto json = encodeTexts(parts.body);
     if (const auto* error = std::get_if<JsonError>(&json)) {
         started->failLater(RequestError{noAnswerCode, "Dictionary serialization error: " + error->text});

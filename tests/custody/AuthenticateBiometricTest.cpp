@@ -32,7 +32,8 @@ class Custody : public testing::Test {
     }
     std::optional<Outcome> gate(bool match) {
         std::optional<Outcome> outcome;
-        const auto check = AuthenticateBiometric::runGate([&](Outcome reported) { outcome = reported; });
+        const auto check =
+            AuthenticateBiometric::runGate(config, [&](Outcome reported) { outcome = reported; });
         EXPECT_TRUE(check);
         EXPECT_TRUE(device.biometricContext->answer(match));
         device.mainQueue->runAll();
@@ -44,49 +45,50 @@ class Custody : public testing::Test {
 };
 
 TEST_F(Custody, SaveGoesOnWithTheTimeoutWhenTheTokenCouldNotBeWritten) {
-    EXPECT_EQ(linesOf(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(config); }, false),
               (Lines{"savePciTokenToKeychain - currentPciToken is blank. Returning..."}));
     EXPECT_TRUE(device.secureItemStore->items().empty());
 
     config.currentPciToken = "token";
     config.decBiometricsAuthenticationTimer = "60.0";
     device.secureItemStore->failNext({-25308});
-    EXPECT_EQ(linesOf(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(config); }, false),
               (Lines{"Error KeychainCommunicator.set pci token",
                      "Success writing pci token Bio Timemout to keychain"}));
     // The second write fails: the first stays as it is.
     device.secureItemStore->failNext({0, 0, 0, -25293});
-    EXPECT_EQ(linesOf(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(config); }, false),
               (Lines{"Success writing pci token to keychain",
                      "Error KeychainCommunicator.set pci token Bio Timeout"}));
     EXPECT_EQ(kept("KorvaneSDKPCIToken"), "token");
 
     config.currentPciToken = "\xFF";
     config.decBiometricsAuthenticationTimer = "\xFF";
-    EXPECT_EQ(linesOf(AuthenticateBiometric::savePciTokenAndTimeoutToKeychain, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(config); }, false),
               (Lines{"Error currentPciToken.data(using: .utf8)",
                      "Error bioTimeout.data(using: .utf8) Bio Timeout"}));
 }
 
 TEST_F(Custody, LoadsWhatIsThereAndTellsWhatIsNot) {
-    EXPECT_EQ(linesOf(AuthenticateBiometric::loadPciToken, false), (Lines{"dataPCITokenKeychain is nil"}));
-    EXPECT_EQ(linesOf(AuthenticateBiometric::loadBiometricsTimeout, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::loadPciToken(config); }, false),
+              (Lines{"dataPCITokenKeychain is nil"}));
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::loadBiometricsTimeout(config); }, false),
               (Lines{"dataPCITokenBioTimeoutKeychain is nil"}));
     keep("token", "\xC3(");
-    EXPECT_EQ(linesOf(AuthenticateBiometric::loadPciToken, true),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::loadPciToken(config); }, true),
               (Lines{"stringPCITokenFromKeychain: token",
                      "Setting SdkConfg.sharedInstance.currentPciToken with stringPCITokenFromKeychain",
                      "SdkConfig.sharedInstance.currentPciToken is now = token"}));
-    EXPECT_EQ(linesOf(AuthenticateBiometric::loadBiometricsTimeout, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::loadBiometricsTimeout(config); }, false),
               (Lines{"Error getting string from dataPCITokenBioTimeoutFromKeychain"}));
     device.secureItemStore->failNext({-25291});
-    EXPECT_EQ(linesOf(AuthenticateBiometric::loadPciToken, false),
+    EXPECT_EQ(linesOf([&] { return AuthenticateBiometric::loadPciToken(config); }, false),
               (Lines{"KeychainCommunicator.get pci token failed"}));
     keep("", "");
-    EXPECT_TRUE(AuthenticateBiometric::loadPciToken());
+    EXPECT_TRUE(AuthenticateBiometric::loadPciToken(config));
     EXPECT_EQ(config.currentPciToken, "");
 
-    AuthenticateBiometric::reloadAtInitialize();  // an empty one is none, and none can be out of date
+    AuthenticateBiometric::reloadAtInitialize(config);  // an empty one is none, and none can be out of date
     EXPECT_TRUE(device.biometricContext->answer(true));
     device.mainQueue->runAll();
     EXPECT_FALSE(config.timerPciExpired);
@@ -123,7 +125,7 @@ TEST_F(Custody, GateBringsTheTokenBackAndStartsTheTimer) {
     EXPECT_EQ(gate(false), Outcome::notAuthenticated);
 
     device.biometricContext->setAvailable(false);
-    EXPECT_FALSE(AuthenticateBiometric::runGate([](Outcome) { FAIL(); }));
+    EXPECT_FALSE(AuthenticateBiometric::runGate(config, [](Outcome) { FAIL(); }));
 }
 
 }  // namespace

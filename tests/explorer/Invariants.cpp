@@ -18,6 +18,7 @@ constexpr const ViewTable* tables[] = {&setPIN,
                                        &getCardImage,
                                        &cardImage_NoNav,
                                        &enterCardPINMultiView,
+                                       &confirmCardPINMultiView,
                                        &autoNavMultiView,
                                        &activateCardAndSetPINMultiView,
                                        &cardImageActivateMultiView};
@@ -117,7 +118,7 @@ std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const Wor
 
     const ScreenSnapshot now = world.screen();
     if (const std::string secret = shownSecret(now); !secret.empty()) return "shows " + secret;
-    if (!world.config.pendingPin.empty() && ResultPage::find(now.view) &&
+    if (!world.state().pendingPin.empty() && ResultPage::find(now.view) &&
         now.view != UhOhTryAgainWithErrorMsgView)
         return "still holds the PIN on " + now.view;
     const auto met = rowsAndViews(now);

@@ -10,23 +10,29 @@ namespace {
 
 using Does = Step::Does;
 
-using SharedText = std::string SdkConfig::*;
+using ProcessText = std::string SdkConfig::*;
+using JourneyText = std::string JourneyState::*;
 
 /// On these the component's behaviour depends.
-constexpr SharedText decisiveTexts[] = {
-    &SdkConfig::ivIdStr,         &SdkConfig::currentPciToken, &SdkConfig::decBiometricsAuthenticationTimer,
-    &SdkConfig::pendingPin,      &SdkConfig::decCardStatus,   &SdkConfig::viewToShowAfterSMSVerify,
-    &SdkConfig::enteredLastFour, &SdkConfig::enteredCvv,      &SdkConfig::viewToShowAfterSMSVerifyBackup,
-    &SdkConfig::decCardImage,    &SdkConfig::decPan};
+constexpr ProcessText decisiveProcessTexts[] = {&SdkConfig::ivIdStr, &SdkConfig::currentPciToken,
+                                                &SdkConfig::decBiometricsAuthenticationTimer};
+constexpr JourneyText decisiveJourneyTexts[] = {&JourneyState::pendingPin,
+                                                &JourneyState::decCardStatus,
+                                                &JourneyState::viewToShowAfterSMSVerify,
+                                                &JourneyState::enteredLastFour,
+                                                &JourneyState::enteredCvv,
+                                                &JourneyState::viewToShowAfterSMSVerifyBackup,
+                                                &JourneyState::decCardImage,
+                                                &JourneyState::decPan};
 /// These are only sent or shown.
-constexpr SharedText otherTexts[] = {&SdkConfig::currentBearerToken,    &SdkConfig::decryptedPciSmsToken,
-                                     &SdkConfig::decPciTokenExpiration, &SdkConfig::twoFactorCode,
-                                     &SdkConfig::useBiometric,          &SdkConfig::viewToShowAfterFaceId,
-                                     &SdkConfig::decMaskedPan,          &SdkConfig::decCvv,
-                                     &SdkConfig::decMaskedCvv,          &SdkConfig::decExpiryDate,
-                                     &SdkConfig::decFirstName,          &SdkConfig::decMiddleName,
-                                     &SdkConfig::decLastName,           &SdkConfig::decCardNetwork,
-                                     &SdkConfig::lastJsonResponseStr};
+constexpr ProcessText otherProcessTexts[] = {&SdkConfig::currentBearerToken,
+                                             &SdkConfig::decPciTokenExpiration, &SdkConfig::useBiometric,
+                                             &SdkConfig::lastJsonResponseStr};
+constexpr JourneyText otherJourneyTexts[] = {
+    &JourneyState::decryptedPciSmsToken, &JourneyState::twoFactorCode, &JourneyState::viewToShowAfterFaceId,
+    &JourneyState::decMaskedPan,         &JourneyState::decCvv,        &JourneyState::decMaskedCvv,
+    &JourneyState::decExpiryDate,        &JourneyState::decFirstName,  &JourneyState::decMiddleName,
+    &JourneyState::decLastName,          &JourneyState::decCardNetwork};
 
 /// What a person types in the boxes: what belongs there, what does not, and too little.
 const std::map<std::string, std::vector<std::string>> entries{
@@ -76,12 +82,10 @@ std::string foundIn(std::string_view text, std::span<const std::string_view> the
 
 World::World(const Start& start, const Scope& scope) : scope_(scope) {
     using enum Start::Token;
-    for (const SharedText text : decisiveTexts) (config.*text).clear();
-    for (const SharedText text : otherTexts) (config.*text).clear();
+    for (const ProcessText text : decisiveProcessTexts) (config.*text).clear();
+    for (const ProcessText text : otherProcessTexts) (config.*text).clear();
     config.ivByteArray.clear();
-    config.gotInitialIV = config.setPinOnly = config.timerPciExpired = false;
-    config.currentCardType = eKorvaneCardType::none;
-    config.decodedDisclosuresStruct.reset();
+    config.gotInitialIV = config.timerPciExpired = false;
     config.useBiometrics = start.biometrics;
     config.ivCallback = [this](IvReply reply) { waiting_.push_back({"iv", {}, std::move(reply)}); };
     device.urlSession->answerWith([this](const UrlRequest& request) -> std::optional<UrlReply> {
@@ -108,6 +112,7 @@ World::World(const Start& start, const Scope& scope) : scope_(scope) {
             journey_.reset();  // as a host may do at once
         });
     journey_ = std::make_unique<Journey>(start.kind, "card-1");
+    state_ = JourneyProbe::state(*journey_);
     journey_->appear();
     gather("start");
 }
@@ -288,16 +293,20 @@ std::string World::key() const {
     if (!journey_) return "closed";
     std::string key = screenKey(screen()) + "#" + std::to_string(scope_.faults);
     for (const std::string& each : covered_) key += "/" + each;
-    for (const SharedText text : decisiveTexts) key += "|" + config.*text;
-    for (const SharedText text : otherTexts) key += foundIn(config.*text, personal).empty() ? "-" : "s";
+    const auto state = state_.lock();
+    for (const ProcessText text : decisiveProcessTexts) key += "|" + config.*text;
+    for (const JourneyText text : decisiveJourneyTexts) key += "|" + (*state).*text;
+    const auto add = [&key](const std::string& text) { key += foundIn(text, personal).empty() ? "-" : "s"; };
+    for (const ProcessText text : otherProcessTexts) add(config.*text);
+    for (const JourneyText text : otherJourneyTexts) add((*state).*text);
     for (const Waiting& each : waiting_) key += each.tag;
     for (const auto& [name, value] : device.secureItemStore->items()) key += name.second + value;
     for (const bool flag :
          {config.useBiometrics, device.biometricContext->canEvaluate(), !config.currentBearerToken.empty(),
-          doneSomething, config.setPinOnly, config.timerPciExpired, config.pciTimer.isArmed(),
-          config.decodedDisclosuresStruct.has_value(), !device.pasteboard->text().empty()})
+          doneSomething, state->setPinOnly, config.timerPciExpired, config.pciTimer.isArmed(),
+          state->decodedDisclosuresStruct.has_value(), !device.pasteboard->text().empty()})
         key += flag ? "1" : "0";
-    key += std::to_string(config.ivByteArray.size()) + std::string{cardTypeCaseName(config.currentCardType)};
+    key += std::to_string(config.ivByteArray.size()) + std::string{cardTypeCaseName(state->currentCardType)};
     return key;
 }
 
@@ -312,10 +321,10 @@ std::string World::leftBehind() {
         gather("end");
     }
     std::string memory;
-    for (const SharedText text : decisiveTexts) memory += "|" + config.*text;
-    for (const SharedText text : otherTexts) memory += "|" + config.*text;
+    for (const ProcessText text : decisiveProcessTexts) memory += "|" + config.*text;
+    for (const ProcessText text : otherProcessTexts) memory += "|" + config.*text;
     if (const auto left = foundIn(memory, personal); !left.empty()) return "left in memory: " + left;
-    if (config.decodedDisclosuresStruct) return "disclosures left in memory";
+    if (!state_.expired()) return "the journey's state outlives the journey";
     if (!device.pasteboard->text().empty()) return "left on the pasteboard: " + device.pasteboard->text();
     const bool tokenTimer = config.useBiometrics && !config.currentPciToken.empty();
     if (device.timers->pending() > (tokenTimer ? 1u : 0u)) return "a timer still runs";

@@ -10,6 +10,8 @@
 #include <span>
 #include <variant>
 
+#include "flows/JourneyProbe.h"
+#include "sdk/JourneyState.h"
 #include "tests/support/ScriptedService.h"
 
 namespace korvane::explorer {
@@ -91,6 +93,7 @@ class World : public ScriptedService {
     std::vector<Step> possible() const;
 
     bool isClosed() const { return !journey_; }
+    const JourneyState& state() const { return *state_.lock(); }
     ScreenSnapshot screen() const { return journey_ ? journey_->screen() : ScreenSnapshot{}; }
     /// All that the component's further behaviour depends on, made finite: texts by whether there are any,
     /// times by whether they are up.
@@ -124,6 +127,7 @@ class World : public ScriptedService {
 
     Scope scope_;  // what is left of it
     std::unique_ptr<Journey> journey_;
+    std::weak_ptr<JourneyState> state_;
     std::vector<Waiting> waiting_;
     std::uint64_t asker_ = 0;                 // owner of what was just answered
     std::string cause_;                       // the call that was just answered, or why

@@ -88,7 +88,7 @@ std::string JourneyFixture::value(const std::string& name) const {
     if (name == "closed") return closed_;
     if (name == "pasteboard") return device.pasteboard->text();
     if (name == "typed")
-        return config.pendingPin + config.enteredLastFour + config.enteredCvv + config.twoFactorCode;
+        return state().pendingPin + state().enteredLastFour + state().enteredCvv + state().twoFactorCode;
     if (now.card) {
         if (name == "logo") return now.card->networkLogo;
         if (name == "name") return now.card->name;

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "flows/JourneyProbe.h"
+#include "sdk/JourneyState.h"
 #include "tests/support/ScriptedService.h"
 
 namespace korvane {
@@ -44,6 +46,8 @@ class JourneyFixture : public testing::Test, protected ScriptedService {
         return walk({"type 2580", "sdk.setpin.button", "type 2580", "sdk.confirmpin.button"});
     }
     ScreenSnapshot screen() const { return journey->screen(); }
+    /// What the journey that was started last keeps.
+    JourneyState& state() const { return *JourneyProbe::state(*journey); }
 
     std::unique_ptr<Journey> journey;
 

@@ -41,8 +41,8 @@ TEST_F(AppearDecision, FirstViewFollowsStatusAndTypeOfTheCard) {
     };
     for (const auto& [kind, status, type, view] : cases) {
         EXPECT_EQ(start(kind, status, type), view) << type << " " << status;
-        EXPECT_EQ(config.setPinOnly, kind == setPIN);
-        EXPECT_EQ(config.decCardStatus, "");
+        EXPECT_EQ(state().setPinOnly, kind == setPIN);
+        EXPECT_EQ(state().decCardStatus, "");
     }
 }
 
@@ -72,7 +72,7 @@ TEST_F(AppearDecision, EveryFailureLeadsToTheSmsStepOrTheErrorPage) {
             see(failed ? "toast=errors.generic.api" : "toast=");
             EXPECT_FALSE(screen().spinner);
             if (failed) continue;
-            EXPECT_EQ(config.viewToShowAfterSMSVerify, call.noNav());
+            EXPECT_EQ(state().viewToShowAfterSMSVerify, call.noNav());
             EXPECT_EQ(verifyBySMS(), call.view);
             see("stack=" + call.host + "/" + call.view);
         }
@@ -105,7 +105,8 @@ TEST_F(AppearDecision, StaleIvIsRenewedForAsLongAsTheHostSuppliesOne) {
 
 TEST(Navigation, LinkPushesWhenItsTokenIsCalledAndOnlyOnce) {
     const FakePorts device;
-    const auto stack = std::make_shared<NavigationStack>();
+    const auto stack = std::make_shared<NavigationStack>(
+        std::make_shared<JourneyState>(SdkConfig::sharedInstance(), "card-1"));
     const auto page = [&] { return makeScreen(stack, view::SMSExplainView, ScreenArguments{}); };
     const auto root = page();
     stack->start(root);

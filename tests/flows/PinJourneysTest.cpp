@@ -32,8 +32,7 @@ TEST_F(SmsStep, LeavingCancelsTheSubmissionAndStartsTheStepAgain) {
     hang("pciTokenSubmission");
     walk({"type 123456 > showSpinner=true", "back > SMSExplainView, typed="});
     EXPECT_TRUE(device.urlSession->wasCancelled(device.urlSession->startedCount() - 1));
-    EXPECT_TRUE(device.console->has("Forcing SMS flow reset..."));
-    EXPECT_EQ(config.decryptedPciSmsToken, "");
+    EXPECT_EQ(state().decryptedPciSmsToken, "");
     // A spent SMS token starts it again too.
     next("pciTokenSubmission", result("Failure: Invalid Token"));
     EXPECT_EQ(verifyBySMS(), "SMSExplainView");
@@ -109,12 +108,15 @@ TEST_F(PinJourneys, AFailedSubmissionEndsOnTheErrorPage) {
     }
 }
 
-TEST_F(PinJourneys, NothingIsAcceptedWhileThePinIsOnItsWay) {
+TEST_F(PinJourneys, WhileThePinIsOnItsWayNothingButBackIsAcceptedAndThatEndsTheReruns) {
     start();
     hang("pinSet");
     enterAndConfirm();
-    walk({"back > not enabled, showSpinner=true", "sdk.confirmpin.button > not enabled",
-          "type 1111 > not enabled, calls pinSet=1"});
+    walk({"sdk.confirmpin.button > not enabled, showSpinner=true", "type 1111 > not enabled, calls pinSet=1",
+          "back > EnterCardPINView, filled=4, typed="});
+    device.urlSession->reply(device.urlSession->startedCount() - 1, result("Failure: IV is expired"));
+    settle();
+    see("EnterCardPINView, calls pinSet=1");
 }
 
 TEST_F(PinJourneys, EveryTypeOfCardIsActivatedFromBothPlaces) {
@@ -122,7 +124,6 @@ TEST_F(PinJourneys, EveryTypeOfCardIsActivatedFromBothPlaces) {
                                        {JourneyKind::getCardImage, "onCardButton"}}) {
         for (const std::string type : {"physical", "paywallet", "sticker", "virtual", "wearable"}) {
             SCOPED_TRACE(button + (" " + type));
-            config.currentCardType = eKorvaneCardType::none;
             start(kind, "P2", type);
             const bool physical = type != "virtual" && type != "wearable";
             const std::string endpoint = (physical ? "physical" : type) + "CardActivationAndPinSet";

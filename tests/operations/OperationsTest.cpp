@@ -15,7 +15,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-using Start = std::function<Operation(OperationCompletion)>;
+using Start = std::function<Handle(StatePtr, OperationCompletion)>;
 
 /// What differs between the operations.
 struct Row {
@@ -34,23 +34,26 @@ const std::string to = " offsetId=iv-0 CardId=card-1";
 const std::string token = " PciToken=pci-token";
 const std::string nil = "Encrypted result nil";
 
-Operation pinSet(OperationCompletion done) {
-    return doPinSet("1357", std::move(done));
+Handle pinSet(StatePtr state, OperationCompletion done) {
+    return doPinSet(std::move(state), "1357", std::move(done));
 }
 
 const std::vector<Row> rows{
     {"doPinSet", "pinSet", pinSet, track + ids + pinAndToken, "pinSet" + to + " PIN=1357" + token, nil},
     {"doActivatePhysicalCardAndSetPIN", "physicalCardActivationAndPinSet",
-     [](auto done) { return doActivatePhysicalCardAndSetPIN("9876", "321", "1357", done); },
+     [](auto state, auto done) {
+         return doActivatePhysicalCardAndSetPIN(state, "9876", "321", "1357", done);
+     },
      barred + "|lastFourOfPan = 9876|cvv = 321" + pinAndToken,
      "physicalCardActivationAndPinSet" + to + " CVV=321 PIN=1357 LastFourOfPan=9876" + token, ""},
     {"doActivateVirtualCardAndSetPIN", "virtualCardActivationAndPinSet",
-     [](auto done) { return doActivateVirtualCardAndSetPIN("1357", done); }, barred + pinAndToken,
-     "virtualCardActivationAndPinSet" + to + " PIN=1357" + token, ""},
+     [](auto state, auto done) { return doActivateVirtualCardAndSetPIN(state, "1357", done); },
+     barred + pinAndToken, "virtualCardActivationAndPinSet" + to + " PIN=1357" + token, ""},
     {"doActivateWearableCardAndSetPIN", "wearableCardActivationAndPinSet",
-     [](auto done) { return doActivateWearableCardAndSetPIN("1357", done); }, barred + pinAndToken,
-     "wearableCardActivationAndPinSet" + to + " PIN=1357" + token, ""},
-    {"doSetCardStatus", "setCardStatus", [](auto done) { return doSetCardStatus("BT", done); },
+     [](auto state, auto done) { return doActivateWearableCardAndSetPIN(state, "1357", done); },
+     barred + pinAndToken, "wearableCardActivationAndPinSet" + to + " PIN=1357" + token, ""},
+    {"doSetCardStatus", "setCardStatus",
+     [](auto state, auto done) { return doSetCardStatus(state, "BT", done); },
      "doSetCardStatus(...) on track...", "cardStatus" + to + " Status=BT" + token, nil},
     {"doGetCardStatus", "getCardStatus", doGetCardStatus, "doGetCardStatus(...) on track...",
      "getCardStatus" + to + token, nil},
@@ -64,8 +67,8 @@ const std::vector<Row> rows{
 class Operations : public ServiceFixture {
   protected:
     Operations() {
-        config.decryptedPciSmsToken = "sms";
-        config.twoFactorCode = "123456";
+        state->decryptedPciSmsToken = "sms";
+        state->twoFactorCode = "123456";
     }
     OperationCompletion keep() {
         return [this](KorvaneRetStruct record) { results.push_back(std::move(record)); };
@@ -75,7 +78,7 @@ class Operations : public ServiceFixture {
         willAnswer(std::move(replies));
         results.clear();
         printed();
-        start(keep());
+        const Handle underWay = start(state, keep());
         EXPECT_TRUE(results.empty());
         settle();
         EXPECT_EQ(results.size(), 1u);
@@ -131,10 +134,12 @@ TEST_F(Operations, AnIvIsAskedForOneThatIsRefusedIsReplacedAndTheOperationRunsAg
         EXPECT_THAT(lines, HasSubstr("|Got error = " + refused +
                                      ".. calling api.refreshIV...|refreshed the IV... now recalling"));
     }
-    // A refresh that brings no IV leaves the old one, with which the operation runs again.
+    // A refused IV is never used again: without another one the next run fails.
     hostSuppliesIvs = false;
-    EXPECT_EQ(run(pinSet, {result("Failure: IV is expired"), result("No")}).errorMsg, "No");
-    config.ivByteArray.clear();  // an id alone is no IV
+    const auto started = device.urlSession->startedCount();
+    EXPECT_EQ(run(pinSet, {result("Failure: IV is expired"), result("No")}).errorMsg, "ivId is nil");
+    EXPECT_EQ(device.urlSession->startedCount(), started + 1);
+    config.ivIdStr = "an id alone is no IV";
     EXPECT_EQ(run(pinSet, {}).errorMsg, "ivId is nil");
 }
 
@@ -153,14 +158,14 @@ TEST_F(Operations, ResultWordsAreComparedWholeAndHttpFailuresGiveTheirNumber) {
 }
 
 TEST_F(Operations, AReplyIsDecipheredWithTheIvOfItsRequest) {
-    doPinSet("1357", keep());
+    const Handle underWay = doPinSet(state, "1357", keep());
     config.ivByteArray = std::vector<std::uint8_t>(16, 0xEE);  // another operation got a new one meanwhile
     device.urlSession->reply(0, result("Success"));
     settle();
     EXPECT_FALSE(results.at(0).error);
 }
 
-TEST_F(Operations, CancellingEndsTheOperationWhereverItIs) {
+TEST_F(Operations, AReleasedHandleEndsTheOperationWhereverItIs) {
     std::vector<IvReply> host;
     config.ivCallback = [&](IvReply reply) { host.push_back(std::move(reply)); };
     const UrlReply stale = result("Failure: IV is expired"), unauthorized = answer(401, {});
@@ -172,35 +177,53 @@ TEST_F(Operations, CancellingEndsTheOperationWhereverItIs) {
     for (const Case& each :
          {Case{{}, true, true, 0}, Case{{unauthorized}, true, true, 0}, Case{{stale}, true, true, 1},
           Case{{unauthorized}, true, false, 1}, Case{{}, false, false, 1}}) {
-        results.clear();
         config.ivIdStr = "iv-0";
         config.ivByteArray = iv;
         if (!each.ivAtFirst) dropIv();
         willAnswer(each.replies);
-        const Operation operation = doPinSet("1357", keep());
+        Handle underWay = doGetCardStatus(state, keep());
         if (!each.ivLater) dropIv();
         settle();
         const std::size_t started = device.urlSession->startedCount();
         ASSERT_EQ(host.size(), each.questions);
-        if (!each.ivLater) host.clear();  // nobody but its handle holds the operation now
-        for (int i = 0; i < 2; ++i) operation->cancel();
-        EXPECT_TRUE(results.empty());
-        settle();
+        underWay.reset();
+        printed();
         for (const IvReply& late : std::exchange(host, {})) late("late", ivText);
         settle();
-        ASSERT_EQ(results.size(), 1u);
-        EXPECT_EQ(results[0].errorMsg, "-999 error");
+        EXPECT_EQ(printed(), "");
+        EXPECT_TRUE(results.empty());
+        EXPECT_NE(config.ivIdStr, "late");
         EXPECT_EQ(device.urlSession->startedCount(), started);
         EXPECT_TRUE(each.questions || device.urlSession->wasCancelled(started - 1));
     }
-    Operation inside;
-    config.ivCallback = [&](const IvReply&) { inside->cancel(); };
-    config.ivByteArray = iv;
-    config.ivIdStr = "iv-0";
-    willAnswer({stale});
-    inside = doPinSet("1357", keep());
-    settle();
-    EXPECT_EQ(results.at(1).errorMsg, "-999 error") << "from inside the host's callback";
+}
+
+TEST_F(Operations, AChangeThatWasSentMayFinishAndNothingFollows) {
+    const Start changes[] = {rows[0].start, rows[1].start, rows[2].start, rows[3].start, rows[4].start};
+    for (const Start& start : changes) {
+        for (const UrlReply& late : {result("Failure: IV is expired"), answer(401, {}), result("Success")}) {
+            willAnswer({});
+            Handle underWay = start(state, keep());
+            const std::size_t sent = device.urlSession->startedCount() - 1;
+            underWay.reset();
+            EXPECT_FALSE(device.urlSession->wasCancelled(sent));
+            printed();
+            config.lastJsonResponseStr.clear();
+            EXPECT_TRUE(device.urlSession->reply(sent, late));
+            settle();
+            EXPECT_EQ(printed() + config.lastJsonResponseStr, "");
+            EXPECT_EQ(device.urlSession->startedCount(), sent + 1);
+        }
+    }
+    EXPECT_TRUE(results.empty());
+    EXPECT_EQ(ivsSupplied, 0);
+}
+
+TEST_F(Operations, ASubmissionThatThePlatformCancelsStartsTheSmsStepAnew) {
+    const UrlReply cancelled{0, "", "suspended", urlRequestCancelled};
+    EXPECT_EQ(run(doPciTokenSubmission, {cancelled}).errorMsg, "forceSMSFlowReset");
+    EXPECT_TRUE(device.console->has("Forcing SMS flow reset..."));
+    EXPECT_EQ(run(pinSet, {cancelled}).errorMsg, "-999 error");
 }
 
 TEST_F(Operations, TheCallersTextsAreWipedWhereTheyStood) {
@@ -218,7 +241,7 @@ TEST_F(Operations, AHundredThousandRefusedIvsCostNoStackAndNoMemory) {
         [&, replies = std::vector{result("Failure: IV is expired"), result("Success")}](const UrlRequest&) {
             return replies[ivsSupplied == runs];
         });
-    doPinSet("1357", keep());
+    const Handle underWay = doPinSet(state, "1357", keep());
     // What the C library's heap holds; sanitizers bring their own, read as 0. Past the first thousand
     // everything that is kept for good has been made.
     while (ivsSupplied < 1000) device.mainQueue->runOne();

@@ -11,12 +11,12 @@ using testing::HasSubstr;
 /// What the operations make of the fields of a reply.
 class Replies : public ServiceFixture {
   protected:
-    KorvaneRetStruct run(Operation (*operation)(OperationCompletion), Fields fields,
+    KorvaneRetStruct run(Handle (*operation)(StatePtr, OperationCompletion), Fields fields,
                          const std::string& word = "Success") {
         fields.emplace_back("encryptedResult", word);
         willAnswer({ok(fields)});
         KorvaneRetStruct record;
-        operation([&](KorvaneRetStruct done) { record = std::move(done); });
+        const Handle underWay = operation(state, [&](KorvaneRetStruct done) { record = std::move(done); });
         settle();
         return record;
     }
@@ -54,17 +54,17 @@ TEST_F(Replies, CardImageStoresAndPrintsEveryValueInOrderBehindFixedMasks) {
     const KorvaneRetStruct record = run(doCardImage, reply, "SUCCESS");
     EXPECT_FALSE(record.error);
     EXPECT_THAT(printed(), HasSubstr("|decResult: SUCCESS" + lines(values) + "|KorvaneRetStruct("));
-    EXPECT_EQ(config.decPan + config.decMaskedPan + config.decCvv + config.decMaskedCvv + config.decLastName,
+    EXPECT_EQ(state->decPan + state->decMaskedPan + state->decCvv + state->decMaskedCvv + state->decLastName,
               "5555550000079197123################8642###Núñez");
-    EXPECT_EQ(config.decodedDisclosuresStruct->CardDisclosures->at(0).CardDisclosure, "x");
+    EXPECT_EQ(state->decodedDisclosuresStruct->CardDisclosures->at(0).CardDisclosure, "x");
 
     // What is missing is empty, and the rest goes on, without an error.
     const KorvaneRetStruct told =
         run(doCardImage, {{"encryptedCardDisclosures", "{"}, {"encryptedCvv", "864"}});
     EXPECT_FALSE(told.error);
     EXPECT_EQ(told.errorMsg, "disclosure decode failed");
-    EXPECT_FALSE(config.decodedDisclosuresStruct);
-    EXPECT_EQ(config.decPan + config.decCardImage + config.decCvv + config.decCardNetwork, "864");
+    EXPECT_FALSE(state->decodedDisclosuresStruct);
+    EXPECT_EQ(state->decPan + state->decCardImage + state->decCvv + state->decCardNetwork, "864");
 }
 
 TEST_F(Replies, CardStatusStoresTheCodeAsItIsAndARecognisedType) {
@@ -74,8 +74,8 @@ TEST_F(Replies, CardStatusStoresTheCodeAsItIsAndARecognisedType) {
                                                               {"paywallet", eKorvaneCardType::paywallet}};
     for (const auto& [text, type] : cases) {
         EXPECT_FALSE(status("a1", text).error);
-        EXPECT_EQ(config.decCardStatus, "a1");
-        EXPECT_EQ(config.currentCardType, type);
+        EXPECT_EQ(state->decCardStatus, "a1");
+        EXPECT_EQ(state->currentCardType, type);
         EXPECT_THAT(printed(),
                     HasSubstr("|decCardType: " + text + "|SdkConfig.sharedInstance.currentCardType = "));
     }
@@ -84,11 +84,11 @@ TEST_F(Replies, CardStatusStoresTheCodeAsItIsAndARecognisedType) {
     EXPECT_TRUE(device.console->has("Unknown encoded card type, defaulting to .physical"));
     // A missing field is a failure that keeps what came before.
     EXPECT_EQ(run(doGetCardStatus, {{"encryptedCardType", "virtual"}}).errorMsg, "Encrypted card status nil");
-    EXPECT_EQ(config.decCardStatus, "P2");
+    EXPECT_EQ(state->decCardStatus, "P2");
     const KorvaneRetStruct record = run(doGetCardStatus, {{"encryptedCardStatus", "BT"}});
     EXPECT_TRUE(record.error);
-    EXPECT_EQ(record.errorMsg + config.decCardStatus, "Encrypted card type nilBT");
-    EXPECT_EQ(config.currentCardType, eKorvaneCardType::paywallet);
+    EXPECT_EQ(record.errorMsg + state->decCardStatus, "Encrypted card type nilBT");
+    EXPECT_EQ(state->currentCardType, eKorvaneCardType::paywallet);
 }
 
 TEST_F(Replies, TokenRequestStoresTheSmsTokenWhateverTheResultSays) {
@@ -97,7 +97,7 @@ TEST_F(Replies, TokenRequestStoresTheSmsTokenWhateverTheResultSays) {
     const KorvaneRetStruct record = run(doPciTokenRequest, {}, "Failure: Invalid offsetId");
     EXPECT_TRUE(record.error && record.errorMsg.empty());
     EXPECT_EQ(ivsSupplied, 0);
-    EXPECT_EQ(config.decryptedPciSmsToken, "sms");
+    EXPECT_EQ(state->decryptedPciSmsToken, "sms");
 }
 
 TEST_F(Replies, TokenSubmissionStoresTheTokenInMemory) {

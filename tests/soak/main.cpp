@@ -12,7 +12,8 @@
 #include <random>
 
 #include "base/Secret.h"
-#include "sdk/SdkConfig.h"
+#include "flows/JourneyProbe.h"
+#include "sdk/JourneyState.h"
 #include "tests/soak/RealDevice.h"
 
 namespace korvane::testing {
@@ -137,7 +138,8 @@ class Soak {
         expect(tally_.contains(end), "it closed on " + end);
         ++tally_[end];
         compare(cardId, told, device_.timeOuts > timeOuts);
-        expect((config_.pendingPin + config_.twoFactorCode).empty(), "secrets are left after " + view);
+        const auto state = JourneyProbe::state(journey);
+        expect((state->pendingPin + state->twoFactorCode).empty(), "secrets are left after " + view);
     }
 
     std::string digitsFor(const std::string& view, const std::string& cardId, std::string& typed) {

@@ -25,17 +25,19 @@ class Api : public ServiceFixture {
             failure = std::move(error);
         };
     }
-    void pinSet() { API{}.pinSet("iv-0", "C", "P", "T", keep<RestPinSet>()); }
+    API api() { return API{config, "card-1"}; }
+    void pinSet() { underWay = api().pinSet("iv-0", "C", "P", "T", keep<RestPinSet>()); }
     UrlReply token(const std::string& text) const { return ok({{"encryptedAccessToken", text}}); }
 
     std::optional<std::string> response;
     std::optional<CallError> failure;
+    Handle underWay;
 };
 
 TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
     willAnswer({answer(401, {}), token("bearer-1"), result("Success")});
     config.apiUrl = "https://cards.example/v1";
-    API{}.pinSet("iv-0", encipher("C"), encipher("P"), encipher("T"), keep<RestPinSet>());
+    underWay = api().pinSet("iv-0", encipher("C"), encipher("P"), encipher("T"), keep<RestPinSet>());
     settle();
     const auto& requests = device.urlSession->requests();
     EXPECT_EQ(response, encipher("Success"));
@@ -65,14 +67,14 @@ TEST_F(Api, A401RenewsTheBearerTokenAndRepeatsTheCall) {
 
 TEST_F(Api, MethodsPrintTheirOwnLines) {
     willAnswer({answer(401, {}), answer(500, {})});
-    API{}.pciTokenRequest("iv-0", "C", keep<RestPciTokenRequest>());
+    underWay = api().pciTokenRequest("iv-0", "C", keep<RestPciTokenRequest>());
     settle();
     const std::string own = "pciTokenRequest -  now inside the reAuthClosure...";
     EXPECT_THAT(printed(), AllOf(HasSubstr("pciTokenRequest request dictionary: "
                                            R"({"offsetId":"iv-0","encryptedCardId":"C"}|)"),
                                  HasSubstr("|" + own + " calling refreshBearerToken...|"),
                                  EndsWith("|pciTokenRequest - refreshBearerToken failed")));
-    API{}.getCardStatus("iv-0", "C", "T", keep<RestGetCardStatus>());
+    underWay = api().getCardStatus("iv-0", "C", "T", keep<RestGetCardStatus>());
     EXPECT_EQ(printed(),
               "Inside getCardStatus api level...|Current bearer token: bearer-0|"
               "Current PCI token: pci-token|inside doRequest<T: ...>");
@@ -111,7 +113,8 @@ TEST_F(Api, ARefusedIvIsReplacedAndTheRenewalRunsAgain) {
     for (const auto& [reply, lines] : cases) {
         willAnswer({reply, token("bearer-2")});
         config.currentBearerToken.clear();
-        refreshBearerToken(
+        underWay = refreshBearerToken(
+            config, "card-1",
             [](const std::optional<KorvaneRetStruct>& renewalFailure) { EXPECT_FALSE(renewalFailure); });
         settle();
         EXPECT_EQ(config.currentBearerToken, "bearer-2");
@@ -122,9 +125,9 @@ TEST_F(Api, ARefusedIvIsReplacedAndTheRenewalRunsAgain) {
 
 class RequestCore : public ServiceFixture {
   protected:
-    CancelHandle request(TextMap body = {}) {
-        return doRequest<RestPinSet>(
-            {"https://cards.example/x", "POST", std::move(body), std::nullopt},
+    void request(TextMap body = {}) {
+        underWay = doRequest<RestPinSet>(
+            config, {"https://cards.example/x", "POST", std::move(body), std::nullopt},
             [this](const RequestError& error) { ends.push_back("reAuth " + describe(error)); },
             [this](std::optional<RestPinSet> record, std::optional<CallError> error) {
                 EXPECT_TRUE(device.mainQueue->isMainThread());
@@ -139,6 +142,7 @@ class RequestCore : public ServiceFixture {
     }
 
     std::vector<std::string> ends;
+    Handle underWay;
 };
 
 TEST_F(RequestCore, SendsTheTrackingIdAndTheBrandInTheBodyIfTheyAreUtf8) {
@@ -163,6 +167,8 @@ TEST_F(RequestCore, TurnsAnAnswerIntoARecordOrAnErrorAndKeepsItsBody) {
         {{401, "?", ""}, "reAuth 401 status code = 401: ?", "|401|?|Got 401... calling reAuthClosure..."},
         {{200, "5", ""}, "-1 not a JSON object", "|200|5|. JSON decode error: not a JSON object"},
         {{0, "", "name not found"}, "-1 name not found", "no response: name not found"},
+        {{0, "", "suspended", urlRequestCancelled}, "-999 suspended", "no response: suspended"},
+        {{0, "", "timed out", -1001}, "-1 timed out", "no response: timed out"},
     };
     for (const auto& [reply, end, lines] : cases) {
         willAnswer({reply});
@@ -183,14 +189,14 @@ class IvAcquisition : public ServiceFixture {
         dropIv();
         config.ivCallback = [this](IvReply reply) { host = std::move(reply); };
     }
-    void ask() {
-        requestIv([this](std::optional<KorvaneRetStruct> record, auto ivId, auto ivBytes) {
+    void ask(IvReason reason = IvReason::noneHeld) {
+        underWay = obtainIv(config, reason, [this](const std::optional<KorvaneRetStruct>& failure) {
             EXPECT_TRUE(device.mainQueue->isMainThread());
-            EXPECT_EQ(ivId && ivBytes, !record->error);
-            outcomes.push_back(record->error ? record->errorMsg : *ivId);
+            outcomes.push_back(failure ? failure->errorMsg : config.ivIdStr);
         });
     }
 
+    Handle underWay;
     IvReply host;
     std::vector<std::string> outcomes;  ///< the IV's id, or the failure
 };
@@ -200,12 +206,12 @@ TEST_F(IvAcquisition, StoresTheFirstGoodAnswerOfAnyLengthOnTheMainQueue) {
         ask();
         host("iv-7", text);
         host("late", "AAAA");
-        EXPECT_TRUE(outcomes.empty() && !ivAtHand());
+        EXPECT_TRUE(outcomes.empty() && !ivAtHand(config));
         settle();
         EXPECT_EQ(config.ivIdStr, "iv-7");
         EXPECT_EQ(config.ivByteArray.size(), text.size() / 4 * 3 - (text == ivText ? 2 : 0));
         EXPECT_EQ(std::exchange(outcomes, {}), std::vector<std::string>{"iv-7"});
-        EXPECT_EQ(ivAtHand(), !text.empty());
+        EXPECT_EQ(ivAtHand(config), !text.empty());
         dropIv();
     }
 }
@@ -233,14 +239,31 @@ TEST_F(IvAcquisition, ABadAnswerLeavesTheStoredPairAlone) {
     EXPECT_TRUE(config.ivByteArray.empty() && !config.gotInitialIV);
 }
 
-TEST_F(IvAcquisition, AHostThatLetsGoUnansweredReleasesTheContinuationOnTheMainThread) {
-    std::thread::id releasedOn;
-    std::shared_ptr<void> held{nullptr, [&](void*) { releasedOn = std::this_thread::get_id(); }};
-    requestIv([held = std::move(held)](auto&&...) { ADD_FAILURE(); });
+TEST_F(IvAcquisition, NoAnswerIsAFailureAndAnAnswerNobodyWaitsForStoresNothing) {
+    ask();
     std::thread{[reply = std::exchange(host, nullptr)]() mutable { reply = nullptr; }}.join();
-    EXPECT_EQ(releasedOn, std::thread::id{});
+    EXPECT_TRUE(outcomes.empty());
     settle();
-    EXPECT_EQ(releasedOn, std::this_thread::get_id());
+    config.ivCallback = [](const IvReply&) { throw std::runtime_error("the host's own"); };
+    ask();
+    EXPECT_EQ(outcomes.size(), 1u);
+    settle();
+    config.ivCallback = [this](const IvReply& reply) {
+        reply("iv-9", ivText);
+        throw std::runtime_error("after its answer");
+    };
+    ask();
+    settle();
+    EXPECT_THAT(outcomes, ElementsAre("resStructIv is nil", "resStructIv is nil", "iv-9"));
+
+    config.ivCallback = [this](IvReply reply) { host = std::move(reply); };
+    ask(IvReason::refused);
+    EXPECT_FALSE(ivAtHand(config)) << "a refused IV is never used again";
+    underWay.reset();
+    host("late", ivText);
+    settle();
+    EXPECT_FALSE(ivAtHand(config));
+    EXPECT_EQ(outcomes.size(), 3u);
 }
 
 TEST_F(IvAcquisition, TheHostMayReplaceItsCallbackFromInside) {

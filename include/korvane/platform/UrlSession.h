@@ -18,11 +18,19 @@ struct UrlRequest {
     std::string body;  ///< sent as it is
 };
 
-/// What became of a request: an HTTP answer, or the reason why there is none.
+/// `UrlReply::failureCode` of a request that the platform cancelled by itself.
+inline constexpr int urlRequestCancelled = -999;
+/// `UrlReply::failureCode` of every other request without a whole answer.
+inline constexpr int urlRequestFailed = -1;
+
+/// The result of a request: an HTTP answer, or the reason why there is none.
 struct UrlReply {
     int status = 0;       ///< HTTP status of the answer; 0 when no whole answer came
     std::string body;     ///< the answer's body, as received; empty when no whole answer came
     std::string failure;  ///< why no whole answer came (for the log only); empty when one did
+    /// Why no whole answer came, for decisions: `urlRequestCancelled` or `urlRequestFailed`. Ignored when one
+    /// did; any other value counts as `urlRequestFailed`.
+    int failureCode = urlRequestFailed;
 
     /// A whole HTTP answer came, whatever its status.
     bool answered() const { return status != 0; }

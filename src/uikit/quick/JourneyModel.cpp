@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "uikit/quick/JourneyModel.h"
 
+#include <algorithm>
+
 #include "base/Secret.h"
 
 namespace korvane {
@@ -48,6 +50,13 @@ void JourneyModel::setVisible(bool visible) {
     appear();
 }
 
+void JourneyModel::setClosable(bool closable) {
+    if (closable_ == closable) return;
+    closable_ = closable;
+    emit closableChanged();
+    if (journey_) show();
+}
+
 void JourneyModel::setWindow(QWindow* window) {
     if (window_ == window) return;
     if (window_) disconnect(window_, nullptr, this, nullptr);
@@ -76,10 +85,10 @@ void JourneyModel::componentComplete() {
 void JourneyModel::start() {
     if (!complete_) return;
     stop();
-    closing_ = NotificationCenter::defaultCenter().observe(NotificationCloseUI, [this](const auto& userInfo) {
-        const auto result = userInfo.find("result");
-        emit closed(result == userInfo.end() ? QString() : QString::fromStdString(result->second));
-    });
+    closing_ = NotificationCenter::defaultCenter().observe(
+        NotificationCloseUI, [this](const NotificationUserInfo& userInfo, JourneyId journey) {
+            if (journey == journeyId()) emit closed(QString::fromStdString(userInfo.at("result")));
+        });
     journey_ = std::make_unique<Journey>(toCore(kind_), cardId_.toStdString());
     journey_->onChange([this] { show(); });
     show();
@@ -90,6 +99,10 @@ void JourneyModel::appear() {
     if (!visible_ || !journey_) return;
     journey_->appear();
     emit appeared();
+}
+
+void JourneyModel::close() {
+    if (journey_) journey_->close();
 }
 
 void JourneyModel::stop() {
@@ -104,6 +117,10 @@ void JourneyModel::stop() {
 
 void JourneyModel::show() {
     ScreenSnapshot snapshot = journey_->screen();
+    const auto closes = [](const Control& control) { return control.kind == ControlKind::close; };
+    if (closable_ && snapshot.depth == 0 && !snapshot.popup && !snapshot.sheet &&
+        std::ranges::none_of(snapshot.controls, closes))
+        snapshot.controls.insert(snapshot.controls.begin(), ScreenModel::windowClose);
     const auto wipeSecrets = [&snapshot] {
         for (DetailRow& row : snapshot.rows) wipe(row.value);
     };

@@ -30,6 +30,8 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     Q_PROPERTY(QString cardId READ cardId WRITE setCardId NOTIFY cardIdChanged)
     /// A person can see the journey.
     Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
+    /// Screens that have no way out of the journey get a close control of the window's own.
+    Q_PROPERTY(bool closable READ closable WRITE setClosable NOTIFY closableChanged)
     /// The window that the journey is drawn in: revealed card data is masked when it is hidden or minimised
     /// or loses the focus.
     Q_PROPERTY(QWindow* window READ window WRITE setWindow NOTIFY windowChanged)
@@ -57,6 +59,8 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void setCardId(const QString& cardId);
     bool visible() const { return visible_; }
     void setVisible(bool visible);
+    bool closable() const { return closable_; }
+    void setClosable(bool closable);
     QWindow* window() const { return window_; }
     void setWindow(QWindow* window);
     ScreenModel* even() { return &even_; }
@@ -64,8 +68,12 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     ScreenModel* current() { return current_; }
     Move move() const { return move_; }
 
+    /// The window was closed from outside: the journey posts its result, unless it has before.
+    void close();
     /// Ends the journey; the screens stay drawn but answer to nothing.
     void stop();
+    /// Names the journey in its notifications; 0 when there is none.
+    JourneyId journeyId() const { return journey_ ? journey_->id() : 0; }
 
     void classBegin() override {}
     void componentComplete() override;
@@ -74,6 +82,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     void kindChanged();
     void cardIdChanged();
     void visibleChanged();
+    void closableChanged();
     void windowChanged();
     void moved();
     /// The journey has come on screen: it wants the keys.
@@ -90,6 +99,7 @@ class JourneyModel : public QObject, public QQmlParserStatus {
     Kind kind_ = Kind::SetPIN;
     QString cardId_;
     bool visible_ = false;
+    bool closable_ = false;
     QPointer<QWindow> window_;
     bool complete_ = false;
     ScreenModel even_;

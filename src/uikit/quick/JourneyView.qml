@@ -9,6 +9,9 @@ FocusScope {
 
     required property string cardId
     property alias kind: journey.kind
+    /// Offers a close control on screens that have no way out of the journey, for a window that has no other. It
+    /// closes with "CANCELED".
+    property alias closable: journey.closable
 
     /// The journey is over: "SUCCESS", "CANCELED" or "FAILURE".
     signal closed(string result)

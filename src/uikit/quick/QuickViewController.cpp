@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <korvane/CloseNotification.h>
 #include <korvane/ViewController.h>
 
 #include <QQuickView>
@@ -28,14 +27,14 @@ class JourneyWindow : public QQuickView {
     }
 
   protected:
-    /// Whoever closes the window has given up, and the host is waiting to hear of it.
+    /// A window that is closed by its frame ends the journey, and the host waits for the result.
     bool event(QEvent* event) override {
         if (event->type() == QEvent::DeferredDelete)
             return QQuickView::event(event);  // this is gone afterwards
         ++eventsUnderWay_;
         const bool done = QQuickView::event(event);
         if (event->type() == QEvent::Close && event->isAccepted() && !disposed_) {
-            NotificationCenter::defaultCenter().post(NotificationCloseUI, {{"result", "CANCELED"}});
+            if (auto* const journey = findChild<JourneyModel*>()) journey->close();
         }
         --eventsUnderWay_;
         return done;
@@ -51,7 +50,8 @@ class QuickViewController final : public ViewController {
     QuickViewController(const QString& screen, const std::string& cardId) {
         window_->setResizeMode(QQuickView::SizeRootObjectToView);
         window_->setMinimumSize({320, 480});
-        window_->setInitialProperties({{QStringLiteral("cardId"), QString::fromStdString(cardId)}});
+        window_->setInitialProperties(
+            {{QStringLiteral("cardId"), QString::fromStdString(cardId)}, {QStringLiteral("closable"), true}});
         window_->setSource(QUrl(QStringLiteral("qrc:/qt-project.org/imports/Korvane/%1.qml").arg(screen)));
         nameWindow();
     }
@@ -64,6 +64,11 @@ class QuickViewController final : public ViewController {
     }
 
     void hide() override { window_->hide(); }
+
+    JourneyId journeyId() const override {
+        const auto* const journey = window_->findChild<JourneyModel*>();
+        return journey ? journey->journeyId() : 0;
+    }
 
   private:
     /// The window is called what its page is called, for those who switch between windows (WCAG 2.2, 2.4.2).

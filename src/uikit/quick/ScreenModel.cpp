@@ -54,6 +54,8 @@ bool sameControls(const QList<ControlModel*>& models, const std::vector<Control>
 
 }  // namespace
 
+const Control ScreenModel::windowClose{"window.close", ControlKind::close, true};
+
 ScreenModel::ScreenModel(QObject* parent)
     : QObject(parent),
       language_(NotificationCenter::defaultCenter().observe(NotificationLanguageChanged,
@@ -268,6 +270,7 @@ ControlModel* ScreenModel::freezeSwitch() const {
 
 void ScreenModel::perform(const std::string& controlId) {
     if (!journey_) return;
+    if (controlId == windowClose.id) return journey_->close();
     if (!spinner_) lastUsed_ = controlId;
     journey_->perform(controlId);
 }

@@ -74,6 +74,9 @@ class ScreenModel : public QObject {
     enum class Layout { Waiting, Entry, Message, Viewer };
     Q_ENUM(Layout)
 
+    /// The close control of the window's own, for screens of the journey that have none.
+    static const Control windowClose;
+
     explicit ScreenModel(QObject* parent = nullptr);
     ~ScreenModel() override;
 

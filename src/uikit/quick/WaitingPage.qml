@@ -10,6 +10,14 @@ FocusScope {
 
     focus: true
 
+    IconButton {
+        anchors.right: parent.right
+        anchors.rightMargin: 8
+        y: 6
+        control: page.screen.close
+        visible: control !== null
+    }
+
     Column {
         anchors.centerIn: parent
         width: parent.width - 48

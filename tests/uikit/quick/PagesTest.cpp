@@ -7,6 +7,7 @@
 #include "flows/ResultPage.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
+#include "sdk/JourneyState.h"
 #include "tests/uikit/quick/QuickFixture.h"
 
 namespace korvane {
@@ -14,7 +15,8 @@ namespace {
 
 /// Every page and every screen with digit boxes, these with all that they can tell.
 std::vector<ScreenSnapshot> allPages() {
-    const auto stack = std::make_shared<NavigationStack>();
+    const auto stack = std::make_shared<NavigationStack>(
+        std::make_shared<JourneyState>(SdkConfig::sharedInstance(), "card-1"));
     stack->start(makeScreen(stack, view::SMSExplainView, ScreenArguments{}));
     std::vector<std::shared_ptr<Screen>> screens{std::make_shared<EnterSMSCodeView>(stack)};
     for (const std::string_view name :
