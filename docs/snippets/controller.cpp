@@ -10,6 +10,22 @@
 #include <QGuiApplication>
 #include <thread>
 
+/// Two journeys in windows of their own, at once.
+[[maybe_unused]] static int showTwo() {
+    // [two]
+    auto left = korvane::SetPINFactory::create("card-physical-active");
+    auto right = korvane::GetCardImageFactory::create("card-virtual-active");
+    const auto either = korvane::NotificationCenter::defaultCenter().observe(
+        korvane::NotificationCloseUI,
+        [&, first = left->journeyId()](const korvane::NotificationUserInfo&, korvane::JourneyId journey) {
+            (journey == first ? left : right).reset();
+        });
+    // [/two]
+    left->show();
+    right->show();
+    return QGuiApplication::exec();
+}
+
 int main(int argc, char** argv) {
     QGuiApplication app(argc, argv);
     const QStringList given = app.arguments();

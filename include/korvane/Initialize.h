@@ -20,6 +20,7 @@ using ImageData = std::vector<std::byte>;
 
 /// Sets the component up. Call it on the main thread after `installPorts` and before showing a journey; a
 /// later call overwrites what it sets; what is on screen then takes the new colours and radii at once.
+/// Another key or another URL ends the session first, as `logOut` does in memory.
 ///
 /// Debug builds log each pair of colours that `auditContrast` finds ("contrast advice: …").
 ///
@@ -39,5 +40,12 @@ KORVANE_API bool initialize(std::string base64EncodedPreSharedKey, std::string a
                             const KorvaneCornerRadii& cornerRadii,
                             std::optional<std::string> wearableName = std::nullopt,
                             std::optional<ImageData> wearableImage = std::nullopt);
+
+/// Ends the session of the person who used the app: call it when they log out. Journeys that are shown post
+/// "CANCELED" and stop; IV, bearer token, PCI token, SMS tokens and the token's timer are dropped and wiped;
+/// what the secure store holds is deleted. The next journey starts as after the first `initialize`.
+/// `initialize` with another key or URL, and `uninstallPorts`, drop the same from memory. Needs installed
+/// ports. Main thread.
+KORVANE_API void logOut();
 
 }  // namespace korvane

@@ -106,6 +106,11 @@ typedef struct korvane_config {
 /** Call it before a journey is made; a later call overwrites what it sets. */
 KORVANE_API korvane_status korvane_initialize(const korvane_config* config);
 
+/** The person logs out: journeys that are shown end with "CANCELED"; IV, tokens and timer are dropped and
+ * wiped, and what the secure store holds is deleted. korvane_initialize with another key or URL, and
+ * korvane_tear_down, drop the same from memory. */
+KORVANE_API korvane_status korvane_log_out(void);
+
 /** Whether a PCI token is in memory, and whether the last one's time was up. Never the token itself. */
 KORVANE_API korvane_status korvane_pci_token_state(int* held, int* expired);
 

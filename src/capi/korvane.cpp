@@ -170,6 +170,13 @@ korvane_status korvane_initialize(const korvane_config* config) {
     });
 }
 
+korvane_status korvane_log_out(void) {
+    return guarded([] {
+        korvane::logOut();
+        return KORVANE_OK;
+    });
+}
+
 korvane_status korvane_pci_token_state(int* held, int* expired) {
     return guarded([&] {
         if (!held || !expired) return KORVANE_BAD_ARGUMENT;

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "base/Secret.h"
 #include "flows/CloseJourney.h"
 #include "flows/JourneyHost.h"
 #include "flows/JourneyProbe.h"
@@ -32,7 +33,11 @@ class Journey::Impl {
     Impl(JourneyKind kind, std::string cardId)
         : kind_(kind),
           stack_(std::make_shared<NavigationStack>(
-              std::make_shared<JourneyState>(SdkConfig::sharedInstance(), std::move(cardId)))) {}
+              std::make_shared<JourneyState>(SdkConfig::sharedInstance(), std::move(cardId)))) {
+        stack_->state()->end = [stack = std::weak_ptr(stack_)] {
+            if (const auto alive = stack.lock()) endWithSession(*alive);
+        };
+    }
     ~Impl() { stack_->end(); }
 
     void appear() {
@@ -51,6 +56,13 @@ class Journey::Impl {
     }
 
   private:
+    static void endWithSession(NavigationStack& stack) {
+        const auto state = stack.state();
+        wipe(state->decryptedPciSmsToken);
+        stack.end();
+        if (!state->resultPosted) closeJourney(*state, CloseResult::canceled);
+    }
+
     JourneyKind kind_;
     bool appeared_ = false;
     std::shared_ptr<NavigationStack> stack_;

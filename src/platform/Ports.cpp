@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "platform/BeforeUninstallPorts.h"
+
 namespace korvane {
 namespace {
 
@@ -15,6 +17,11 @@ Ports& installed() {
 }
 
 }  // namespace
+
+std::function<void()>& beforeUninstallPorts() {
+    static auto* const work = new std::function<void()>;
+    return *work;
+}
 
 bool installPorts(Ports ports) {
     const bool complete = ports.mainQueue && ports.timers && ports.urlSession && ports.console &&
@@ -33,6 +40,7 @@ bool portsInstalled() {
 }
 
 void uninstallPorts() {
+    if (portsInstalled() && beforeUninstallPorts()) beforeUninstallPorts()();
     const Ports last = std::exchange(installed(), Ports{});
 }
 

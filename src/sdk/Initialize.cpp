@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/Base64.h"
+#include "base/Secret.h"
 #include "custody/AuthenticateBiometric.h"
 #include "platform/Log.h"
 #include "sdk/ChangeNotifications.h"
@@ -43,8 +44,12 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
         log("pre-shared key base64 decode failed.");
         return false;
     }
-    config.preSharedKeyByteArray = std::move(*key);
     if (apiUrl.ends_with('/')) apiUrl.pop_back();
+    // Tokens and IV belong to one key and one service; the next one must never get them.
+    if (config.isSdkInited && (config.preSharedKeyByteArray != *key || config.apiUrl != apiUrl))
+        config.endSession();
+    wipe(config.preSharedKeyByteArray);
+    config.preSharedKeyByteArray = std::move(*key);
     config.apiUrl = std::move(apiUrl);
     config.ivCallback = std::move(ivCallback);
     config.useBiometrics = useBiometrics;
@@ -63,6 +68,11 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
         log("Note: failed deletePciTokenAndTimeoutInKeychain()");
     }
     return true;
+}
+
+void logOut() {
+    SdkConfig::sharedInstance().endSession();
+    AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain();
 }
 
 }  // namespace korvane

@@ -16,9 +16,12 @@ JourneyId nextJourneyId() {
 }  // namespace
 
 JourneyState::JourneyState(SdkConfig& process, std::string journeysCardId)
-    : sdk(process), id(nextJourneyId()), cardId(std::move(journeysCardId)) {}
+    : sdk(process), id(nextJourneyId()), cardId(std::move(journeysCardId)) {
+    sdk.journeys.insert(this);
+}
 
 JourneyState::~JourneyState() {
+    sdk.journeys.erase(this);
     wipeCardDetails();
     for (std::string* const secret :
          {&decryptedPciSmsToken, &twoFactorCode, &enteredLastFour, &enteredCvv, &pendingPin}) {

@@ -3,6 +3,7 @@
 
 #include <korvane/CloseNotification.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,9 @@ struct JourneyState {
     ~JourneyState();
     JourneyState(const JourneyState&) = delete;
     JourneyState& operator=(const JourneyState&) = delete;
+
+    /// Ends the journey because its session has ended; set by the journey, which it may destroy.
+    std::function<void()> end = [] {};
 
     /// Overwrites all that the card details retrieval stored.
     void wipeCardDetails();

@@ -13,7 +13,7 @@ namespace korvane {
 PCITimer::PCITimer(Wiring wiring) : wiring_(std::move(wiring)) {}
 
 void PCITimer::start() {
-    thePciTimer_.reset();
+    stop();
     const double seconds = decimalNumber(wiring_.interval()).value_or(0);
     if (seconds == 0) {
         log("Note: timer interval is 0");
@@ -22,9 +22,15 @@ void PCITimer::start() {
     thePciTimer_ = ports().timers->start(std::chrono::duration<double>(seconds), [this] { fire(); });
 }
 
+void PCITimer::stop() {
+    thePciTimer_.reset();
+    ++run_;
+}
+
 void PCITimer::fire() {
     thePciTimer_.reset();
-    ports().mainQueue->post([this] {
+    ports().mainQueue->post([this, run = run_] {
+        if (run != run_) return;  // started again meanwhile: the token is another one
         log("=========");
         log("Timer hit - doing SdkConfig.sharedInstance.currentPciToken = blank");
         log("=========");

@@ -27,6 +27,9 @@ class PCITimer {
     /// arms nothing; a negative one fires at once.
     void start();
 
+    /// Disarms the timer: what was pending is dropped, a clearing step that waits in the main queue too.
+    void stop();
+
     /// True while a timer is pending.
     bool isArmed() const { return thePciTimer_ != nullptr; }
 
@@ -35,6 +38,7 @@ class PCITimer {
 
     Wiring wiring_;
     std::unique_ptr<Timer> thePciTimer_;
+    unsigned run_ = 0;  // counts starts and stops
 };
 
 }  // namespace korvane

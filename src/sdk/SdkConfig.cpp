@@ -6,13 +6,32 @@
 #include <cassert>
 
 #include "base/Secret.h"
+#include "platform/BeforeUninstallPorts.h"
+#include "sdk/JourneyState.h"
 
 namespace korvane {
 
 SdkConfig::SdkConfig()
     : pciTimer({.interval = [this] { return decBiometricsAuthenticationTimer; },
                 .clearToken = [this] { wipe(currentPciToken); },
-                .markExpired = [this] { timerPciExpired = true; }}) {}
+                .markExpired = [this] { timerPciExpired = true; }}) {
+    beforeUninstallPorts() = [this] { endSession(); };
+}
+
+void SdkConfig::endSession() {
+    // The host may destroy journeys, and make others, when it hears of an end.
+    for (const auto before = journeys; JourneyState* const each : before) {
+        if (journeys.contains(each)) each->end();
+    }
+    pciTimer.stop();
+    for (std::string* const text : {&currentBearerToken, &currentPciToken, &decPciTokenExpiration,
+                                    &decBiometricsAuthenticationTimer, &lastJsonResponseStr}) {
+        wipe(*text);
+    }
+    ivIdStr.clear();
+    wipe(ivByteArray);
+    gotInitialIV = timerPciExpired = false;
+}
 
 SdkConfig& SdkConfig::sharedInstance() {
     assert(ports().mainQueue->isMainThread());

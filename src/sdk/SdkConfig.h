@@ -9,12 +9,15 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "sdk/PCITimer.h"
 
 namespace korvane {
+
+struct JourneyState;
 
 /// The one process-wide record: settings, IV and tokens, which all journeys share. A plain bag of fields.
 /// Made on first use, never destroyed. What describes one journey is in `JourneyState`, which refers to this
@@ -54,6 +57,11 @@ class SdkConfig {
     bool gotInitialIV = false;
     bool timerPciExpired = false;
     PCITimer pciTimer;
+    std::set<JourneyState*> journeys;  // those alive; each enters and removes itself
+
+    /// Ends the session of the person: every journey posts "CANCELED", unless it posted a result before, and
+    /// stops; IV, tokens and timer are dropped and wiped. What `initialize` set stays.
+    void endSession();
 
     SdkConfig(const SdkConfig&) = delete;
     SdkConfig& operator=(const SdkConfig&) = delete;

@@ -104,6 +104,27 @@ class CInterface(unittest.TestCase):
         self.assertEqual(self.sandbox.card("card-physical-active")["pin"], "1357")
         self.assertIn(b"SDK initialize success", self.log)
 
+    def test_each_journey_reports_its_own_end(self):
+        self.set_up()
+        self.assertEqual(self.initialize(), OK)
+        heard = []
+        callback = c.CFUNCTYPE(None, c.c_void_p, c.c_char_p)(lambda name, result: heard.append((name, result)))
+        journeys = [c.c_void_p(), c.c_void_p()]
+        for number, journey in enumerate(journeys, 1):
+            self.assertEqual(LIBRARY.korvane_journey_create(1, b"card-physical-active", c.byref(journey)), OK)
+            self.addCleanup(LIBRARY.korvane_journey_destroy, journey)
+            self.assertEqual(LIBRARY.korvane_journey_on_close(journey, callback, number), OK)
+            LIBRARY.korvane_journey_appear(journey)
+            self.journey = journey
+            self.shows("SMSExplainView")
+        self.assertEqual(LIBRARY.korvane_journey_on_close(None, callback, 0), BAD_ARGUMENT)
+        self.perform("sdk.sms.explain.button")
+        self.shows("EnterSMSCodeView")
+        self.type(self.sandbox.code())
+        self.shows("CardAlreadyActivatedView")
+        self.perform("sdk.cardactivated.button.one")
+        self.assertEqual(heard, [(2, b"CANCELED")])
+
     def test_misuse_is_answered(self):
         self.assertEqual((LIBRARY.korvane_loop_step(0), self.initialize()), (NOT_SET_UP, NOT_SET_UP))
         self.assertEqual(LIBRARY.korvane_set_up(None), BAD_ARGUMENT)

@@ -54,6 +54,16 @@ class Rules(unittest.TestCase):
         self.assertEqual(faults, [], "which must not be included there")
         graphlib.TopologicalSorter(edges).prepare()  # raises when there is a circle
 
+    def test_journeys_do_not_share_state(self):
+        """The process-wide record is looked up at the edges alone; all other code is handed what it works for."""
+        calls = {path.relative_to(TOP / "src").as_posix() for path in sources("src")
+                 if re.search(r"SdkConfig::sharedInstance\(\)[^\n]", path.read_text().replace("SdkConfig::sharedInstance() {", ""))}
+        self.assertEqual(calls, {"capi/korvane.cpp", "flows/Journey.cpp", "sdk/Initialize.cpp", "transport/FieldCipher.cpp",
+                                 "uikit/quick/Theme.cpp"})
+        variable = r"(?m)^\s*(?:static|inline) (?!constexpr)(?!const [\w:<>]+ \w)[\w:<>*& ]+ \w+\s*(?:=|;|\{)"
+        held = [path.name for path in sources("src/flows", "src/operations") if re.search(variable, path.read_text())]
+        self.assertEqual(held, ["Screen.cpp"], "which keep something beside the journeys' states; Screen.cpp counts screens")
+
     def test_headers_compile_alone(self):
         """As C too, where they say that they can."""
         def complaints(job):

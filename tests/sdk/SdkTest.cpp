@@ -58,6 +58,40 @@ TEST_F(Initialize, StoresWhatTheHostHandsOverAndRefusesAKeyThatIsNotStrictBase64
     EXPECT_TRUE(config.preSharedKeyByteArray.empty());
 }
 
+TEST_F(Initialize, AnotherKeyOrServiceLogOutAndUninstallingEndTheSession) {
+    const std::string key = "AAECAwQFBgcICQoLDA0ODw==", otherKey = "DwECAwQFBgcICQoLDA0ODw==";
+    auto& items = device.secureItemStore->items();
+    const std::pair<const char*, std::function<void()>> ends[] = {
+        {"key", [&] { call(otherKey); }},
+        {"url", [&] { call(key, "https://other.example"); }},
+        {"log-out", [] { logOut(); }},
+        {"uninstall", [] { uninstallPorts(); }},
+    };
+    for (const auto& [name, end] : ends) {
+        SCOPED_TRACE(name);
+        call(key);
+        config.ivIdStr = "iv";
+        config.ivByteArray.assign(16, 7);
+        config.currentBearerToken = config.currentPciToken = config.lastJsonResponseStr = "token";
+        config.decBiometricsAuthenticationTimer = "60";
+        config.pciTimer.start();
+        call(key);
+        call("not base64", "https://other.example");
+        EXPECT_EQ(config.currentBearerToken, "token") << "the same service, the same session";
+        EXPECT_TRUE(config.pciTimer.isArmed());
+        items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "token";
+        const auto* const iv = config.ivByteArray.data();
+        end();
+        EXPECT_EQ(iv[0], 0) << "wiped where it stood";
+        EXPECT_EQ(config.ivIdStr + config.currentBearerToken + config.currentPciToken +
+                      config.lastJsonResponseStr + config.decBiometricsAuthenticationTimer,
+                  "");
+        EXPECT_TRUE(config.ivByteArray.empty());
+        EXPECT_FALSE(config.pciTimer.isArmed());
+        EXPECT_EQ(items.empty(), std::string("uninstall") != name);
+    }
+}
+
 TEST(PortsDeathTest, AMissingOneIsRefusedAndWithoutAnyTheProgramEndsWithAReason) {
     EXPECT_FALSE(installPorts({}));
     EXPECT_FALSE(portsInstalled());
@@ -106,6 +140,15 @@ TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUpSinceTheLastStart) {
     EXPECT_TRUE(config.timerPciExpired);
     EXPECT_TRUE(device.console->has("Timer hit - doing SdkConfig.sharedInstance.currentPciToken = blank"));
     EXPECT_TRUE(device.console->has("handlePCITokenClearTimer - setting SdkConfig timerPciExpired to true"));
+}
+
+TEST_F(TokenTimer, OfAnEarlierTokenLeavesANewerOneAlone) {
+    start("1");
+    device.timers->advance(std::chrono::seconds(1));  // its clearing waits in the main queue
+    config.currentPciToken = "newer";
+    start("60");
+    device.mainQueue->runAll();
+    EXPECT_EQ(config.currentPciToken, "newer");
 }
 
 TEST_F(TokenTimer, ReadsItsIntervalStrictlyAndStopsWithoutOne) {

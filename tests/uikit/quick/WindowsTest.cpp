@@ -60,6 +60,70 @@ TEST_F(ViewControllerTest, HostMayLetGoOfItInTheNotification) {
     EXPECT_FALSE(otherWindow());
 }
 
+TEST_F(ViewControllerTest, AClosedWindowPostsTheResultThatItsJourneyHasAndNoneAfterTheJourneysOwn) {
+    controller = GetCardImageFactory::create("card-7");
+    showWindow();
+    auto* const viewer = otherWindow()->findChild<QQuickItem*>("sdk.cardviewer.device.details.reveal");
+    ASSERT_TRUE(viewer);
+    viewer->forceActiveFocus();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, {}), release(QEvent::KeyRelease, Qt::Key_Space, {});
+    QCoreApplication::sendEvent(otherWindow(), &press);
+    QCoreApplication::sendEvent(otherWindow(), &release);
+    settle();
+    otherWindow()->close();
+    settle();
+    EXPECT_EQ(std::exchange(results, {}), QStringList("SUCCESS")) << "something was done in the viewer";
+
+    service.next("getCardStatus", service.result("Failure: something else"));
+    controller = SetPINFactory::create("card-7");
+    showWindow();
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, {});
+    QCoreApplication::sendEvent(otherWindow(), &enter);
+    settle();
+    otherWindow()->close();
+    settle();
+    EXPECT_EQ(results, QStringList("FAILURE")) << "the page's button has posted already";
+}
+
+TEST_F(Windows, TwoItemsHearTheirOwnJourneysAlone) {
+    QQuickItem* const root = show(R"(Item {
+        property string heard
+        Row {
+            anchors.fill: parent
+            SetPIN { width: 390; height: 844; cardId: 'card-1'; closable: true; onClosed: r => heard += 'first ' + r }
+            GetCardImage { width: 390; height: 844; cardId: 'card-2'; onClosed: r => heard += ', second ' + r }
+        }
+    })",
+                                  {780, 844});
+    settle();
+    EXPECT_TRUE(tap("window.close"));
+    EXPECT_EQ(root->property("heard"), "first CANCELED");
+    EXPECT_TRUE(tap("xmark"));
+    EXPECT_EQ(root->property("heard"), "first CANCELED, second CANCELED");
+}
+
+TEST_F(Windows, TheWindowsCloseControlIsOnScreensWithoutAWayOutAlone) {
+    service.hang("getCardStatus");
+    show("SetPIN { cardId: 'card-1'; closable: true }");
+    EXPECT_TRUE(find("window.close")) << "the first decision may take a minute";
+    service.device.urlSession->reply(service.device.urlSession->startedCount() - 1,
+                                     service.ok({{"encryptedResult", "Success"},
+                                                 {"encryptedCardStatus", "A1"},
+                                                 {"encryptedCardType", "physical"}}));
+    settle();
+    EXPECT_EQ(view(), "EnterCardPINView");
+    EXPECT_TRUE(find("window.close"));
+    walk({"sdk.setpin.fourdigits", "sdk.setpin.fourdigits.info.button", "type 8642",
+          "key Return > ConfirmCardPINView"});
+    EXPECT_FALSE(find("window.close")) << "back is the way out";
+    walk({"back > EnterCardPINView", "window.close"});
+    EXPECT_EQ(results, QStringList("CANCELED"));
+    show("GetCardImage { cardId: 'card-1'; closable: true }");
+    EXPECT_FALSE(find("window.close")) << "the viewer has a control of its own";
+    toPinEntry();
+    EXPECT_FALSE(find("window.close")) << "an embedded journey leaves that to its app";
+}
+
 class BiometricSheet : public Windows {
   protected:
     template <class Condition>
