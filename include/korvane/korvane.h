@@ -7,9 +7,16 @@
  *
  * One thread, the one that called korvane_set_up, makes every call but korvane_iv_supply, which any thread
  * may make; from another thread a call answers KORVANE_WRONG_THREAD. Callbacks come on that thread too, from
- * the main loop or from inside a call, log lines from any. A callback may make any call,
- * korvane_journey_destroy included. No C++ exception leaves a function. Texts are NUL-terminated UTF-8; the
- * component copies what it is given, and what it hands to a callback is valid until the callback returns.
+ * the main loop or from inside a call, log lines from any.
+ *
+ * A callback may make any call, korvane_journey_destroy and korvane_loop_step included, but neither
+ * korvane_set_up nor korvane_tear_down: these answer KORVANE_IN_CALLBACK and do nothing. While
+ * korvane_tear_down takes a prompt away, other calls answer KORVANE_NOT_SET_UP. A call may lead to the
+ * callback that it is made from: the host ends such a chain.
+ *
+ * No C++ exception leaves a function. Texts are NUL-terminated UTF-8; the component copies what it is given,
+ * and what it hands to a callback is valid until the callback returns. Its own copies of a card's values, and
+ * what korvane_free takes, are overwritten before they are freed.
  *
  * Needs Korvane's shared library (libkorvane.so). */
 
@@ -36,7 +43,8 @@ typedef enum korvane_status {
     KORVANE_NOT_ENABLED = 6,     /**< the control is there and cannot be used now */
     KORVANE_NOT_DIGITS = 7,      /**< nothing was typed: the text has more than digits, blanks and dashes */
     KORVANE_NO_PROMPT = 8,       /**< no biometric check is asking */
-    KORVANE_FAILED = 9 /**< out of memory, or an error of the component's own; nothing has changed */
+    KORVANE_FAILED = 9,      /**< out of memory, or an error of the component's own; nothing has changed */
+    KORVANE_IN_CALLBACK = 10 /**< not from inside a callback: korvane_set_up and korvane_tear_down */
 } korvane_status;
 
 /** In plain English, for a log. Never NULL. */
@@ -73,10 +81,12 @@ typedef struct korvane_host {
     void (*prompt_message)(void* context, const char* message_id);
 } korvane_host;
 
-/** Call it first. A second call without korvane_tear_down between gives KORVANE_BAD_ARGUMENT. */
+/** Call it first, from no callback. A second call without korvane_tear_down between gives
+ * KORVANE_BAD_ARGUMENT. */
 KORVANE_API korvane_status korvane_set_up(const korvane_host* host);
 
-/** Ends the component's threads; the journeys must be destroyed before. */
+/** Ends the component's threads; the journeys must be destroyed before. From inside a callback it answers
+ * KORVANE_IN_CALLBACK and ends nothing: call it when the callback has returned. */
 KORVANE_API korvane_status korvane_tear_down(void);
 
 /** KORVANE_LOOP_MANUAL: does what is due, first waiting up to `timeout_ms` milliseconds for something to do;
@@ -158,7 +168,7 @@ KORVANE_API korvane_status korvane_journey_on_close(korvane_journey* journey,
  * "rows", "popup", "disclosureText". Texts are localization keys. The caller frees `*json` with korvane_free;
  * on failure it is NULL. */
 KORVANE_API korvane_status korvane_journey_screen(const korvane_journey* journey, char** json);
-/** Frees what a call handed out. NULL does nothing. */
+/** Overwrites and frees what a call handed out; `free` does not fit. NULL does nothing. */
 KORVANE_API void korvane_free(void* memory);
 
 /** The card's picture on screen, encoded (PNG or JPEG), for korvane_free; `*bytes` is NULL when there is

@@ -4,27 +4,24 @@
 #include <cstring>
 
 namespace korvane {
-namespace {
 
-/// As fast as the C library clears memory: a card picture's text in 10 µs, where OPENSSL_cleanse, which goes
-/// word by word, takes 30.
-void clear(void* memory, std::size_t size) {
+// As fast as the C library clears memory: a card picture's text in 10 µs, where OPENSSL_cleanse, which goes
+// word by word, takes 30.
+void wipe(void* memory, std::size_t size) {
     if (size == 0) return;
     std::memset(memory, 0, size);
     asm volatile("" : : "r"(memory) : "memory");  // somebody might read it, as far as the compiler knows
 }
 
-}  // namespace
-
 void wipe(std::string& text) {
     // The whole capacity, not the size alone: a text that was cut shorter still holds its old tail.
     text.resize(text.capacity());
-    clear(text.data(), text.size());
+    wipe(text.data(), text.size());
     text.clear();
 }
 
 void wipe(std::vector<std::uint8_t>& bytes) {
-    clear(bytes.data(), bytes.size());
+    wipe(bytes.data(), bytes.size());
     bytes.clear();
 }
 

@@ -3,6 +3,7 @@
 
 #include <korvane/Export.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -13,6 +14,8 @@ namespace korvane {
 /// Overwrites with zeros in a way that the compiler cannot leave out, then empties.
 KORVANE_API void wipe(std::string& text);
 KORVANE_API void wipe(std::vector<std::uint8_t>& bytes);
+/// The zeros alone.
+void wipe(void* memory, std::size_t size);
 
 /// Owns a text or bytes that held a secret, and wipes them when it goes.
 template <class Buffer>

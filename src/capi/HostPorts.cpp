@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "base/Secret.h"
+#include "capi/HostCallback.h"
 #include "platform/linux/LinuxPorts.h"
 
 namespace korvane {
@@ -13,7 +15,11 @@ namespace {
 class HostConsole final : public Console {
   public:
     explicit HostConsole(const korvane_host& host) : host_(host) {}
-    void line(std::string_view text) override { host_.log_line(host_.context, std::string{text}.c_str()); }
+    void line(std::string_view text) override {
+        const Wiped<std::string> terminated{std::string(text)};  // some lines print secrets (deliberate)
+        const HostCallback inside;
+        host_.log_line(host_.context, terminated->c_str());
+    }
 
   private:
     korvane_host host_;
@@ -23,6 +29,7 @@ class HostTexts final : public StringTable {
   public:
     explicit HostTexts(const korvane_host& host) : host_(host) {}
     std::string text(std::string_view key) const override {
+        const HostCallback inside;
         const char* const found = host_.text(host_.context, std::string{key}.c_str());
         return found ? std::string{found} : std::string{key};
     }
@@ -35,17 +42,18 @@ class HostPasteboard final : public Pasteboard {
   public:
     explicit HostPasteboard(const korvane_host& host) : host_(host) {}
     bool setString(const std::string& text) override {
+        held_ = Wiped<std::string>{text};
+        const HostCallback inside;
         host_.copied(host_.context, text.c_str());
-        held_ = text;
         return true;
     }
     void clearIfHolds(const std::string& text) override {
-        if (held_ == text) setString({});
+        if (*held_ == text) setString({});
     }
 
   private:
     korvane_host host_;
-    std::string held_;
+    Wiped<std::string> held_;
 };
 
 }  // namespace
@@ -53,12 +61,18 @@ class HostPasteboard final : public Pasteboard {
 class HostPrompt::Shown {
   public:
     Shown(const korvane_host& host, Callbacks callbacks) : host_(host), callbacks_(std::move(callbacks)) {}
-    ~Shown() { host_.prompt(host_.context, nullptr); }
+    ~Shown() { show(nullptr); }
     Shown(const Shown&) = delete;
     Shown& operator=(const Shown&) = delete;
 
+    void show(const char* reason) const {
+        const HostCallback inside;
+        host_.prompt(host_.context, reason);
+    }
     void tell(std::string_view messageId) const {
-        if (host_.prompt_message) host_.prompt_message(host_.context, std::string{messageId}.c_str());
+        if (!host_.prompt_message) return;
+        const HostCallback inside;
+        host_.prompt_message(host_.context, std::string{messageId}.c_str());
     }
     void setVisible(bool visible) const { callbacks_.visibilityChanged(visible); }
     void cancel() {
@@ -82,7 +96,7 @@ std::unique_ptr<BiometricPrompt::Handle> HostPrompt::show(const std::string& rea
 
     auto shown = std::make_shared<Shown>(host_, std::move(callbacks));
     shown_ = shown;
-    host_.prompt(host_.context, reason.c_str());
+    shown->show(reason.c_str());
     return std::make_unique<ShownHandle>(std::move(shown));
 }
 

@@ -6,13 +6,15 @@
 
 #include <array>
 
+#include "capi/WipedMemory.h"
+
 namespace korvane {
 namespace {
 
 /// Writes members one after the other; each overload of `value` is one type of the snapshot.
 class SnapshotWriter {
   public:
-    std::string text() const { return {buffer_.GetString(), buffer_.GetSize()}; }
+    Wiped<std::string> text() const { return Wiped{std::string(buffer_.GetString(), buffer_.GetSize())}; }
 
     void value(bool flag) { writer_.Bool(flag); }
     void value(int number) { writer_.Int(number); }
@@ -145,13 +147,19 @@ class SnapshotWriter {
         present("toastMsgId", screen.toast);
     }
 
-    rapidjson::StringBuffer buffer_;
-    rapidjson::Writer<rapidjson::StringBuffer> writer_{buffer_};
+    using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, WipedMemory>;
+    Buffer buffer_;
+    rapidjson::Writer<Buffer> writer_{buffer_};
 };
 
 }  // namespace
 
-std::string snapshotJson(const ScreenSnapshot& screen) {
+void wipe(ScreenSnapshot& screen) {
+    for (DetailRow& row : screen.rows) wipe(row.value);
+    if (screen.passcode) wipe(screen.passcode->visibleDigits);
+}
+
+Wiped<std::string> snapshotJson(const ScreenSnapshot& screen) {
     SnapshotWriter writer;
     writer.value(screen);
     return writer.text();

@@ -8,14 +8,16 @@
 #include <glib.h>
 
 #include <array>
-#include <cstdlib>
+#include <atomic>
 #include <cstring>
 #include <optional>
 #include <thread>
 #include <utility>
 
+#include "capi/HostCallback.h"
 #include "capi/HostPorts.h"
 #include "capi/SnapshotJson.h"
+#include "capi/WipedMemory.h"
 #include "platform/linux/GLibPtr.h"
 #include "sdk/SdkConfig.h"
 
@@ -32,9 +34,11 @@ namespace {
 
 using korvane::Journey;
 
+/// The thread of korvane_set_up, which alone may go further; none: nothing is set up. Any thread reads it.
+std::atomic<std::thread::id> owner;
+
 /// What lives from set-up to tear-down.
 struct Component {
-    std::thread::id thread = std::this_thread::get_id();
     korvane::GLibPtr<GMainContext> loop;  // none: the default one, which the host runs
     std::shared_ptr<korvane::HostPrompt> prompt;
     std::shared_ptr<korvane::NotificationCenter::Observation> closing;
@@ -48,8 +52,9 @@ std::optional<Component>& component() {
 /// Runs `work` where it may run, and lets no exception out.
 template <class Work>
 korvane_status guarded(Work work) noexcept {
-    if (!component()) return KORVANE_NOT_SET_UP;
-    if (component()->thread != std::this_thread::get_id()) return KORVANE_WRONG_THREAD;
+    const std::thread::id thread = owner;
+    if (thread == std::thread::id{}) return KORVANE_NOT_SET_UP;
+    if (thread != std::this_thread::get_id()) return KORVANE_WRONG_THREAD;
     try {
         return work();
     } catch (...) {
@@ -78,7 +83,7 @@ std::optional<std::string> optionalText(const char* text) {
 /// A copy that korvane_free takes.
 template <class Byte>
 Byte* allocated(const void* bytes, std::size_t size) {
-    auto* const copy = static_cast<Byte*>(std::malloc(size + 1));
+    auto* const copy = static_cast<Byte*>(korvane::WipedMemory::allocate(size + 1));
     if (!copy) throw std::bad_alloc();
     std::memcpy(copy, bytes, size);
     copy[size] = 0;
@@ -99,6 +104,7 @@ const char* korvane_status_text(korvane_status status) {
         "digits only",
         "there is no biometric prompt",
         "failed, and nothing has changed",
+        "not from inside a callback",
     };
     const auto index = static_cast<std::size_t>(status);
     return index < texts.size() ? texts[index] : "no such status";
@@ -107,7 +113,10 @@ const char* korvane_status_text(korvane_status status) {
 korvane_status korvane_set_up(const korvane_host* host) {
     const bool known = host && host->size == sizeof(korvane_host) &&
                        (host->loop == KORVANE_LOOP_GLIB || host->loop == KORVANE_LOOP_MANUAL);
-    if (!known || component()) return KORVANE_BAD_ARGUMENT;
+    std::thread::id nobody;
+    if (korvane::HostCallback::isRunning()) return KORVANE_IN_CALLBACK;
+    if (!known || !owner.compare_exchange_strong(nobody, std::this_thread::get_id()))
+        return KORVANE_BAD_ARGUMENT;
     component().emplace();
     const korvane_status status = guarded([&] {
         if (host->loop == KORVANE_LOOP_MANUAL) component()->loop.reset(g_main_context_new());
@@ -116,15 +125,20 @@ korvane_status korvane_set_up(const korvane_host* host) {
         korvane::installPorts(std::move(device.ports));
         return KORVANE_OK;
     });
-    if (status != KORVANE_OK) component().reset();
+    if (status != KORVANE_OK) {
+        component().reset();
+        owner = std::thread::id{};
+    }
     return status;
 }
 
 korvane_status korvane_tear_down(void) {
     return guarded([] {
-        component()->prompt.reset();
+        if (korvane::HostCallback::isRunning()) return KORVANE_IN_CALLBACK;
+        // Whatever the host calls while its prompt is taken away finds nothing set up.
+        owner = std::thread::id{};
+        const std::optional<Component> ended = std::exchange(component(), std::nullopt);
         korvane::uninstallPorts();
-        component().reset();
         return KORVANE_OK;
     });
 }
@@ -162,7 +176,9 @@ korvane_status korvane_initialize(const korvane_config* config) {
         const bool done = korvane::initialize(
             config->key, config->api_url,
             [callback = config->iv_callback, context = config->iv_context](korvane::IvReply reply) {
-                callback(context, new korvane_iv_request{std::move(reply)});
+                auto* const request = new korvane_iv_request{std::move(reply)};
+                const korvane::HostCallback inside;
+                callback(context, request);
             },
             config->use_biometrics != 0, korvane::KorvaneColors{}, korvane::KorvaneCornerRadii{},
             optionalText(config->wearable_name));
@@ -207,6 +223,7 @@ korvane_status korvane_on_close(void (*closed)(void* context, const char* result
         if (!closed) return KORVANE_OK;
         component()->closing = korvane::NotificationCenter::defaultCenter().observe(
             korvane::NotificationCloseUI, [closed, context](const korvane::NotificationUserInfo& userInfo) {
+                const korvane::HostCallback inside;
                 closed(context, userInfo.at("result").c_str());
             });
         return KORVANE_OK;
@@ -243,7 +260,10 @@ korvane_status korvane_journey_on_change(korvane_journey* journey, void (*change
     return guarded([&] {
         if (!journey) return KORVANE_BAD_ARGUMENT;
         if (changed) {
-            journey->journey.onChange([changed, context] { changed(context); });
+            journey->journey.onChange([changed, context] {
+                const korvane::HostCallback inside;
+                changed(context);
+            });
         } else {
             journey->journey.onChange(nullptr);
         }
@@ -272,8 +292,9 @@ korvane_status korvane_journey_screen(const korvane_journey* journey, char** jso
     *json = nullptr;
     return guarded([&] {
         if (!journey) return KORVANE_BAD_ARGUMENT;
-        const std::string text = korvane::snapshotJson(journey->journey.screen());
-        *json = allocated<char>(text.data(), text.size());
+        const korvane::Wiped<korvane::ScreenSnapshot> screen{journey->journey.screen()};
+        const korvane::Wiped<std::string> text = korvane::snapshotJson(*screen);
+        *json = allocated<char>(text->data(), text->size());
         return KORVANE_OK;
     });
 }
@@ -294,7 +315,7 @@ korvane_status korvane_journey_card_image(const korvane_journey* journey, unsign
 }
 
 void korvane_free(void* memory) {
-    std::free(memory);
+    korvane::WipedMemory::Free(memory);
 }
 
 korvane_status korvane_journey_perform(korvane_journey* journey, const char* control_id) {

@@ -63,7 +63,7 @@ std::string shownSecret(ScreenSnapshot now) {
     now.instance = 0;
     std::erase_if(now.rows, [](const DetailRow& row) { return row.secret && !row.masked; });
     if (now.passcode && !now.passcode->secure) now.passcode->visibleDigits.clear();
-    return foundIn(snapshotJson(now), std::span(secrets).first(std::size(secrets) - 1));
+    return foundIn(*snapshotJson(now), std::span(secrets).first(std::size(secrets) - 1));
 }
 
 }  // namespace
