@@ -71,7 +71,7 @@ korvane_host consoleHost(const JourneyArguments& arguments) {
     host.size = sizeof host;
     host.loop = KORVANE_LOOP_GLIB;
     host.ca_file = arguments.caFile.empty() ? nullptr : arguments.caFile.c_str();
-    host.mask_secrets = arguments.maskSecrets;
+    host.log_values = arguments.maskSecrets ? KORVANE_LOG_MASKED : KORVANE_LOG_CLEAR;
     host.log_line = [](void*, const char* line) { std::fputs((std::string{line} + '\n').c_str(), stderr); };
     host.copied = [](void*, const char* text) { writeLine(event("pasteboard", "text", text)); };
     if (!arguments.biometrics) return host;

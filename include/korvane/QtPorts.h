@@ -2,11 +2,20 @@
 #pragma once
 
 #include <korvane/Export.h>
+#include <korvane/platform/LogValues.h>
 #include <korvane/platform/Ports.h>
 
 #include <string>
 
 namespace korvane {
+
+/// What `qtPorts` is made with. The defaults are meant for use.
+struct QtPortsOptions {
+    /// PEM file of the certificate authorities to trust instead of the system's; empty: the system's
+    std::string caFile = {};
+    /// Whether the log shows values. Which build counts is that of Korvane::Quick.
+    LogValues logValues = LogValues::byBuild;
+};
 
 /// The ports of a Qt app on Linux, for `installPorts`: Qt's event loop, timers and clipboard, HTTPS over
 /// libcurl, the component's texts in the user's language (English where there is none), its log on standard
@@ -14,9 +23,8 @@ namespace korvane {
 /// the app's window. Nothing here waits for a daemon; on a device without them it is as with biometrics off.
 ///
 /// Needs Korvane::Quick. Call it on the main thread, with a QGuiApplication.
-///
-/// @param caFile  PEM file of the certificate authorities to trust instead of the system's; empty: the
-/// system's
+KORVANE_API Ports qtPorts(const QtPortsOptions& options);
+/// The same, with the log as the build has it.
 KORVANE_API Ports qtPorts(const std::string& caFile = {});
 
 }  // namespace korvane

@@ -56,14 +56,23 @@ typedef enum korvane_loop {
     KORVANE_LOOP_MANUAL = 1 /**< the host calls korvane_loop_step */
 } korvane_loop;
 
+/** Whether log lines have values in them. */
+typedef enum korvane_log_values {
+    KORVANE_LOG_BY_BUILD =
+        0, /**< masked when this library was compiled with NDEBUG, which release builds define */
+    KORVANE_LOG_MASKED = 1, /**< each value is masked */
+    KORVANE_LOG_CLEAR = 2   /**< as they are: for development */
+} korvane_log_values;
+
 /** What the component asks of its host. Zero it, set `size`, and then what you have. The
  * callbacks come on the thread of korvane_set_up, log_line on any. */
 typedef struct korvane_host {
-    size_t size;          /**< sizeof(korvane_host): a later version may add members at the end */
-    int loop;             /**< korvane_loop */
+    size_t size; /**< sizeof(korvane_host): a later version may add members at the end, and takes a host
+                      that has them not */
+    int loop;    /**< korvane_loop */
     const char* ca_file;  /**< PEM file of the authorities to trust; NULL: the system's */
     const char* language; /**< of the person (BCP 47: "es-MX"); NULL: the process's locale for messages */
-    int mask_secrets;     /**< not 0: log lines have each value masked; a release build wants it */
+    int mask_secrets;     /**< not 0: log lines have each value masked, whatever log_values is */
     void* context;        /**< handed to the callbacks below */
 
     /** One line of the log, without a line feed. NULL: standard output. */
@@ -79,6 +88,7 @@ typedef struct korvane_host {
     void (*prompt)(void* context, const char* reason);
     /** How the check goes: a localization key, "sdk.biometrics.retry". May be absent. */
     void (*prompt_message)(void* context, const char* message_id);
+    int log_values; /**< korvane_log_values; a host without this member has KORVANE_LOG_BY_BUILD */
 } korvane_host;
 
 /** Call it first, from no callback. A second call without korvane_tear_down between gives

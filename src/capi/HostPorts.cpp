@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "capi/HostPorts.h"
 
-#include <korvane/platform/RedactingConsole.h>
-
 #include <utility>
 
 #include "base/Secret.h"
 #include "capi/HostCallback.h"
+#include "platform/LogConsole.h"
 #include "platform/linux/LinuxPorts.h"
 
 namespace korvane {
@@ -55,6 +54,11 @@ class HostPasteboard final : public Pasteboard {
     korvane_host host_;
     Wiped<std::string> held_;
 };
+
+LogValues logValues(const korvane_host& host) {
+    if (host.mask_secrets || host.log_values == KORVANE_LOG_MASKED) return LogValues::masked;
+    return host.log_values == KORVANE_LOG_CLEAR ? LogValues::clear : LogValues::byBuild;
+}
 
 }  // namespace
 
@@ -118,9 +122,12 @@ bool HostPrompt::cancel() {
 
 HostPorts::HostPorts(const korvane_host& host, GMainContext* context) {
     if (host.prompt) prompt = std::make_shared<HostPrompt>(host);
-    ports = linuxPorts(host.ca_file ? host.ca_file : "", prompt, context);
+    ports = linuxPorts({.caFile = host.ca_file ? host.ca_file : "",
+                        .logValues = LogValues::clear,
+                        .prompt = prompt,
+                        .context = context});
     if (host.log_line) ports.console = std::make_shared<HostConsole>(host);
-    if (host.mask_secrets) ports.console = std::make_shared<RedactingConsole>(ports.console);
+    ports.console = logConsole(ports.console, logValues(host));
     if (host.text) ports.stringTable = std::make_shared<HostTexts>(host);
     if (host.copied) ports.pasteboard = std::make_shared<HostPasteboard>(host);
     if (host.language) ports.languageCode = host.language;

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstring>
 #include <optional>
 #include <thread>
@@ -33,6 +34,9 @@ struct korvane_journey {
 namespace {
 
 using korvane::Journey;
+
+/// Before log_values came, which hosts that were compiled then do not have.
+constexpr std::size_t sizeOfHost1_0 = offsetof(korvane_host, log_values);
 
 /// The thread of korvane_set_up, which alone may go further; none: nothing is set up. Any thread reads it.
 std::atomic<std::thread::id> owner;
@@ -110,17 +114,20 @@ const char* korvane_status_text(korvane_status status) {
     return index < texts.size() ? texts[index] : "no such status";
 }
 
-korvane_status korvane_set_up(const korvane_host* host) {
-    const bool known = host && host->size == sizeof(korvane_host) &&
-                       (host->loop == KORVANE_LOOP_GLIB || host->loop == KORVANE_LOOP_MANUAL);
+korvane_status korvane_set_up(const korvane_host* given) {
+    korvane_host host{};
+    const bool sized = given && (given->size == sizeof host || given->size == sizeOfHost1_0);
+    if (sized) std::memcpy(&host, given, given->size);
+    const bool known = sized && (host.loop == KORVANE_LOOP_GLIB || host.loop == KORVANE_LOOP_MANUAL) &&
+                       host.log_values >= KORVANE_LOG_BY_BUILD && host.log_values <= KORVANE_LOG_CLEAR;
     std::thread::id nobody;
     if (korvane::HostCallback::isRunning()) return KORVANE_IN_CALLBACK;
     if (!known || !owner.compare_exchange_strong(nobody, std::this_thread::get_id()))
         return KORVANE_BAD_ARGUMENT;
     component().emplace();
     const korvane_status status = guarded([&] {
-        if (host->loop == KORVANE_LOOP_MANUAL) component()->loop.reset(g_main_context_new());
-        korvane::HostPorts device(*host, component()->loop.get());
+        if (host.loop == KORVANE_LOOP_MANUAL) component()->loop.reset(g_main_context_new());
+        korvane::HostPorts device(host, component()->loop.get());
         component()->prompt = device.prompt;
         korvane::installPorts(std::move(device.ports));
         return KORVANE_OK;

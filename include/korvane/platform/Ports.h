@@ -26,7 +26,8 @@ struct Ports {
     std::shared_ptr<Timers> timers;
     /// The way to the card service. No stand-in.
     std::shared_ptr<UrlSession> urlSession;
-    /// The log. No stand-in; a release build puts a `RedactingConsole` in front of it.
+    /// The log. No stand-in; in a release build a console of the host's own wants a `RedactingConsole` in
+    /// front.
     std::shared_ptr<Console> console;
     /// Where the PCI token is kept when biometrics are on. Without one: the SMS step at each start.
     std::shared_ptr<SecureItemStore> secureItemStore = std::make_shared<NoSecureItemStore>();

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/LogConsole.h"
 #include "platform/linux/CurlUrlSession.h"
 #include "platform/linux/FprintdContext.h"
 #include "platform/linux/GLibMainQueue.h"
@@ -27,19 +28,24 @@ std::string localeLanguage() {
 
 }  // namespace
 
-Ports linuxPorts(const std::string& caFile, std::shared_ptr<BiometricPrompt> prompt, GMainContext* context) {
+Ports linuxPorts(const LinuxPortsOptions& options) {
     CurlUrlSessionOptions session;
-    session.caFile = caFile;
+    session.caFile = options.caFile;
     Ports ports;
-    ports.mainQueue = std::make_shared<GLibMainQueue>(context);
-    ports.timers = std::make_shared<GLibTimers>(context);
+    ports.mainQueue = std::make_shared<GLibMainQueue>(options.context);
+    ports.timers = std::make_shared<GLibTimers>(options.context);
     ports.urlSession = std::make_shared<CurlUrlSession>(session);
-    ports.console = std::make_shared<StdoutConsole>();
+    ports.console = logConsole(std::make_shared<StdoutConsole>(), options.logValues);
     // The store is there with biometrics off too: `initialize` deletes what an earlier run kept.
     ports.secureItemStore = std::make_shared<SecretServiceStore>();
-    if (prompt) ports.biometricContext = std::make_shared<FprintdContext>(ports.mainQueue, std::move(prompt));
+    if (options.prompt)
+        ports.biometricContext = std::make_shared<FprintdContext>(ports.mainQueue, options.prompt);
     ports.languageCode = localeLanguage();
     return ports;
+}
+
+Ports linuxPorts(const std::string& caFile, std::shared_ptr<BiometricPrompt> prompt, GMainContext* context) {
+    return linuxPorts({.caFile = caFile, .prompt = std::move(prompt), .context = context});
 }
 
 }  // namespace korvane

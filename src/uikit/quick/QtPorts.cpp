@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <memory>
 
+#include "platform/LogConsole.h"
 #include "platform/linux/CurlUrlSession.h"
 #include "platform/linux/FprintdContext.h"
 #include "platform/linux/SecretServiceStore.h"
@@ -17,14 +18,14 @@
 
 namespace korvane {
 
-Ports qtPorts(const std::string& caFile) {
+Ports qtPorts(const QtPortsOptions& options) {
     CurlUrlSessionOptions session;
-    session.caFile = caFile;
+    session.caFile = options.caFile;
     const auto mainQueue = std::make_shared<QtMainQueue>();
     return {.mainQueue = mainQueue,
             .timers = std::make_shared<QtTimers>(),
             .urlSession = std::make_shared<CurlUrlSession>(session),
-            .console = std::make_shared<StdoutConsole>(),
+            .console = logConsole(std::make_shared<StdoutConsole>(), options.logValues),
             .secureItemStore = std::make_shared<SecretServiceStore>(),
             .biometricContext =
                 std::make_shared<FprintdContext>(mainQueue, std::make_shared<QuickBiometricPrompt>()),
@@ -32,6 +33,10 @@ Ports qtPorts(const std::string& caFile) {
             .pasteboard = std::make_shared<QtPasteboard>(),
             .imageDecoder = std::make_shared<QtImageDecoder>(),
             .languageCode = QLocale().uiLanguages().value(0).toStdString()};
+}
+
+Ports qtPorts(const std::string& caFile) {
+    return qtPorts({.caFile = caFile});
 }
 
 }  // namespace korvane
