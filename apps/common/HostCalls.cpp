@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "common/HostAnswer.h"
+
 namespace korvane {
 
 void HostCalls::start(const std::string& method, const std::string& url, const std::string& body,
@@ -20,20 +22,9 @@ void HostCalls::start(const std::string& method, const std::string& url, const s
             const auto self = weak.lock();
             if (!self) return;
             self->tasks_.erase(task);
-            rapidjson::Document document;
-            if (reply.status == 200)
-                document.Parse<rapidjson::kParseIterativeFlag>(reply.body.data(), reply.body.size());
-            if (document.HasParseError()) document.SetNull();
-            answer(document);
+            answer(readHostAnswer(reply.status == 200 ? reply.body : ""));
         });
     });
-}
-
-std::string textMember(const rapidjson::Value& object, const char* name) {
-    if (!object.IsObject()) return {};
-    const auto member = object.FindMember(name);
-    if (member == object.MemberEnd() || !member->value.IsString()) return {};
-    return {member->value.GetString(), member->value.GetStringLength()};
 }
 
 }  // namespace korvane

@@ -27,7 +27,4 @@ class HostCalls : public std::enable_shared_from_this<HostCalls> {
     std::list<std::unique_ptr<UrlTask>> tasks_;  // each keeps its handle until it is answered
 };
 
-/// The text member of that name; "" when `object` has none.
-std::string textMember(const rapidjson::Value& object, const char* name);
-
 }  // namespace korvane

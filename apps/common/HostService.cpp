@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "common/HostAnswer.h"
 #include "common/HostCalls.h"
 
 namespace korvane {

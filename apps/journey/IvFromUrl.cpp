@@ -2,22 +2,17 @@
 #include "IvFromUrl.h"
 
 #include <curl/curl.h>
-#include <rapidjson/document.h>
 
 #include <chrono>
 #include <memory>
-#include <utility>
+
+#include "common/HostAnswer.h"
 
 namespace korvane {
 namespace {
 
 template <class T>
 using Released = std::unique_ptr<T, void (*)(T*)>;
-
-const char* textMember(const rapidjson::Document& answer, const char* name) {
-    if (!answer.IsObject() || !answer.HasMember(name) || !answer[name].IsString()) return nullptr;
-    return answer[name].GetString();
-}
 
 }  // namespace
 
@@ -34,9 +29,8 @@ void IvFromUrl::supply(void* self, korvane_iv_request* request) {
 }
 
 void IvFromUrl::ask(korvane_iv_request* request) const {
-    rapidjson::Document answer;
-    answer.Parse(post().c_str());
-    korvane_iv_supply(request, textMember(answer, "ivId"), textMember(answer, "iv"));
+    const auto iv = ivOf(readHostAnswer(post()));
+    korvane_iv_supply(request, iv ? iv->id.c_str() : nullptr, iv ? iv->bytes.c_str() : nullptr);
 }
 
 std::string IvFromUrl::post() const {
@@ -46,8 +40,9 @@ std::string IvFromUrl::post() const {
                                        &curl_slist_free_all);
     std::string body;
     const auto keep = +[](char* bytes, std::size_t, std::size_t count, std::string* into) {
-        into->append(bytes, count);
-        return count;
+        const bool fits = count <= longestHostAnswer - into->size();
+        if (fits) into->append(bytes, count);
+        return fits ? count : count + 1;  // anything but the count is an error to curl
     };
     const auto stopped = +[](const std::atomic<bool>* stopping, curl_off_t, curl_off_t, curl_off_t,
                              curl_off_t) { return stopping->load() ? 1 : 0; };

@@ -4,9 +4,10 @@
 #include <korvane/CloseNotification.h>
 #include <korvane/Journey.h>
 #include <korvane/linux/LinuxPorts.h>
-#include <rapidjson/document.h>
 
 #include <iostream>
+
+#include "IvAnswer.h"
 
 int main(int argc, char** argv) {
     if (argc != 5) return std::cerr << "usage: cpp-host SERVICE KEY IV-URL CA-FILE\n", 2;
@@ -16,9 +17,8 @@ int main(int argc, char** argv) {
     const auto ivCallback = [&questions, ivUrl = argv[3]](korvane::IvReply reply) {
         const korvane::UrlRequest request{"POST", ivUrl, {{"Content-Type", "application/json"}}, "{}"};
         questions.push_back(korvane::ports().urlSession->start(request, [reply](korvane::UrlReply answer) {
-            rapidjson::Document iv;
-            if (answer.status != 200 || iv.Parse(answer.body.c_str()).HasParseError()) return reply({}, {});
-            reply(iv["ivId"].GetString(), iv["iv"].GetString());
+            const auto iv = answer.status == 200 ? readIvAnswer(answer.body) : std::nullopt;
+            iv ? reply(iv->id, iv->bytes) : reply({}, {});
         }));
     };
     if (!korvane::initialize(argv[2], argv[1], ivCallback, false, {}, {}))

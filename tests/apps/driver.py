@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Runs korvane-sandbox and korvane-journey as processes and drives them as a person would."""
 
+import http.server
 import json
 import os
 import pathlib
@@ -49,13 +50,50 @@ class Sandbox:
         self.folder.cleanup()
 
 
+class IvServer:
+    """A host's own server that gives this answer for an IV, over HTTP of this machine."""
+
+    def __init__(self, answer):
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                self.rfile.read(int(self.headers["Content-Length"]))
+                self.send_response(200)
+                self.end_headers()
+                try:
+                    self.wfile.write(answer)
+                except OSError:
+                    pass  # the host had enough
+
+            def log_message(self, *_):
+                pass
+
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self.url = f"http://127.0.0.1:{self.server.server_port}/iv"
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+
+    def stop(self):
+        self.server.shutdown()
+        self.server.server_close()
+
+
+# What no host may take for an IV, and none may die of.
+HOSTILE_IV_ANSWERS = {
+    "nothing": b"", "no members": b"{}", "a list": b"[]", "a number": b"7", "no JSON": b"<html>",
+    "no texts": b'{"ivId":1,"iv":["AAAA"]}', "null": b'{"ivId":null,"iv":null}', "one text": b'{"ivId":"iv-1"}',
+    "a NUL": rb'{"ivId":"a\u0000b","iv":"AAAAAAAAAAAAAAAAAAAAAA=="}',
+    "deep lists": b"[" * 1_000_000, "deep objects": b'{"ivId":' * 1_000_000,
+    "a long text": b'{"ivId":"' + b"i" * 16_000_000 + b'","iv":"AAAAAAAAAAAAAAAAAAAAAA=="}',
+    "a long body": b'{"ivId":"iv-1","iv":"AAAAAAAAAAAAAAAAAAAAAA=="}' + b" " * 16_000_000,
+}
+
+
 class Journey:
     """One journey on the console."""
 
-    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), environment=None):
+    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), environment=None, iv_url=None):
         self.process = subprocess.Popen(
             [PROGRAMS / "korvane-journey", kind, "--card", card, "--service", sandbox.url, "--key",
-             sandbox.told["key"], "--iv-url", sandbox.told["ivUrl"], "--ca", sandbox.ca, *options],
+             sandbox.told["key"], "--iv-url", iv_url or sandbox.told["ivUrl"], "--ca", sandbox.ca, *options],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
             env={**os.environ, **(environment or {})})
         self.events = queue.Queue()

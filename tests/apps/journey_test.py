@@ -9,7 +9,7 @@ import subprocess
 import tempfile
 import unittest
 
-from driver import PROGRAMS, Journey, Sandbox
+from driver import HOSTILE_IV_ANSWERS, PROGRAMS, IvServer, Journey, Sandbox
 
 
 class Journeys(unittest.TestCase):
@@ -71,6 +71,15 @@ class Journeys(unittest.TestCase):
             self.assertIn(word, journey.shows("CardImage_NoNav")["state"]["disclosureText"])
         journey.tap("sdk.cardviewer.device.details.reveal")
         self.assertGreater(len(self.end(journey, "xmark", "card-virtual-active", "4830")), 4)
+
+    def test_whatever_is_answered_for_an_iv_leads_to_a_page(self):
+        for what, answer in HOSTILE_IV_ANSWERS.items():
+            with self.subTest(what):
+                server = IvServer(answer)
+                self.addCleanup(server.stop)
+                journey = Journey(self.sandbox, iv_url=server.url)
+                self.addCleanup(journey.end)
+                journey.shows("UhOhTryAgainView")
 
     def test_exit_statuses_of_bad_arguments(self):
         good = ["set-pin", "--card", "c", "--service", "https://localhost:1", "--key", "AAAA"]

@@ -10,7 +10,7 @@ import subprocess
 import tempfile
 import unittest
 
-from driver import Sandbox
+from driver import HOSTILE_IV_ANSWERS, IvServer, Sandbox
 
 BUILD = pathlib.Path(os.environ["KORVANE_BUILD"])
 SOURCE = pathlib.Path(__file__).parents[2]
@@ -100,11 +100,11 @@ class Hosts(unittest.TestCase):
         self.assertNotIn(str(SOURCE / "include"), (folder / "build.ninja").read_text())
         return folder / name
 
-    def reaches(self, program, *talk, fixed_iv=False):
+    def reaches(self, program, *talk, fixed_iv=False, iv_url=None):
         """Starts it against a card service; each pair is what to wait for on its output, and what to answer."""
         sandbox = Sandbox()
         self.addCleanup(sandbox.stop)
-        iv = [*sandbox.ask("POST", "/host/iv", {}).values()] if fixed_iv else [sandbox.told["ivUrl"]]
+        iv = [*sandbox.ask("POST", "/host/iv", {}).values()] if fixed_iv else [iv_url or sandbox.told["ivUrl"]]
         process = subprocess.Popen([program, sandbox.url, sandbox.told["key"], *iv, sandbox.ca], stdin=subprocess.PIPE, env=SCREENLESS,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, bufsize=1)
         self.addCleanup(process.communicate)
@@ -116,10 +116,19 @@ class Hosts(unittest.TestCase):
                 process.stdin.write(answer + "\n")
         return process
 
+    def outlives(self, program, screen):
+        """Whatever its own server answers for an IV."""
+        for what, answer in HOSTILE_IV_ANSWERS.items():
+            with self.subTest(what):
+                server = IvServer(answer)
+                self.addCleanup(server.stop)
+                self.reaches(program, (screen, None), iv_url=server.url)
+
     def test_a_program_in_cpp(self):
         for static in "OFF", "ON":
             program = self.built("cpp-host", "-DKorvane_USE_STATIC_LIBS=" + static)
             self.reaches(program, ("screen: SMSExplainView", "sdk.sms.explain.button"), ("screen: EnterSMSCodeView", None))
+        self.outlives(program, "screen: UhOhTryAgainView")
 
     def test_an_app_in_qml(self):
         for static in "OFF", "ON":
@@ -139,10 +148,11 @@ class Hosts(unittest.TestCase):
 
     def test_a_program_in_c(self):
         program = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "c-host"
-        flags = run("pkg-config", "--cflags", "--libs", "korvane", "libcurl",
+        flags = run("pkg-config", "--cflags", "--libs", "korvane", "libcurl", "jansson",
                     env={**os.environ, "PKG_CONFIG_PATH": str(libraries() / "pkgconfig")}).split()
         run("cc", SOURCE / "examples/c-host/main.c", "-o", program, *flags, "-pthread", f"-Wl,-rpath,{libraries()}")
         self.reaches(program, ('"view":"SMSExplainView"', None))
+        self.outlives(program, '"view":"UhOhTryAgainView"')
 
     def test_the_module_is_imported_by_an_app_that_does_not_link_it(self):
         screen = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory())) / "tst_module.qml"
