@@ -10,8 +10,10 @@
 #include <mutex>
 
 #include "base/Base64.h"
+#include "sandbox/Caller.h"
 #include "sandbox/CardSide.h"
 #include "sandbox/HttpServer.h"
+#include "sandbox/Json.h"
 #include "sandbox/MagicCards.h"
 
 namespace korvane::sandbox {
@@ -77,8 +79,11 @@ struct CardService::Impl {
 
     HttpAnswer answer(State& shared, const HttpRequest& request) {
         const Endpoint* const endpoint = endpointAt(request.path);
-        LoggedAnswer logged =
-            endpoint ? answerCardSide(shared, *endpoint, request) : answerHostSide(shared, request);
+        const std::string refusal = refusalOf(request, hostFor(shared.options.address), shared.pageToken);
+        LoggedAnswer logged = !refusal.empty()
+                                  ? LoggedAnswer{{403, writeJson(JsonObject{{"error", refusal}})}, refusal}
+                              : endpoint ? answerCardSide(shared, *endpoint, request)
+                                         : answerHostSide(shared, request);
         // A page that asks every second would bury the rest.
         if (!looksAlone(request, logged.answer)) {
             log(request.method, request.path, logged.answer.status, logged.note);

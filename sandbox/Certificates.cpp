@@ -2,23 +2,20 @@
 #include "sandbox/Certificates.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <openssl/ec.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <vector>
+
+#include "sandbox/OwnFile.h"
 
 namespace korvane::sandbox {
 namespace {
@@ -156,28 +153,13 @@ std::string pem(EVP_PKEY* key) {
     return textOf(bio.get());
 }
 
-Outcome<std::string> readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file) return Failure{"cannot read " + path.string()};
-    return text;
-}
-
-/// Beside the place first, then moved there: a crash leaves the old file or the new one.
-std::string writeFile(const std::filesystem::path& path, const std::string& text) {
-    const std::string temporary = path.string() + ".new";
-    const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    bool written = file >= 0 && ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    if (file >= 0) written = ::close(file) == 0 && written;
-    if (written && ::rename(temporary.c_str(), path.c_str()) == 0) return {};
-    return "cannot write " + path.string() + ": " + std::strerror(errno);
-}
-
 Outcome<Pair> storedAuthority(const std::filesystem::path& certificateFile,
                               const std::filesystem::path& keyFile) {
-    const Outcome<std::string> certificateText = readFile(certificateFile);
+    for (const std::filesystem::path& path : {certificateFile, keyFile})
+        if (std::string wrong = ownFileProblem(path); !wrong.empty()) return Failure{wrong};
+    const Outcome<std::string> certificateText = readOwnFile(certificateFile);
     if (!certificateText) return Failure{certificateText.reason()};
-    const Outcome<std::string> keyText = readFile(keyFile);
+    const Outcome<std::string> keyText = readOwnFile(keyFile);
     if (!keyText) return Failure{keyText.reason()};
     const Bio certificateBio{
         BIO_new_mem_buf(certificateText->data(), static_cast<int>(certificateText->size()))};
@@ -200,9 +182,11 @@ bool lasts(X509* certificate) {
 Outcome<Pair> authority(const std::string& directory, const std::string& host) {
     const std::filesystem::path certificateFile = std::filesystem::path(directory) / "ca.pem";
     const std::filesystem::path keyFile = std::filesystem::path(directory) / "ca-key.pem";
-    std::error_code ignored;
-    if (!directory.empty() &&
-        (std::filesystem::exists(certificateFile, ignored) || std::filesystem::exists(keyFile, ignored))) {
+    const auto isThere = [](const std::filesystem::path& path) {
+        std::error_code ignored;  // a link to nowhere is there, too
+        return std::filesystem::symlink_status(path, ignored).type() > std::filesystem::file_type::not_found;
+    };
+    if (!directory.empty() && (isThere(certificateFile) || isThere(keyFile))) {
         Outcome<Pair> stored = storedAuthority(certificateFile, keyFile);
         if (!stored || lasts(stored->certificate.get())) return stored;
     }
@@ -210,10 +194,11 @@ Outcome<Pair> authority(const std::string& directory, const std::string& host) {
     if (!made.certificate) return Failure{"cannot make the CA certificate"};
     if (directory.empty()) return made;
     std::error_code failure;
-    std::filesystem::create_directories(directory, failure);
+    if (std::filesystem::create_directories(directory, failure))
+        std::filesystem::permissions(directory, std::filesystem::perms::owner_all, failure);
     if (failure) return Failure{"cannot make the directory " + directory + ": " + failure.message()};
-    std::string error = writeFile(keyFile, pem(made.key.get()));
-    if (error.empty()) error = writeFile(certificateFile, pem(made.certificate.get()));
+    std::string error = writeOwnFile(keyFile, pem(made.key.get()));
+    if (error.empty()) error = writeOwnFile(certificateFile, pem(made.certificate.get()));
     if (!error.empty()) return Failure{error};
     return made;
 }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "sandbox/Database.h"
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
+#include "sandbox/OwnFile.h"
 #include "sandbox/SeedCards.h"
 #include "sandbox/Statement.h"
 
@@ -52,8 +51,13 @@ void Database::Closer::operator()(sqlite3* database) const {
 }
 
 Database::Database(const std::string& file) {
-    constexpr int ownerOnly = 0600;
-    if (!file.empty()) ::close(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ownerOnly));
+    if (!file.empty()) {
+        // SQLite follows links and takes a journal that lies beside the file.
+        for (const char* const beside : {"-journal", "-wal", "-shm"})
+            if (const std::string wrong = ownFileProblem(file + beside); !wrong.empty())
+                throw DatabaseError(wrong);
+        if (const std::string wrong = claimOwnFile(file); !wrong.empty()) throw DatabaseError(wrong);
+    }
     sqlite3* handle = nullptr;
     // The caller holds a lock already, so SQLite needs none of its own.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;

@@ -150,8 +150,8 @@ LoggedAnswer resetAll(State& state, const HttpRequest&) {
     return json({});
 }
 
-LoggedAnswer showPage(State&, const HttpRequest&) {
-    return {inspectionPage(), {}};
+LoggedAnswer showPage(State& state, const HttpRequest&) {
+    return {inspectionPage(state.pageToken), {}};
 }
 
 struct Route {

@@ -166,6 +166,9 @@ class HttpServer::Impl : public httplib::Server {
                                             request.get_header_value("Content-Type"),
                                             request.get_header_value("Accept"),
                                             request.get_header_value("Authorization"),
+                                            request.get_header_value("Host"),
+                                            request.get_header_value("Origin"),
+                                            request.get_header_value("Korvane-Token"),
                                             request.body});
         if (answer.delivery.kind != Delivery::Kind::whole) deliver(*current, answer);
         response.status = answer.status;

@@ -18,6 +18,9 @@ struct HttpRequest {
     std::string contentType;
     std::string accept;
     std::string authorization;
+    std::string host;    ///< that it is for, with its port; "" when it names none
+    std::string origin;  ///< of the page that sent it; "" when no browser did
+    std::string token;   ///< that the inspection page sends
     std::string body;
 };
 

@@ -13,6 +13,8 @@ extern const std::string_view inspectionPageText;
 /// The page that shows in a browser what the service holds and hears. Its
 /// script and its style alone run, each time under a nonce of its own (Content
 /// Security Policy, level 3), and it talks to its own origin alone.
-HttpAnswer inspectionPage();
+///
+/// @param token  what it sends with each change
+HttpAnswer inspectionPage(const std::string& token);
 
 }  // namespace korvane::sandbox

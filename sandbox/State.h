@@ -16,13 +16,14 @@
 
 namespace korvane::sandbox {
 
-/// All that the request handlers share. Whoever touches a field holds `mutex`, but for the options, which
-/// never change.
+/// All that the request handlers share. Whoever touches a field holds `mutex`, but for those that never
+/// change.
 struct State {
     State(const CardServiceOptions& given, std::vector<FaultRule> startFaults)
         : options(given), random(given.seed), database(given.databaseFile), faults(std::move(startFaults)) {}
 
     const CardServiceOptions options;
+    const std::string pageToken = Random(std::nullopt).hex(16);  ///< for changes by the inspection page
     std::mutex mutex;
     std::condition_variable stop;  ///< ends delays
     bool stopping = false;

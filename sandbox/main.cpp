@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
-#include <fstream>
 #include <iostream>
 #include <string>
 
 #include "sandbox/CommandLine.h"
 #include "sandbox/Json.h"
+#include "sandbox/OwnFile.h"
 
 namespace {
 
@@ -14,13 +14,6 @@ constexpr int badArguments = 2;
 int fail(const std::string& reason, int status) {
     std::cerr << "korvane-sandbox: " << reason << std::endl;
     return status;
-}
-
-bool writeFile(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    file.close();
-    return !file.fail();
 }
 
 }  // namespace
@@ -49,8 +42,9 @@ int main(int argc, char** argv) {
 
     std::string ca = line->caOut;
     if (ca.empty() && !line->service.tlsDirectory.empty()) ca = line->service.tlsDirectory + "/ca.pem";
-    if (!line->caOut.empty() && !writeFile(line->caOut, service.caPem())) {
-        return fail("cannot write " + line->caOut, 1);
+    if (!line->caOut.empty()) {
+        if (const std::string error = writeOwnFile(line->caOut, service.caPem()); !error.empty())
+            return fail(error, 1);
     }
     std::cout << writeJson(JsonObject{{"url", service.url()},
                                       {"ca", ca},

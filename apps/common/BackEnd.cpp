@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <utility>
 
 #include "sandbox/CardService.h"
+#include "sandbox/OwnFile.h"
 
 namespace korvane {
 namespace {
@@ -30,8 +30,7 @@ class LocalBackEnd {
         std::string pattern = (std::filesystem::temp_directory_path(error) / "korvane-XXXXXX").string();
         if (error || !::mkdtemp(pattern.data())) return "no temporary directory";
         directory_ = pattern;
-        std::ofstream file(caFile());
-        return file << service_.caPem() << std::flush ? "" : "cannot write " + caFile();
+        return sandbox::writeOwnFile(caFile(), service_.caPem());
     }
 
     std::string caFile() const { return (directory_ / "ca.pem").string(); }

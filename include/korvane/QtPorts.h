@@ -5,6 +5,7 @@
 #include <korvane/platform/LogValues.h>
 #include <korvane/platform/Ports.h>
 
+#include <concepts>
 #include <string>
 
 namespace korvane {
@@ -23,8 +24,12 @@ struct QtPortsOptions {
 /// the app's window. Nothing here waits for a daemon; on a device without them it is as with biometrics off.
 ///
 /// Needs Korvane::Quick. Call it on the main thread, with a QGuiApplication.
-KORVANE_API Ports qtPorts(const QtPortsOptions& options);
-/// The same, with the log as the build has it.
-KORVANE_API Ports qtPorts(const std::string& caFile = {});
+KORVANE_API Ports qtPorts(const QtPortsOptions& options = {});
+
+/// The same with the CA file alone.
+template <std::convertible_to<std::string> Text>
+Ports qtPorts(const Text& caFile) {
+    return qtPorts(QtPortsOptions{.caFile = caFile});
+}
 
 }  // namespace korvane

@@ -37,6 +37,10 @@ bool showsValues(Ports ports) {
 
 TEST(BUILD, OfLinuxPorts) {
     EXPECT_EQ(showsValues(linuxPorts()), showsByBuild);
+    EXPECT_EQ(showsValues(linuxPorts({})), showsByBuild);
+    EXPECT_EQ(showsValues(linuxPorts("")), showsByBuild);
+    EXPECT_EQ(showsValues(linuxPorts(std::string())), showsByBuild);
+    EXPECT_EQ(showsValues(linuxPorts({}, nullptr)), showsByBuild);
     EXPECT_EQ(showsValues(linuxPorts("", nullptr, nullptr)), showsByBuild);
     EXPECT_EQ(showsValues(linuxPorts({.logValues = LogValues::byBuild})), showsByBuild);
     EXPECT_FALSE(showsValues(linuxPorts({.caFile = "", .logValues = LogValues::masked})));

@@ -45,7 +45,7 @@ Ports linuxPorts(const LinuxPortsOptions& options) {
 }
 
 Ports linuxPorts(const std::string& caFile, std::shared_ptr<BiometricPrompt> prompt, GMainContext* context) {
-    return linuxPorts({.caFile = caFile, .prompt = std::move(prompt), .context = context});
+    return linuxPorts(LinuxPortsOptions{.caFile = caFile, .prompt = std::move(prompt), .context = context});
 }
 
 }  // namespace korvane

@@ -6,6 +6,7 @@
 #include <korvane/platform/LogValues.h>
 #include <korvane/platform/Ports.h>
 
+#include <concepts>
 #include <memory>
 #include <string>
 
@@ -31,10 +32,15 @@ struct LinuxPortsOptions {
 /// is no pasteboard: put your own in their place before you install. Nothing here waits for a daemon.
 ///
 /// Call it on the main thread.
-KORVANE_API Ports linuxPorts(const LinuxPortsOptions& options);
-/// The same, with the log as the build has it.
-KORVANE_API Ports linuxPorts(const std::string& caFile = {},
-                             std::shared_ptr<BiometricPrompt> prompt = nullptr,
+KORVANE_API Ports linuxPorts(const LinuxPortsOptions& options = {});
+
+/// The same with the CA file alone.
+template <std::convertible_to<std::string> Text>
+Ports linuxPorts(const Text& caFile) {
+    return linuxPorts(LinuxPortsOptions{.caFile = caFile});
+}
+/// The same, one value after the other.
+KORVANE_API Ports linuxPorts(const std::string& caFile, std::shared_ptr<BiometricPrompt> prompt,
                              GMainContext* context = nullptr);
 
 }  // namespace korvane

@@ -22,13 +22,16 @@ bool QtPasteboard::setString(const std::string& text) {
     auto data = std::make_unique<QMimeData>();
     data->setText(QString::fromStdString(text));
     data->setData("x-kde-passwordManagerHint", "secret");  // the hint that password managers agreed on
+    put_ = data.get();
     target->setMimeData(data.release());
+    ownershipIsTold_ = target->ownsClipboard();
     return true;
 }
 
 void QtPasteboard::clearIfHolds(const std::string& text) {
     QClipboard* const target = clipboard();
-    if (target && target->text() == QString::fromStdString(text)) target->clear();
+    const bool isOurs = target && put_ && (!ownershipIsTold_ || target->ownsClipboard());
+    if (isOurs && put_->text() == QString::fromStdString(text)) target->clear();
 }
 
 }  // namespace korvane

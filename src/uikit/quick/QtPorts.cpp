@@ -35,8 +35,10 @@ Ports qtPorts(const QtPortsOptions& options) {
             .languageCode = QLocale().uiLanguages().value(0).toStdString()};
 }
 
+/// In no header any more: for hosts that were compiled with 1.0.
+KORVANE_API Ports qtPorts(const std::string& caFile);
 Ports qtPorts(const std::string& caFile) {
-    return qtPorts({.caFile = caFile});
+    return qtPorts(QtPortsOptions{.caFile = caFile});
 }
 
 }  // namespace korvane
