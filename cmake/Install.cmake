@@ -68,7 +68,7 @@ if(KORVANE_QUICK)
   korvane_install_export(QuickStatic quick-development)
   korvane_install_pc(korvane-quick quick-development "Card journeys in Qt Quick" REQUIRES korvane-core Qt6Quick)
   file(RELATIVE_PATH up /${qml_dir} /${CMAKE_INSTALL_LIBDIR})
-  set_target_properties(korvane_qml_plugin PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
+  korvane_finds(korvane_qml_plugin "$ORIGIN/${up}" "$ORIGIN/../../lib")  # the second in the build tree
   install(TARGETS korvane_qml_plugin LIBRARY DESTINATION ${qml_dir} COMPONENT qml)
   # The engine takes the QML from the library; tools want the files.
   install(DIRECTORY ${PROJECT_BINARY_DIR}/qml/Korvane/ DESTINATION ${qml_dir} COMPONENT qml
@@ -76,9 +76,9 @@ if(KORVANE_QUICK)
 endif()
 
 file(RELATIVE_PATH up /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-set_target_properties(korvane-journey PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
+korvane_finds(korvane-journey "$ORIGIN/${up}" "$ORIGIN/../lib")  # the second in the build tree
 install(TARGETS korvane-sandbox korvane-wire korvane-journey RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT sandbox)
 
 include(cmake/Sbom.cmake)
-install(FILES LICENSE docs/licences.md ${PROJECT_BINARY_DIR}/korvane.spdx.json DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvane
+install(FILES LICENSE NOTICE docs/licences.md ${PROJECT_BINARY_DIR}/korvane.spdx.json DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvane
         COMPONENT runtime)

@@ -12,12 +12,19 @@ include(GNUInstallDirs)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/korvane.map.in ${PROJECT_BINARY_DIR}/korvane.map @ONLY)
 
+# korvane_finds(target place…): where it looks for our libraries. In the build tree and installed alike: a path that CMake
+# changes at install ends in an empty entry until then, which stands for the current directory.
+function(korvane_finds target)
+  set_target_properties(${target} PROPERTIES INSTALL_RPATH "${ARGN}" BUILD_WITH_INSTALL_RPATH ON)
+endfunction()
+
 # korvane_shared(target MAP file): what all shared libraries have in common.
 function(korvane_shared target)
   cmake_parse_arguments(arg "" "MAP" "" ${ARGN})
   set_target_properties(
     ${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX AUTOMOC OFF
-                         LINK_DEPENDS ${arg_MAP} INSTALL_RPATH "$ORIGIN")  # they are found wherever they are put
+                         LINK_DEPENDS ${arg_MAP})
+  korvane_finds(${target} "$ORIGIN")  # they are found wherever they are put
   target_link_options(${target} PRIVATE LINKER:--version-script=${arg_MAP} LINKER:--no-undefined)
 endfunction()
 

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """The component as a host gets it: installed into a clean prefix, found from there, built against, and run."""
 
+import hashlib
 import json
 import os
 import pathlib
@@ -9,6 +10,7 @@ import shutil
 import subprocess
 import tempfile
 import unittest
+import urllib.parse
 
 from driver import HOSTILE_IV_ANSWERS, IvServer, Sandbox
 
@@ -43,7 +45,29 @@ def dynamic(path, tag):
     return re.findall(rf"\({tag}\).*\[(.*)\]", run("readelf", "-d", path))
 
 
+def name_of(package):
+    return package["name"]
+
+
 class Materials(unittest.TestCase):
+    def assert_is_told_apart(self, package):
+        """By the Debian packages that are installed here, and the hash of a file that they brought."""
+        purls = [reference["referenceLocator"] for reference in package["externalRefs"] if reference["referenceType"] == "purl"]
+        self.assertTrue(purls, package["name"])
+        files = []
+        for purl in purls:
+            name, version, architecture = re.fullmatch(r"pkg:deb/debian/([^@]+)@([^?]+)\?arch=(\w+)", purl).groups()
+            version = urllib.parse.unquote(version)
+            installed = run("dpkg-query", "-W", "-f", "${Version} ${Architecture}\n", name)
+            self.assertIn(f"{version} {architecture}\n", installed)
+            self.assertRegex(version, r"-[\w.+~]+$|dfsg")
+            self.assertIn(f"Debian package {name} {version}", package["sourceInfo"])
+            files += run("dpkg-query", "-L", f"{name}:{architecture}" if architecture != "all" else name).splitlines()
+        (checksum,) = package["checksums"]
+        hashed = re.search(r"the hash is that of ([^,]+)", package["sourceInfo"])[1]
+        (path,) = {os.path.realpath(file) for file in files if os.path.basename(file) == hashed}
+        self.assertEqual(checksum["checksumValue"], hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest())
+
     def test_every_library_that_is_linked_stands_in_the_bill_of_materials(self):
         bill = json.loads(next(PREFIX.rglob("korvane.spdx.json")).read_text())
         packages = {package["SPDXID"]: package for package in bill["packages"]}
@@ -56,6 +80,9 @@ class Materials(unittest.TestCase):
             package = packages[name]
             self.assertRegex(package["versionInfo"], r"^\d+\.\d+", name)
             self.assertIn(f"| {package['name']} | {package['licenseDeclared']} |", licences)
+            self.assert_is_told_apart(package)
+            if re.search(rf"\| {re.escape(name_of(package))} \|.*compiled in", licences):
+                self.assertIn("\n" + name_of(package), (next(PREFIX.rglob("doc/korvane/NOTICE"))).read_text())
         shipped = [*PREFIX.glob("bin/*"), *libraries().rglob("*.so")]
         self.assertGreater(len(shipped), 4)
         for path in shipped:
@@ -64,6 +91,53 @@ class Materials(unittest.TestCase):
             linked = {name for name in dynamic(path, "NEEDED") if not name.startswith("libkorvane")}
             self.assertLessEqual(linked, known, f"{path.name} links what {bill['name']} does not list")
             self.assertTrue(all(place.startswith("$ORIGIN") for place in dynamic(path, "RUNPATH")), path)
+
+
+def defences(path, fortified):
+    """What the ELF file lacks of cmake/Hardening.cmake."""
+    header, segments, entries, symbols = (run("readelf", "-W", option, path) for option in ("-h", "-l", "-d", "--dyn-syms"))
+    code = run("objdump", "-d", "--no-show-raw-insn", path)
+    landing = "endbr64" if "X86-64" in header else "paciasp|bti"
+    return [what for what, found in {
+        "position-independent": "Type:                              DYN" in header,
+        "relro": "GNU_RELRO" in segments,
+        "bind now": re.search(r"BIND_NOW|FLAGS_1.*NOW", entries),
+        "no executable stack": re.search(r"GNU_STACK +(0x\w+ +){5}RW ", segments),
+        "stack protector": "__stack_chk_fail" in symbols or code.count("\n") < 1000,  # the module's plug-in has no buffer
+        "control-flow protection": len(re.findall(rf"\t({landing})", code)) > 3,
+        "fortified copies": not fortified or re.search(r"__\w+_chk(@|$)", symbols.replace("__stack_chk_fail", "")),
+    }.items() if not found]
+
+
+class Hardening(unittest.TestCase):
+    """The installed programs and libraries, whatever build they are of; and those of a release build, which is made here: of
+    the core alone in a plain run, of everything with KORVANE_FULL."""
+
+    def shipped(self, prefix):
+        paths = [path for path in [*prefix.glob("bin/korvane-*"), *prefix.rglob("*.so")] if path.read_bytes()[:4] == b"\x7fELF"]
+        self.assertGreater(len(paths), 0 if prefix != PREFIX else 6)
+        return paths
+
+    def test_what_is_installed_has_every_defence(self):
+        self.assertEqual({path.name: lacks for path in self.shipped(PREFIX) if (lacks := defences(path, False))}, {})
+
+    def test_nothing_looks_for_libraries_in_the_current_directory(self):
+        for path in [*self.shipped(PREFIX), *BUILD.glob("lib/*.so"), *BUILD.glob("qml/**/*.so"), *BUILD.glob("bin/*")]:
+            if path.is_file():
+                for place in dynamic(path, "RUNPATH") + dynamic(path, "RPATH"):
+                    self.assertTrue(all(entry.startswith(("/", "$ORIGIN")) for entry in place.split(":")), f"{path}: {place}")
+
+    def test_a_release_build_checks_the_sizes_of_copies_too(self):
+        release, full = BUILD / "outside/release", "KORVANE_FULL" in os.environ
+        run("cmake", "-G", "Ninja", "-S", SOURCE, "-B", release, "-DCMAKE_BUILD_TYPE=Release", "-DKORVANE_TESTS=OFF")
+        commands = [entry["command"] for entry in json.loads((release / "compile_commands.json").read_text())]
+        self.assertGreater(len(commands), 100)
+        for command in commands:
+            self.assertRegex(command, r" -O[23s] .*-D_FORTIFY_SOURCE=[23] ")
+        run("cmake", "--build", release, *([] if full else ["--target", "korvane_core_shared"]))
+        libraries_and_programs = [path for path in [*release.glob("lib/*.so"), *release.glob("bin/korvane-*"), *release.glob("qml/**/*.so")]]
+        lacking = {path.name: lacks for path in libraries_and_programs if (lacks := defences(path, path.name == "libkorvane-core.so"))}
+        self.assertEqual(lacking, {})
 
 
 class Packages(unittest.TestCase):
@@ -76,6 +150,7 @@ class Packages(unittest.TestCase):
                 packages[name] = run("dpkg-deb", "-f", path, "Depends")
                 files += [line.split()[5] for line in run("dpkg-deb", "-c", path).splitlines() if not line.startswith("d")]
                 self.assertIn(f"./usr/share/doc/{name}/copyright", files)
+                self.assertIn(f"./usr/share/doc/{name}/NOTICE", files)
         self.assertEqual(len(files), len(set(files)))
         runtime, quick = "libkorvane1 (= ", "libkorvane-quick1 (= "
         expected = {"libkorvane1": ["libcurl4", "libsecret-1-0", "libssl3"], "libkorvane-dev": [runtime],
