@@ -27,7 +27,7 @@ macro(korvane_package component package section text depends)
   set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${section})
   set(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS "${depends}")
   set(CPACK_COMPONENT_${upper}_DESCRIPTION "${text}\n${about}")
-  install(FILES ${PROJECT_BINARY_DIR}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component}
+  install(FILES ${PROJECT_BINARY_DIR}/copyright ${PROJECT_SOURCE_DIR}/NOTICE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component}
           EXCLUDE_FROM_ALL)
 endmacro()
 configure_file(cmake/copyright.in copyright @ONLY)
