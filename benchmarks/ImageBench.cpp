@@ -10,7 +10,7 @@
 #include "benchmarks/BareEvp.h"
 #include "benchmarks/CardReply.h"
 #include "benchmarks/PeakMemory.h"
-#include "flows/CardDetails.h"
+#include "flows/CardPictureReading.h"
 #include "operations/Operations.h"
 #include "sdk/JourneyState.h"
 #include "transport/FieldCipher.h"
@@ -27,14 +27,21 @@ bool same(const CardPicture& picture, const Bytes& wanted) {
     return picture.image && std::ranges::equal(*picture.image, std::as_bytes(std::span{wanted}));
 }
 
+/// A turn of the main queue further on.
+CardPicture readPicture(const StatePtr& state) {
+    const Handle reading = readCardPicture(state, [] {});
+    static_cast<FakeMainQueue&>(*ports().mainQueue).runAll();
+    return state->cardPicture;
+}
+
 /// The steps that the operation and the viewer take with the reply's body.
 CardPicture pictureOf(const std::string& json) {
     auto record = decodeRecord<RestGetCardImage>(json);
     std::string& text = *std::get<RestGetCardImage>(record).encryptedCardImage;
-    JourneyState state(SdkConfig::sharedInstance(), cardId);
-    decryptFieldInPlace(state.sdk.ivByteArray, text);
-    state.decCardImage = std::move(text);
-    return cardPicture(state);
+    const auto state = std::make_shared<JourneyState>(SdkConfig::sharedInstance(), cardId);
+    decryptFieldInPlace(state->sdk.ivByteArray, text);
+    state->decCardImage = std::move(text);
+    return readPicture(state);
 }
 
 /// The whole operation, from the reply that the network hands over to the picture that the viewer holds.
@@ -45,9 +52,9 @@ std::size_t peakOfOperation(const CardReply& reply) {
     return peakMemory([&] {
         CardPicture picture;
         const auto state = std::make_shared<JourneyState>(SdkConfig::sharedInstance(), cardId);
-        const Handle call =
-            doCardImage(state, [&](const KorvaneRetStruct&) { picture = cardPicture(*state); });
+        const Handle call = doCardImage(state, [](const KorvaneRetStruct&) {});
         device.mainQueue->runAll();
+        picture = readPicture(state);
         if (!same(picture, reply.image)) std::abort();
     });
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "custody/AuthenticateBiometric.h"
+#include "flows/CardPictureReading.h"
 #include "flows/FailureRoute.h"
 #include "flows/ViewNames.h"
 #include "platform/Log.h"
@@ -65,9 +66,13 @@ void AppearStruct::fetchDetails() {
         if (result.error) {
             self->handleCardImageError(result);
         } else {
-            self->finish(self->journey_.firstView(*self->state_));
+            self->readPicture();
         }
     });
+}
+
+void AppearStruct::readPicture() {
+    underWay_ = readCardPicture(state_, [this] { finish(journey_.firstView(*state_)); });
 }
 
 void AppearStruct::handleCardImageError(const KorvaneRetStruct& result) {

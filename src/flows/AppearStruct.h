@@ -20,7 +20,8 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
         std::string_view host;                         ///< where the SMS step comes back to: "SetPIN_NoNav"
         std::string_view (*firstView)(JourneyState&);  ///< the view to start on once all is known
         Handle (*details)(StatePtr, OperationCompletion) =
-            nullptr;  ///< asked for once the status is known, under the same spinner; null: nothing
+            nullptr;  ///< asked for once the status is known, then the card's picture is decoded, under
+                      ///< the same spinner; null: nothing
     };
 
     /// @param decided runs when `viewToShow` names the first view
@@ -39,6 +40,7 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
     bool startGate();
     void doAppearGuts();
     void fetchDetails();
+    void readPicture();
     void handleCardImageError(const KorvaneRetStruct& result);
     void routeFailure(const KorvaneRetStruct& result);
     void verifyBySMS(std::string_view reason);
@@ -48,7 +50,7 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
     const StatePtr state_;
     Journey journey_;
     std::function<void()> decided_;
-    Handle underWay_;  // the gate, a call, or the question for an IV
+    Handle underWay_;  // the gate, a call, the question for an IV, or the picture
 };
 
 }  // namespace korvane

@@ -6,23 +6,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/Base64.h"
 #include "base/Text.h"
 #include "sdk/JourneyState.h"
 
 namespace korvane {
 namespace {
-
-CardPicture decodedPicture(const std::string& base64) {
-    if (base64.empty()) return {nullptr, nullptr, "errors.decodedimgstrempty.failed"};
-    const auto image = std::make_shared<ImageData>(base64Room(base64));
-    const auto size = base64Decode(base64, reinterpret_cast<std::uint8_t*>(image->data()));
-    if (!size) return {nullptr, nullptr, "errors.base64todata.failed"};
-    image->resize(*size);
-    auto decoded = ports().imageDecoder->decode(*image);
-    if (!decoded) return {nullptr, nullptr, "errors.datatoimage.failed"};
-    return {image, std::move(decoded), {}};
-}
 
 std::string_view disclosureLanguage(const SdkConfig& config) {
     const std::string& set = config.deviceLanguageCode;
@@ -35,16 +23,6 @@ std::string_view disclosureLanguage(const SdkConfig& config) {
 
 std::string takeCardStatus(JourneyState& state) {
     return std::exchange(state.decCardStatus, {});
-}
-
-CardPicture cardPicture(const JourneyState& state) {
-    const auto& hosts = state.sdk.wearableImage;
-    if (state.currentCardType == eKorvaneCardType::wearable && hosts) {
-        if (auto decoded = ports().imageDecoder->decode(*hosts)) {
-            return {std::make_shared<const ImageData>(*hosts), std::move(decoded), {}};
-        }
-    }
-    return decodedPicture(state.decCardImage);
 }
 
 std::string cardName(const JourneyState& state, eKorvaneCardType type) {

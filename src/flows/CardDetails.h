@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <korvane/Initialize.h>
-#include <korvane/platform/ImageDecoder.h>
-
-#include <memory>
 #include <string>
 
 #include "sdk/eKorvaneCardType.h"
@@ -17,15 +13,6 @@ struct JourneyState;
 
 /// The card's status, cleared as it is read: a second reader finds "".
 std::string takeCardStatus(JourneyState& state);
-
-struct CardPicture {
-    std::shared_ptr<const ImageData> image;       ///< null: there is none that can be drawn
-    std::shared_ptr<const DecodedImage> decoded;  ///< as `ImageDecoder` read it; null like `image`
-    std::string failure;                          ///< why not, as a message id; empty when there is one
-};
-
-/// The host's picture of a wearable card when it gave one that can be drawn, else the one the service sent.
-CardPicture cardPicture(const JourneyState& state);
 
 /// The host's name of a wearable card, else the name of the type in the language in use; "" when neither is
 /// known.

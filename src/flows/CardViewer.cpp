@@ -27,7 +27,7 @@ constexpr std::string_view freezeControl = "sdk.cardviewer.card.activateAndSetPi
 
 CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
     : Screen(std::move(stack), view::CardImage_NoNav),
-      picture_(cardPicture(state())),
+      picture_(state().cardPicture),
       type_(state().currentCardType),
       cardholderName_(cardholderName(state())),
       disclosureText_(cardDisclosure(state())),

@@ -11,6 +11,7 @@
 #include "flows/FreezeSwitch.h"
 #include "flows/KorvaneActionNavigationLink.h"
 #include "flows/Screen.h"
+#include "sdk/CardPicture.h"
 
 namespace korvane {
 

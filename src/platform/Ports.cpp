@@ -26,11 +26,12 @@ std::function<void()>& beforeUninstallPorts() {
 bool installPorts(Ports ports) {
     const bool complete = ports.mainQueue && ports.timers && ports.urlSession && ports.console &&
                           ports.secureItemStore && ports.biometricContext && ports.stringTable &&
-                          ports.pasteboard && ports.imageDecoder;
+                          ports.pasteboard;
     if (!complete) {
         std::fputs("korvane: installPorts: a port is missing; nothing was installed\n", stderr);
         return false;
     }
+    if (!ports.imageDecoder) ports.imageDecoder = std::make_shared<ImageSignatures>(ports.mainQueue);
     installed() = std::move(ports);
     return true;
 }

@@ -31,6 +31,7 @@ JourneyState::~JourneyState() {
 
 void JourneyState::wipeCardDetails() {
     decodedDisclosuresStruct.reset();
+    cardPicture = {};
     for (std::string* const field :
          {&decCardImage, &decPan, &decMaskedPan, &decCvv, &decMaskedCvv, &decExpiryDate, &decFirstName,
           &decMiddleName, &decLastName, &decCardNetwork}) {

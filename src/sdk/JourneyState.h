@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "sdk/CardPicture.h"
 #include "sdk/DecryptedCardDisclosure.h"
 #include "sdk/SdkConfig.h"
 #include "sdk/eKorvaneCardType.h"
@@ -49,6 +50,7 @@ struct JourneyState {
     bool setPinOnly = false;
 
     std::string decCardImage;
+    CardPicture cardPicture;  ///< decoded from `decCardImage`, or the host's
     std::optional<DecryptedCardDisclosure> decodedDisclosuresStruct;
     std::string decPan;
     std::string decMaskedPan;

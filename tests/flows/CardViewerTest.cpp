@@ -84,14 +84,49 @@ TEST_F(CardViewer, WearableBearsTheHostsNameAndPicture) {
     see("image=0, toast=errors.decodedimgstrempty.failed");
 }
 
+/// Decodes when told to, as a thread would in its own time.
+struct HeldDecoder final : ImageDecoder {
+    struct Decoding final : ImageDecoding {
+        explicit Decoding(Done* owed) : done(owed) {}
+        ~Decoding() override { *done = nullptr; }
+        Done* done;
+    };
+    std::unique_ptr<ImageDecoding> decode(std::shared_ptr<const ImageData>, Done given) override {
+        done = std::move(given);
+        return std::make_unique<Decoding>(&done);
+    }
+    Done done;
+};
+
+TEST_F(CardViewer, ComesWhenItsPictureIsDecodedAndAJourneyThatGoesCancels) {
+    const auto decoder = std::make_shared<HeldDecoder>();
+    Ports ports = korvane::ports();
+    ports.imageDecoder = decoder;
+    installPorts(ports);
+    EXPECT_EQ(showCard(), "GetCardImage");
+    see("showSpinner=true");
+    ASSERT_TRUE(decoder->done);
+    journey.reset();
+    EXPECT_FALSE(decoder->done) << "the picture of a journey that is gone";
+    for (const bool isPicture : {true, false}) {
+        showCard();
+        std::exchange(decoder->done, nullptr)(isPicture ? std::make_shared<DecodedImage>() : nullptr);
+        settle();
+        EXPECT_EQ(screen().view, "CardImage_NoNav");
+        see(isPicture ? "image=12, toast=" : "image=0, toast=errors.datatoimage.failed");
+    }
+}
+
 TEST_F(CardViewer, LeavesNothingBehind) {
     showCard();
     const auto kept = JourneyProbe::state(*journey);
+    EXPECT_TRUE(kept->cardPicture.image);
     journey.reset();
     EXPECT_EQ(kept->decCardImage + kept->decPan + kept->decMaskedPan + kept->decCvv + kept->decMaskedCvv +
                   kept->decExpiryDate + kept->decFirstName + kept->decLastName + kept->decCardNetwork,
               "");
     EXPECT_FALSE(kept->decodedDisclosuresStruct);
+    EXPECT_FALSE(kept->cardPicture.image);
 }
 
 class FreezeSwitch : public JourneyFixture {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <korvane/contracts/BiometricContextContract.h>
+#include <korvane/contracts/ImageDecoderContract.h>
 #include <korvane/contracts/MainQueueContract.h>
 #include <korvane/contracts/SecureItemStoreContract.h>
 #include <korvane/contracts/TimersContract.h>
@@ -61,6 +62,12 @@ struct FakeBiometricDriver : FakeQueueDriver {
     void settle() { turn(); }
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, BiometricContextContract, FakeBiometricDriver);
+
+struct SignaturesDriver : FakeQueueDriver {
+    std::shared_ptr<ImageSignatures> decoder = std::make_shared<ImageSignatures>(queue);
+    void settle() { turn(); }
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Signatures, ImageDecoderContract, SignaturesDriver);
 
 }  // namespace
 }  // namespace korvane::testing

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <korvane/contracts/ImageDecoderContract.h>
 #include <korvane/contracts/MainQueueContract.h>
 #include <korvane/contracts/TimersContract.h>
-#include <QBuffer>
 #include <QClipboard>
 #include <QEventLoop>
 #include <QGuiApplication>
-#include <QImage>
 #include <QMimeData>
 #include <QTranslator>
 #include <array>
-#include <span>
 #include <string>
 
 #include "platform/qt/QtImageDecoder.h"
@@ -98,18 +96,15 @@ TEST(QtPasteboard, PutsPlainTextMarkedAsSecretAndClearsOnlyThat) {
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "");
 }
 
-TEST(QtImageDecoder, TakesWhatItCanDrawAndNothingElse) {
-    QByteArray png;
-    QBuffer buffer(&png);
-    QImage(8, 5, QImage::Format_RGB32).save(&buffer, "PNG");
-    const QtImageDecoder decoder;
-    const auto bytes = std::as_bytes(std::span{png.constData(), static_cast<std::size_t>(png.size())});
-    const auto read = std::dynamic_pointer_cast<const QtDecodedImage>(decoder.decode(bytes));
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->image.size(), QSize(8, 5));
-    EXPECT_FALSE(decoder.decode(bytes.first(bytes.size() / 2))) << "cut short";
-    EXPECT_FALSE(decoder.decode({}));
-}
+struct QtDecoderDriver : QtQueueDriver {
+    std::shared_ptr<QtImageDecoder> decoder = std::make_shared<QtImageDecoder>(queue);
+
+    void settle() {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(5);
+        while (std::chrono::steady_clock::now() < end) turn();
+    }
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, ImageDecoderContract, QtDecoderDriver);
 
 }  // namespace
 }  // namespace korvane::testing

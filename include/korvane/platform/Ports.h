@@ -37,8 +37,8 @@ struct Ports {
     std::shared_ptr<StringTable> stringTable = std::make_shared<KeyStringTable>();
     /// Where a card's details are copied to. Without one: copying fails, and the screen says so.
     std::shared_ptr<Pasteboard> pasteboard = std::make_shared<NoPasteboard>();
-    /// Tells pictures from other bytes. Without one: by their signature, PNG or JPEG.
-    std::shared_ptr<ImageDecoder> imageDecoder = std::make_shared<ImageSignatures>();
+    /// Decodes the card's picture. Null: `installPorts` puts an `ImageSignatures` there.
+    std::shared_ptr<ImageDecoder> imageDecoder = {};
     std::string languageCode = {};  ///< the user's language (BCP 47: "es-MX"), for a string table that does
                                     ///< not tell its own; empty: not known
 };

@@ -1,22 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/qt/QtImageDecoder.h"
 
-#include <QBuffer>
-#include <QByteArray>
-#include <QImageReader>
+#include <korvane/platform/MainQueue.h>
+
+#include <utility>
+
+#include "platform/qt/PictureReader.h"
 
 namespace korvane {
 
-std::shared_ptr<const DecodedImage> QtImageDecoder::decode(std::span<const std::byte> bytes) const {
-    QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
-                                              static_cast<qsizetype>(bytes.size()));
-    QBuffer buffer(&data);
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    // All of it: the header of a picture that was cut short is as good as any.
-    QImage image = reader.read();
-    if (image.isNull()) return nullptr;
-    return std::make_shared<QtDecodedImage>(std::move(image));
+QtImageDecoder::QtImageDecoder(std::shared_ptr<MainQueue> mainQueue) : mainQueue_(std::move(mainQueue)) {
+    thread_.setMaxThreadCount(1);
+}
+
+QtImageDecoder::~QtImageDecoder() {
+    thread_.clear();
+    thread_.waitForDone();
+}
+
+std::unique_ptr<ImageDecoding> QtImageDecoder::decode(std::shared_ptr<const std::vector<std::byte>> bytes,
+                                                      Done done) {
+    auto [reply, handle] = replies_.add(std::move(done));
+    // The queue outlives the thread: a reference of the thread's own could be the last one.
+    thread_.start([&queue = *mainQueue_, reply = std::move(reply), bytes = std::move(bytes)] {
+        if (!reply->isWanted()) return;
+        QImage read = readPicture(*bytes);
+        if (!reply->isWanted()) return;
+        std::shared_ptr<const DecodedImage> image;
+        if (!read.isNull()) image = std::make_shared<const QtDecodedImage>(std::move(read));
+        queue.post([reply, image = std::move(image)]() mutable { reply->run(std::move(image)); });
+    });
+    return std::move(handle);
 }
 
 }  // namespace korvane

@@ -4,6 +4,11 @@
 #include <korvane/platform/ImageDecoder.h>
 
 #include <QImage>
+#include <QThreadPool>
+#include <memory>
+#include <vector>
+
+#include "platform/ImageReplies.h"
 
 namespace korvane {
 
@@ -13,10 +18,21 @@ struct QtDecodedImage final : DecodedImage {
     const QImage image;
 };
 
-/// Decodes with Qt's image plug-ins. A picture that needs more memory than Qt's limit for images is none.
+/// Decodes one picture after the other on one thread of its own, as `readPicture` does. Make and destroy it
+/// on the main thread; the destructor waits for the picture that is being decoded.
 class QtImageDecoder final : public ImageDecoder {
   public:
-    std::shared_ptr<const DecodedImage> decode(std::span<const std::byte> bytes) const override;
+    /// @param mainQueue  where callbacks run
+    explicit QtImageDecoder(std::shared_ptr<MainQueue> mainQueue);
+    ~QtImageDecoder() override;
+
+    std::unique_ptr<ImageDecoding> decode(std::shared_ptr<const std::vector<std::byte>> bytes,
+                                          Done done) override;
+
+  private:
+    const std::shared_ptr<MainQueue> mainQueue_;
+    ImageReplies replies_;
+    QThreadPool thread_;
 };
 
 }  // namespace korvane

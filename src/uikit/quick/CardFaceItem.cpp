@@ -14,12 +14,14 @@ constexpr double idWidth = 85.60;
 constexpr double idHeight = 53.98;
 constexpr double idRadius = 3.18;
 
-/// `picture` over the whole of `size`, what sticks out cut off on both sides alike.
+/// `picture` over the whole of `size`, what sticks out cut off on both sides alike. Cropped before it is
+/// scaled: nothing larger than the two is ever made.
 QImage covering(const QImage& picture, QSize size) {
-    const QImage scaled = picture.scaled(size, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation)
-                              .convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    return scaled.copy((scaled.width() - size.width()) / 2, (scaled.height() - size.height()) / 2,
-                       size.width(), size.height());
+    QRect part({}, size.scaled(picture.size(), Qt::KeepAspectRatio).expandedTo({1, 1}));
+    part.moveTo((picture.width() - part.width()) / 2, (picture.height() - part.height()) / 2);
+    return picture.copy(part)
+        .scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 QImage withoutColors(const QImage& picture) {

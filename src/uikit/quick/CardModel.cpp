@@ -41,10 +41,8 @@ QString CardModel::description() const {
 }
 
 QImage CardModel::picture() const {
-    if (const auto* const read = dynamic_cast<const QtDecodedImage*>(face_.decoded.get())) return read->image;
-    if (!face_.image) return {};
-    return QImage::fromData(reinterpret_cast<const uchar*>(face_.image->data()),
-                            static_cast<int>(face_.image->size()));
+    const auto* const read = dynamic_cast<const QtDecodedImage*>(face_.decoded.get());
+    return read ? read->image : QImage();
 }
 
 QList<QString> CardModel::message() const {

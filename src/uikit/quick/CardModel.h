@@ -40,8 +40,7 @@ class CardModel : public QObject {
     QList<QString> message() const;
     ControlModel* button() const { return button_; }
 
-    /// The picture; null when there is none that can be drawn. It is read here only if another decoder than
-    /// `QtImageDecoder` found it to be one.
+    /// The picture as `QtImageDecoder` read it, else null: nothing is decoded here, on the main thread.
     QImage picture() const;
 
     void update(const CardFace& face, ControlModel* button);

@@ -31,7 +31,7 @@ Ports qtPorts(const QtPortsOptions& options) {
                 std::make_shared<FprintdContext>(mainQueue, std::make_shared<QuickBiometricPrompt>()),
             .stringTable = componentTexts(),
             .pasteboard = std::make_shared<QtPasteboard>(),
-            .imageDecoder = std::make_shared<QtImageDecoder>(),
+            .imageDecoder = std::make_shared<QtImageDecoder>(mainQueue),
             .languageCode = QLocale().uiLanguages().value(0).toStdString()};
 }
 

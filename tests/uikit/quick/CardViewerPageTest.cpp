@@ -4,6 +4,7 @@
 #include <QBuffer>
 #include <QPainter>
 #include <QRegularExpression>
+#include <span>
 
 #include "platform/qt/QtImageDecoder.h"
 #include "tests/uikit/quick/QuickFixture.h"
@@ -20,9 +21,10 @@ class CardViewerPageTest : public QuickFixture {
   protected:
     QQuickItem* showViewer(QSize size = {390, 1000}) {
         Ports device = ports();
-        device.imageDecoder = std::make_shared<QtImageDecoder>();
+        device.imageDecoder = std::make_shared<QtImageDecoder>(device.mainQueue);
         installPorts(device);
         QQuickItem* const root = show("GetCardImage { cardId: 'card-1' }", size);
+        for (int i = 0; i < 500 && view() != "CardImage_NoNav"; ++i) settle();  // decodes on its own thread
         EXPECT_EQ(view(), "CardImage_NoNav");
         return root;
     }
@@ -96,6 +98,31 @@ TEST_F(CardViewerPageTest, PictureCoversTheCardUndistortedOrAPlaceholderIsDrawn)
     for (const QPoint way : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)}) {
         EXPECT_EQ(seen.pixelColor(middle + way * (half - 2)), QColor(Qt::white));
         EXPECT_EQ(seen.pixelColor(middle + way * (half + 3)), QColor(Qt::black));
+    }
+}
+
+TEST_F(CardViewerPageTest, HostilePicturesGiveThePlaceholderAndItsMessage) {
+    const auto bytesOf = [](const QSize& size) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        QImage(size, QImage::Format_Grayscale8).save(&buffer, "PNG");
+        return bytes;
+    };
+    const QByteArray svg = R"(<svg xmlns="http://www.w3.org/2000/svg" width="9" height="9"/>)";
+    for (const QByteArray& hostile : {svg, bytesOf({1, 4000}), bytesOf({4000, 1}), bytesOf({4001, 4001})}) {
+        service.cardDetails["encryptedCardImage"] = hostile.toBase64().toStdString();
+        const auto refused = [this] {
+            return showViewer()->findChild<CardFaceItem*>()->placeholder() &&
+                   screen()->toast() == "We can’t show your card’s picture right now.";
+        };
+        EXPECT_TRUE(refused());
+        service.cardType = "wearable";
+        const auto bytes = std::as_bytes(std::span{hostile.constData(), std::size_t(hostile.size())});
+        service.config.wearableImage = ImageData(bytes.begin(), bytes.end());
+        EXPECT_TRUE(refused());
+        service.cardDetails["encryptedCardImage"] = bytesOf({9, 9}).toBase64().toStdString();
+        EXPECT_FALSE(showViewer()->findChild<CardFaceItem*>()->placeholder()) << "the service's stands in";
+        service.cardType = "physical";
     }
 }
 
