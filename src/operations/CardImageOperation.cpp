@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "operations/FieldLimits.h"
 #include "operations/OperationEngine.h"
 
 #include "platform/Log.h"
@@ -21,6 +22,7 @@ std::optional<std::string> storeCardDetails(JourneyState& state, RestGetCardImag
                                             const std::vector<std::uint8_t>& iv) {
     const auto store = [&](std::string JourneyState::*field, WireText& enciphered, std::string_view name) {
         state.*field = decipherAndLog(enciphered, name, iv);
+        if (field != &JourneyState::decCardImage) limitField(name, state.*field);
     };
     std::optional<std::string> report;
 
@@ -28,6 +30,7 @@ std::optional<std::string> storeCardDetails(JourneyState& state, RestGetCardImag
     auto disclosures =
         decodeDisclosures(decipherAndLog(reply.encryptedCardDisclosures, "CardDisclosures", iv));
     if (auto* const decoded = std::get_if<DecryptedCardDisclosure>(&disclosures)) {
+        limitDisclosures(*decoded);
         state.decodedDisclosuresStruct = std::move(*decoded);
     } else {
         state.decodedDisclosuresStruct.reset();
