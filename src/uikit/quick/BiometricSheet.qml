@@ -134,7 +134,7 @@ FocusScope {
                     color: Theme.colorOnSurface
                     horizontalAlignment: Text.AlignHCenter
                     textFormat: Text.PlainText
-                    wrapMode: Text.WordWrap
+                    wrapMode: Text.Wrap
                     lineHeight: 1.2
 
                     Accessible.ignored: true
@@ -172,7 +172,7 @@ FocusScope {
                                 return Theme.mirrored ? Text.AlignRight : Text.AlignLeft;
                             }
                             textFormat: Text.PlainText
-                            wrapMode: Text.WordWrap
+                            wrapMode: Text.Wrap
                             lineHeight: 1.2
 
                             Accessible.ignored: true

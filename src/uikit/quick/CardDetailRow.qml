@@ -60,7 +60,7 @@ T.AbstractButton {
             font: Theme.caption
             color: Theme.inputLabel
             textFormat: Text.PlainText
-            wrapMode: Text.WordWrap
+            wrapMode: Text.Wrap
 
             Accessible.ignored: true
         }

@@ -94,7 +94,7 @@ Item {
                 color: Theme.colorOnBackground
                 horizontalAlignment: Text.AlignHCenter
                 textFormat: Text.PlainText
-                wrapMode: Text.WordWrap
+                wrapMode: Text.Wrap
 
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text

@@ -85,8 +85,8 @@ QFont CardValue::font() const {
 }
 
 int CardValue::flags() const {
-    return Qt::TextWordWrap | Qt::AlignVCenter | (mirrored_ ? Qt::AlignRight : Qt::AlignLeft) |
-           Qt::AlignAbsolute;
+    return Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::AlignVCenter |
+           (mirrored_ ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute;
 }
 
 void CardValue::redraw() {

@@ -35,7 +35,7 @@ PageFrame {
             color: Theme.colorOnBackground
             verticalAlignment: Text.AlignVCenter
             textFormat: Text.PlainText
-            wrapMode: Text.WordWrap
+            wrapMode: Text.Wrap
 
             Accessible.role: Accessible.Heading
             Accessible.name: text
@@ -71,18 +71,21 @@ PageFrame {
         control: page.screen.freezeSwitch
     }
 
-    Text {
-        width: parent.width
-        topPadding: 16
-        visible: text !== ""
-        text: page.screen.disclosure
-        font: Theme.caption
-        color: Theme.hintText
-        textFormat: Text.PlainText
-        wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-        lineHeight: 1.2
+    Repeater {
+        model: page.screen.disclosure
 
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
+        // Of a very long text, what is out of sight comes after the first frame.
+        Loader {
+            required property string modelData
+            required property int index
+
+            width: page.columnWidth
+            asynchronous: index > 0
+
+            Component.onCompleted: setSource("DisclosurePart.qml", {
+                "text": modelData,
+                "topPadding": index === 0 ? 16 : 0
+            })
+        }
     }
 }

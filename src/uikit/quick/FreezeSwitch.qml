@@ -51,7 +51,7 @@ T.AbstractButton {
         color: row.live ? Theme.colorOnBackground : Theme.disabledText
         verticalAlignment: Text.AlignVCenter
         textFormat: Text.PlainText
-        wrapMode: Text.WordWrap
+        wrapMode: Text.Wrap
 
         Accessible.ignored: true
     }

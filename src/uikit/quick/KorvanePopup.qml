@@ -81,7 +81,7 @@ FocusScope {
                     font: Theme.titleCompact
                     color: Theme.colorOnSurface
                     textFormat: Text.PlainText
-                    wrapMode: Text.WordWrap
+                    wrapMode: Text.Wrap
 
                     Accessible.role: Accessible.Heading
                     Accessible.name: text
@@ -93,7 +93,7 @@ FocusScope {
                     font: Theme.body
                     color: Theme.colorOnSurface
                     textFormat: Text.PlainText
-                    wrapMode: Text.WordWrap
+                    wrapMode: Text.Wrap
                     lineHeight: 1.2
 
                     Accessible.role: Accessible.StaticText

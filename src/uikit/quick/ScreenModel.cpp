@@ -8,6 +8,7 @@
 
 #include "base/Secret.h"
 #include "sdk/ChangeNotifications.h"
+#include "uikit/quick/Paragraphs.h"
 
 namespace korvane {
 namespace {
@@ -163,7 +164,8 @@ void ScreenModel::replace(ControlModel*& model, const std::string& id, bool prim
 
 void ScreenModel::updateCard(const ScreenSnapshot& snapshot) {
     card_.update(snapshot.card.value_or(CardFace{}), find(snapshot.card ? snapshot.card->button : ""));
-    set(disclosure_, QString::fromStdString(snapshot.disclosureText), &ScreenModel::disclosureChanged);
+    set(disclosure_, paragraphs(QString::fromStdString(snapshot.disclosureText)),
+        &ScreenModel::disclosureChanged);
     const bool same = std::ranges::equal(
         details_, snapshot.rows,
         [](const DetailModel* model, const DetailRow& row) { return model->id() == row.id; });

@@ -54,7 +54,8 @@ class ScreenModel : public QObject {
     Q_PROPERTY(QQmlListProperty<korvane::DetailModel> details READ details NOTIFY detailsChanged)
     Q_PROPERTY(korvane::ControlModel* revealSwitch READ revealSwitch NOTIFY controlsChanged)
     Q_PROPERTY(korvane::ControlModel* freezeSwitch READ freezeSwitch NOTIFY controlsChanged)
-    Q_PROPERTY(QString disclosure READ disclosure NOTIFY disclosureChanged)
+    /// In parts that lay out fast; see `paragraphs`.
+    Q_PROPERTY(QStringList disclosure READ disclosure NOTIFY disclosureChanged)
 
     /// A question over the screen; its words and buttons stay while it fades away.
     Q_PROPERTY(bool popupOpen READ popupOpen NOTIFY popupOpenChanged)
@@ -100,7 +101,7 @@ class ScreenModel : public QObject {
     QQmlListProperty<DetailModel> details() { return {this, &details_}; }
     ControlModel* revealSwitch() const;
     ControlModel* freezeSwitch() const;
-    QString disclosure() const { return disclosure_; }
+    QStringList disclosure() const { return disclosure_; }
     bool popupOpen() const { return popupOpen_; }
     QString popupHeader() const { return popupHeader_; }
     QString popupBody() const { return popupBody_; }
@@ -192,7 +193,7 @@ class ScreenModel : public QObject {
     QString passcodeDescription_;
     CardModel card_{this};
     QList<DetailModel*> details_;
-    QString disclosure_;
+    QStringList disclosure_;
     bool popupOpen_ = false;
     QString popupHeader_;
     QString popupBody_;

@@ -4,6 +4,8 @@
 #include <QBuffer>
 #include <QPainter>
 #include <QRegularExpression>
+#include <QTimer>
+#include <ctime>
 #include <span>
 
 #include "platform/qt/QtImageDecoder.h"
@@ -123,6 +125,49 @@ TEST_F(CardViewerPageTest, HostilePicturesGiveThePlaceholderAndItsMessage) {
         service.cardDetails["encryptedCardImage"] = bytesOf({9, 9}).toBase64().toStdString();
         EXPECT_FALSE(showViewer()->findChild<CardFaceItem*>()->placeholder()) << "the service's stands in";
         service.cardType = "physical";
+    }
+}
+
+/// The longest that the operation stores.
+TEST_F(CardViewerPageTest, TheLongestWordsDrawAsFastAsShortOnesAndWrap) {
+    const auto processor = [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    };
+    // The longest turn of the main loop: for so long nothing moves.
+    const auto milliseconds = [&](const std::string& name, const std::string& word) {
+        for (const char* const each : {"FirstName", "MiddleName", "LastName", "ExpiryDate", "Pan", "Cvv"})
+            service.cardDetails[std::string("encrypted") + each] = name;
+        service.cardDetails["encryptedCardDisclosures"] =
+            R"({"CardDisclosures":[{"Language":"English","CardDisclosure":")" + word + "\"}]}";
+        double least = 1e9;
+        for (int i = 0; i < 3; ++i) {
+            double begin = processor(), longest = 0;
+            QTimer turn;
+            QObject::connect(&turn, &QTimer::timeout, &turn, [&] {
+                longest = std::max(longest, processor() - begin);
+                begin = processor();
+            });
+            turn.start(0);
+            showViewer();
+            wait(100);
+            least = std::min(least, longest);
+        }
+        return least;
+    };
+    const double few = milliseconds("name", "word");
+    for (const char* const letter : {"W", "é", "ع", "😀"}) {
+        std::string name, word;
+        for (int i = 0; i < 200; ++i) name += letter;
+        while (word.size() < 65'530) word += letter;
+        const double many = milliseconds(name, word);
+        EXPECT_LT(many, few + 50) << letter;
+        EXPECT_EQ(faults(), QStringList());
+        EXPECT_EQ(screen()->disclosure().join("").toStdString(), word);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return readable().first.count("|" + screen()->disclosure().last()) > 1;
+        })) << "its end is drawn too";
     }
 }
 

@@ -47,9 +47,9 @@ TEST_F(LanguagesTest, AToastFollowsAndADisclosureThatCameBeforeStays) {
     tap("sdk.cardviewer.device.details.cardholderName");
     ASSERT_TRUE(setLanguage("es"));
     EXPECT_EQ(screen()->toast(), "Copiado");
-    EXPECT_EQ(screen()->disclosure(), "hello");
+    EXPECT_EQ(screen()->disclosure(), QStringList("hello"));
     show("GetCardImage { cardId: 'card-1' }");
-    EXPECT_EQ(screen()->disclosure(), "hola");
+    EXPECT_EQ(screen()->disclosure(), QStringList("hola"));
 }
 
 TEST_F(LanguagesTest, HostsTextTakesThePlaceOfAnySingleOne) {
