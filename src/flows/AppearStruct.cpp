@@ -5,7 +5,6 @@
 
 #include "custody/AuthenticateBiometric.h"
 #include "flows/CardPictureReading.h"
-#include "flows/FailureRoute.h"
 #include "flows/ViewNames.h"
 #include "platform/Log.h"
 #include "sdk/JourneyState.h"
@@ -28,25 +27,26 @@ bool AppearStruct::startGate() {
     // A token that is still in memory needs no check: the timer takes it away when its time is up.
     if (!config.useBiometrics || !config.currentPciToken.empty()) return false;
     state_->viewToShowAfterFaceId = journey_.host;
-    underWay_ = AuthenticateBiometric::runGate(config, [this](AuthenticateBiometric::Outcome outcome) {
-        switch (outcome) {
-            case AuthenticateBiometric::Outcome::authenticated:
-                doAppearGuts();
-                break;
-            case AuthenticateBiometric::Outcome::noStoredToken:
-                verifyBySMS(readFromKeychainFailed);
-                break;
-            // A person who cannot or will not show a finger is verified by SMS.
-            case AuthenticateBiometric::Outcome::notAuthenticated:
-                verifyBySMS("evaluate policy 'success' is false");
-                break;
-        }
-    });
-    return underWay_ != nullptr;
+    recovery_.underWay =
+        AuthenticateBiometric::runGate(config, [this](AuthenticateBiometric::Outcome outcome) {
+            switch (outcome) {
+                case AuthenticateBiometric::Outcome::authenticated:
+                    doAppearGuts();
+                    break;
+                case AuthenticateBiometric::Outcome::noStoredToken:
+                    verifyBySMS(readFromKeychainFailed);
+                    break;
+                // A person who cannot or will not show a finger is verified by SMS.
+                case AuthenticateBiometric::Outcome::notAuthenticated:
+                    verifyBySMS("evaluate policy 'success' is false");
+                    break;
+            }
+        });
+    return recovery_.underWay != nullptr;
 }
 
 void AppearStruct::doAppearGuts() {
-    underWay_ = doGetCardStatus(state_, [weak = weak_from_this()](const KorvaneRetStruct& result) {
+    recovery_.underWay = doGetCardStatus(state_, [weak = weak_from_this()](const KorvaneRetStruct& result) {
         const auto self = weak.lock();
         if (!self) return;
         if (result.error) {
@@ -60,7 +60,7 @@ void AppearStruct::doAppearGuts() {
 }
 
 void AppearStruct::fetchDetails() {
-    underWay_ = journey_.details(state_, [weak = weak_from_this()](const KorvaneRetStruct& result) {
+    recovery_.underWay = journey_.details(state_, [weak = weak_from_this()](const KorvaneRetStruct& result) {
         const auto self = weak.lock();
         if (!self) return;
         if (result.error) {
@@ -72,7 +72,7 @@ void AppearStruct::fetchDetails() {
 }
 
 void AppearStruct::readPicture() {
-    underWay_ = readCardPicture(state_, [this] { finish(journey_.firstView(*state_)); });
+    recovery_.underWay = readCardPicture(state_, [this] { finish(journey_.firstView(*state_)); });
 }
 
 void AppearStruct::handleCardImageError(const KorvaneRetStruct& result) {
@@ -91,15 +91,15 @@ void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
         verifyBySMS(result.errorMsg);
         return;
     }
-    underWay_ = leadOn(*state_, result,
-                       {.verifyBySMS = [this](std::string_view matched) { verifyBySMS(matched); },
-                        .runAgain =
-                            [this](std::string_view reason) {
-                                log({inClear(reason), ": Got new iv -- re-calling doAppearGuts -- ",
-                                     inClear(journey_.name)});
-                                doAppearGuts();
-                            },
-                        .giveUp = [this] { fail(); }});
+    leadOn(*state_, result, recovery_,
+           {.verifyBySMS = [this](std::string_view matched) { verifyBySMS(matched); },
+            .runAgain =
+                [this](std::string_view reason) {
+                    log({inClear(reason), ": Got new iv -- re-calling doAppearGuts -- ",
+                         inClear(journey_.name)});
+                    doAppearGuts();
+                },
+            .giveUp = [this] { fail(); }});
 }
 
 void AppearStruct::verifyBySMS(std::string_view reason) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "flows/FailureRoute.h"
 #include "operations/Operations.h"
 
 namespace korvane {
@@ -50,7 +51,7 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
     const StatePtr state_;
     Journey journey_;
     std::function<void()> decided_;
-    Handle underWay_;  // the gate, a call, the question for an IV, or the picture
+    Recovery recovery_;
 };
 
 }  // namespace korvane

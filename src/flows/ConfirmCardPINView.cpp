@@ -3,7 +3,6 @@
 
 #include <utility>
 
-#include "flows/FailureRoute.h"
 #include "flows/NavigationStack.h"
 #include "flows/ScreenFactory.h"
 #include "flows/ViewNames.h"
@@ -60,7 +59,7 @@ void ConfirmCardPINView::submit() {
     showSpinner_ = true;
     didCallAPI_ = true;
     state().pendingPin = *enteredPin_;
-    underWay_ =
+    recovery_.underWay =
         startSubmission(sharedState(), *enteredPin_, [weak = weak(this)](const KorvaneRetStruct& result) {
             if (const auto self = weak.lock()) self->answered(result);
         });
@@ -74,19 +73,19 @@ void ConfirmCardPINView::answered(const KorvaneRetStruct& result) {
         return;
     }
     log({"errmsg = ", result.errorMsg});
-    underWay_ = leadOn(state(), result,
-                       {.verifyBySMS =
-                            [this](std::string_view matched) {
-                                log(inClear(matched));
-                                state().viewToShowAfterSMSVerify = view::ConfirmCardPINView;
-                                autoNavTo(view::SMSExplainView);
-                            },
-                        .runAgain = [this](std::string_view) { submit(); },
-                        .giveUp =
-                            [this] {
-                                wipe(state().pendingPin);
-                                autoNavTo(view::UhOhTryAgainView);
-                            }});
+    leadOn(state(), result, recovery_,
+           {.verifyBySMS =
+                [this](std::string_view matched) {
+                    log(inClear(matched));
+                    state().viewToShowAfterSMSVerify = view::ConfirmCardPINView;
+                    autoNavTo(view::SMSExplainView);
+                },
+            .runAgain = [this](std::string_view) { submit(); },
+            .giveUp =
+                [this] {
+                    wipe(state().pendingPin);
+                    autoNavTo(view::UhOhTryAgainView);
+                }});
 }
 
 void ConfirmCardPINView::autoNavTo(std::string_view viewName) {

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "flows/FailureRoute.h"
 #include "flows/Screen.h"
 #include "operations/Operations.h"
 #include "uikit/KorvanePassCodeInput.h"
@@ -44,7 +45,7 @@ class ConfirmCardPINView final : public Screen {
     bool showSpinner_ = false;
     bool pinsDontMatch_ = false;
     KorvanePassCodeInput passCode_;
-    Handle underWay_;  // the submission, or the question for an IV
+    Recovery recovery_;
 };
 
 }  // namespace korvane

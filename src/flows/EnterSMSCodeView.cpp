@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "base/Text.h"
-#include "flows/FailureRoute.h"
 #include "flows/NavigationStack.h"
 #include "flows/SMSCodeRequest.h"
 #include "flows/ScreenFactory.h"
@@ -42,9 +41,10 @@ void EnterSMSCodeView::passcodeChanged() {
 void EnterSMSCodeView::submit() {
     showSpinner_ = true;
     state().twoFactorCode = passCode_.inputModel().passCodeString;
-    underWay_ = doPciTokenSubmission(sharedState(), [weak = weak(this)](const KorvaneRetStruct& result) {
-        if (const auto self = weak.lock()) self->submitted(result);
-    });
+    recovery_.underWay =
+        doPciTokenSubmission(sharedState(), [weak = weak(this)](const KorvaneRetStruct& result) {
+            if (const auto self = weak.lock()) self->submitted(result);
+        });
     changed();
 }
 
@@ -56,28 +56,29 @@ void EnterSMSCodeView::submitted(const KorvaneRetStruct& result) {
         stack().leaveSMSStep(next);
     } else if (equalIgnoringCase(result.errorMsg, "Failure: Incorrect SMS verification code")) {
         showSpinner_ = false;
+        recovery_.backoff.reset();
         codeIncorrect_ = true;
         passCode_.clear();
         changed();
     } else if (result.errorMsg == "forceSMSFlowReset") {
         startOver();
     } else {
-        underWay_ = leadOn(state(), result,
-                           {.verifyBySMS =
-                                [this](std::string_view) {
-                                    // The SMS token is spent or too old: no code can be right any more.
-                                    stack().showToast("sdk.sms.code.expired");
-                                    startOver();
-                                },
-                            .runAgain = [this](std::string_view) { submit(); },
-                            .giveUp =
-                                [this] {
-                                    // The code stays: the button submits it again when the person comes back.
-                                    showSpinner_ = false;
-                                    changed();
-                                    stack().push(makeScreen(sharedStack(), view::UhOhTryAgainWithErrorMsgView,
-                                                            ScreenArguments{}));
-                                }});
+        leadOn(state(), result, recovery_,
+               {.verifyBySMS =
+                    [this](std::string_view) {
+                        // The SMS token is spent or too old: no code can be right any more.
+                        stack().showToast("sdk.sms.code.expired");
+                        startOver();
+                    },
+                .runAgain = [this](std::string_view) { submit(); },
+                .giveUp =
+                    [this] {
+                        // The code stays: the button submits it again when the person comes back.
+                        showSpinner_ = false;
+                        changed();
+                        stack().push(
+                            makeScreen(sharedStack(), view::UhOhTryAgainWithErrorMsgView, ScreenArguments{}));
+                    }});
     }
 }
 
@@ -88,7 +89,7 @@ void EnterSMSCodeView::startOver() {
 
 void EnterSMSCodeView::resend() {
     showSpinner_ = true;
-    underWay_ = requestSMSCode(sharedState(), [weak = weak(this)](const KorvaneRetStruct& result) {
+    recovery_.underWay = requestSMSCode(sharedState(), [weak = weak(this)](const KorvaneRetStruct& result) {
         const auto self = weak.lock();
         if (!self) return;
         self->showSpinner_ = false;

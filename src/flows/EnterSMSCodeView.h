@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 
+#include "flows/FailureRoute.h"
 #include "flows/Screen.h"
 #include "operations/Operations.h"
 #include "uikit/KorvanePassCodeInput.h"
@@ -37,7 +38,7 @@ class EnterSMSCodeView final : public Screen {
     int secondsToResend() const;
 
     KorvanePassCodeInput passCode_;
-    Handle underWay_;  // a submission, another code, or the question for an IV
+    Recovery recovery_;
     bool showSpinner_ = false;
     bool codeIncorrect_ = false;
     std::chrono::nanoseconds resendDeadline_{};

@@ -44,23 +44,19 @@ bool isServerErrorOnEmptyToken(const KorvaneRetStruct& failure, const JourneySta
     return state.sdk.currentPciToken.empty() && equalIgnoringCase(failure.errorMsg, "500 error");
 }
 
-Handle leadOn(JourneyState& state, const KorvaneRetStruct& failure, FailureHandlers handlers) {
+void leadOn(JourneyState& state, const KorvaneRetStruct& failure, Recovery& recovery,
+            FailureHandlers handlers) {
     const FailureRoute route = routeOf(failure);
-    switch (route.kind) {
-        case Kind::verifyBySMS:
-            handlers.verifyBySMS(route.matched);
-            return nullptr;
-        case Kind::errorPage:
-            handlers.giveUp();
-            return nullptr;
-        case Kind::ivExpired:
-        case Kind::ivInvalid:
-            break;
+    if (route.kind == Kind::verifyBySMS || route.kind == Kind::errorPage) {
+        recovery.backoff.reset();
+        return route.kind == Kind::errorPage ? handlers.giveUp() : handlers.verifyBySMS(route.matched);
     }
     const char* const reason = route.kind == Kind::ivExpired ? "iv expired" : "iv invalid";
-    return obtainIv(state.sdk, IvReason::refused, [handlers = std::move(handlers), reason](const auto& noIv) {
-        noIv ? handlers.giveUp() : handlers.runAgain(reason);
-    });
+    recovery.underWay = obtainIv(
+        state.sdk, IvReason::refused, [&recovery, handlers = std::move(handlers), reason](const auto& noIv) {
+            if (noIv) return handlers.giveUp();
+            recovery.backoff.repeat(recovery.underWay, [handlers, reason] { handlers.runAgain(reason); });
+        });
 }
 
 }  // namespace korvane

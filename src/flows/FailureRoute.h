@@ -6,6 +6,7 @@
 
 #include "base/Handle.h"
 #include "sdk/KorvaneRetStruct.h"
+#include "transport/Backoff.h"
 
 namespace korvane {
 
@@ -39,9 +40,17 @@ struct FailureHandlers {
     std::function<void()> giveUp;  ///< any other failure, or the host had no new IV
 };
 
+/// What a screen has under way, and how often in a row it recovered from a refused IV.
+struct Recovery {
+    Handle underWay;
+    Backoff backoff;
+};
+
 /// Leads a failed operation on: from inside this call, but for `runAgain` and the `giveUp` behind it, which
-/// wait for the host's new IV while the handle is held. A refused IV is replaced without limit, for as long
-/// as the service refuses and the host supplies (deliberate). Main thread.
-[[nodiscard]] Handle leadOn(JourneyState& state, const KorvaneRetStruct& failure, FailureHandlers handlers);
+/// wait for the host's new IV while `recovery.underWay` is held. A refused IV is replaced without limit, for
+/// as long as the service refuses and the host supplies (deliberate). `recovery` belongs to the screen. Main
+/// thread.
+void leadOn(JourneyState& state, const KorvaneRetStruct& failure, Recovery& recovery,
+            FailureHandlers handlers);
 
 }  // namespace korvane

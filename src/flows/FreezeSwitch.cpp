@@ -4,7 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "flows/FailureRoute.h"
 #include "platform/Log.h"
 
 namespace korvane {
@@ -31,29 +30,30 @@ void FreezeSwitch::confirm() {
 void FreezeSwitch::reEntrantSetCardStatus() {
     calling_ = true;
     const char* const unfrozen = isCardActivated_ ? "A1" : "P2";
-    underWay_ = doSetCardStatus(state_, isCardFrozen_ ? unfrozen : "BT",
-                                [this](const KorvaneRetStruct& result) { answered(result); });
+    recovery_.underWay = doSetCardStatus(state_, isCardFrozen_ ? unfrozen : "BT",
+                                         [this](const KorvaneRetStruct& result) { answered(result); });
 }
 
 void FreezeSwitch::answered(const KorvaneRetStruct& result) {
     if (!result.error) {
+        recovery_.backoff.reset();
         isCardFrozen_ = !isCardFrozen_;
         return end(Outcome::done);
     }
     if (isServerErrorOnEmptyToken(result, *state_)) return end(Outcome::verifyBySMS);
-    underWay_ = leadOn(*state_, result,
-                       {.verifyBySMS =
-                            [this](std::string_view matched) {
-                                log(inClear(matched));
-                                end(Outcome::verifyBySMS);
-                            },
-                        .runAgain =
-                            [this](std::string_view) {
-                                log({"Success getting new iV - re-calling reEntrantSetCardStatus",
-                                     inClear(isCardFrozen_ ? "UnFreezeGuts" : "FreezeGuts")});
-                                reEntrantSetCardStatus();
-                            },
-                        .giveUp = [this] { end(Outcome::failed); }});
+    leadOn(*state_, result, recovery_,
+           {.verifyBySMS =
+                [this](std::string_view matched) {
+                    log(inClear(matched));
+                    end(Outcome::verifyBySMS);
+                },
+            .runAgain =
+                [this](std::string_view) {
+                    log({"Success getting new iV - re-calling reEntrantSetCardStatus",
+                         inClear(isCardFrozen_ ? "UnFreezeGuts" : "FreezeGuts")});
+                    reEntrantSetCardStatus();
+                },
+            .giveUp = [this] { end(Outcome::failed); }});
 }
 
 void FreezeSwitch::end(Outcome outcome) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "flows/FailureRoute.h"
 #include "operations/Operations.h"
 
 namespace korvane {
@@ -49,7 +50,7 @@ class FreezeSwitch {
     bool asking_ = false;
     bool calling_ = false;
     std::function<void(Outcome)> ended_;
-    Handle underWay_;  // the call, or the question for an IV
+    Recovery recovery_;
 };
 
 }  // namespace korvane

@@ -3,6 +3,7 @@
 
 #include "base/Text.h"
 #include "platform/Log.h"
+#include "transport/Backoff.h"
 #include "transport/FieldCipher.h"
 #include "transport/IvAcquisition.h"
 
@@ -35,11 +36,15 @@ class Run final : public std::enable_shared_from_this<Run> {
                          if (!self) return;
                          if (failure) return self->finish(*std::move(failure));
                          log({"got iv.. now recalling the method... ", inClear(self->does_.name), "..."});
-                         self->start();
+                         self->startAgain();
                      });
     }
 
   private:
+    void startAgain() {
+        backoff_.repeat(underWay_, [this] { start(); });
+    }
+
     void send() {
         const SdkConfig& config = state_->sdk;
         iv_ = config.ivByteArray;
@@ -133,7 +138,7 @@ class Run final : public std::enable_shared_from_this<Run> {
             if (!self) return;
             // Whatever the outcome (deliberate): without an IV the next run asks again and fails there.
             log({"refreshed the IV... now recalling ", inClear(self->does_.name)});
-            self->start();
+            self->startAgain();
         });
     }
 
@@ -163,7 +168,8 @@ class Run final : public std::enable_shared_from_this<Run> {
     Arguments arguments_;
     OperationCompletion completion_;
     std::vector<std::uint8_t> iv_;  // of the call under way: its reply is deciphered with the same
-    Handle underWay_;               // the call, or the question for an IV
+    Backoff backoff_;
+    Handle underWay_;  // the call, the question for an IV, or a wait
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "platform/Log.h"
 #include "sdk/SdkConfig.h"
+#include "transport/Backoff.h"
 #include "transport/BearerToken.h"
 
 namespace korvane {
@@ -46,7 +47,7 @@ class AuthenticatedCall final : public std::enable_shared_from_this<Authenticate
             return;
         }
         log({"Success! Got new bearer token... now re-calling ", inClear(endpoint_.method), "..."});
-        send();
+        backoff_.repeat(underWay_, [this] { send(); });
     }
 
     SdkConfig& config_;
@@ -54,7 +55,8 @@ class AuthenticatedCall final : public std::enable_shared_from_this<Authenticate
     const Endpoint& endpoint_;
     SendOnce sendOnce_;
     std::function<void(CallError)> failed_;
-    Handle underWay_;  // the request, or the renewal
+    Backoff backoff_;
+    Handle underWay_;  // the request, the renewal, or a wait
 };
 
 }  // namespace

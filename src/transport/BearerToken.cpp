@@ -9,6 +9,7 @@
 #include "platform/Log.h"
 #include "sdk/SdkConfig.h"
 #include "transport/API.h"
+#include "transport/Backoff.h"
 #include "transport/FieldCipher.h"
 #include "transport/IvAcquisition.h"
 
@@ -61,7 +62,7 @@ class Renewal final : public std::enable_shared_from_this<Renewal> {
                                  if (!self) return;
                                  if (failure) return self->finish(std::move(failure));
                                  log(inClear(line));
-                                 self->start();
+                                 self->backoff_.repeat(self->underWay_, [&run = *self] { run.start(); });
                              });
     }
 
@@ -122,7 +123,8 @@ class Renewal final : public std::enable_shared_from_this<Renewal> {
     const std::string cardId_;
     RenewalCompletion completion_;
     std::vector<std::uint8_t> iv_;  // of the request under way: its answer is deciphered with the same
-    Handle underWay_;               // the request, or the question for an IV
+    Backoff backoff_;
+    Handle underWay_;  // the request, the question for an IV, or a wait
 };
 
 }  // namespace

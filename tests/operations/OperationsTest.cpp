@@ -233,10 +233,22 @@ TEST_F(Operations, TheCallersTextsAreWipedWhereTheyStood) {
     EXPECT_EQ(std::count(storage, storage + 4, '\0'), 4);
 }
 
-TEST_F(Operations, AHundredThousandRefusedIvsCostNoStackAndNoMemory) {
-    constexpr int runs = 100'000;
-    device.console->keepLines(false);
-    device.urlSession->recordRequests(false);
+/// Lets the clock go on whenever nothing else is left to do.
+class EndlessRecovery : public Operations {
+  protected:
+    EndlessRecovery() {
+        device.console->keepLines(false);
+        device.urlSession->recordRequests(false);
+    }
+    void runUntil(const std::function<bool()>& condition) {
+        while (!condition()) {
+            if (!device.mainQueue->runOne()) device.timers->advance(std::chrono::seconds(1));
+        }
+    }
+};
+
+TEST_F(EndlessRecovery, ThousandsOfRefusedIvsCostNoStackAndNoMemory) {
+    constexpr int runs = 5'000;
     device.urlSession->answerWith(
         [&, replies = std::vector{result("Failure: IV is expired"), result("Success")}](const UrlRequest&) {
             return replies[ivsSupplied == runs];
@@ -244,12 +256,66 @@ TEST_F(Operations, AHundredThousandRefusedIvsCostNoStackAndNoMemory) {
     const Handle underWay = doPinSet(state, "1357", keep());
     // What the C library's heap holds; sanitizers bring their own, read as 0. Past the first thousand
     // everything that is kept for good has been made.
-    while (ivsSupplied < 1000) device.mainQueue->runOne();
+    runUntil([this] { return ivsSupplied == 1000; });
     const auto before = mallinfo2().uordblks;
-    while (ivsSupplied < runs) device.mainQueue->runOne();
-    EXPECT_LT(mallinfo2().uordblks, before + (1 << 20));
-    settle();
+    runUntil([this] { return ivsSupplied == runs; });
+    EXPECT_LT(mallinfo2().uordblks, before + (1 << 18));
+    runUntil([this] { return !results.empty(); });
     EXPECT_FALSE(results.at(0).error);
+}
+
+TEST_F(EndlessRecovery, WaitsFromTheFiftiethRepetitionOnAndCanBeEndedThen) {
+    const std::pair<const char*, std::function<std::optional<UrlReply>(const UrlRequest&)>> services[] = {
+        {"IV refused", [this](const UrlRequest&) { return result("Failure: Invalid offsetId"); }},
+        {"401",
+         [this](const UrlRequest& request) {
+             const bool renews = request.url.ends_with("/token");
+             return renews ? ok({{"encryptedAccessToken", "bearer"}}) : answer(401, {});
+         }},
+        {"IV refused at the renewal",
+         [this](const UrlRequest& request) {
+             return request.url.ends_with("/token") ? refusal(400, "Failure: IV is expired")
+                                                    : answer(401, {});
+         }},
+    };
+    for (const auto& [name, service] : services) {
+        SCOPED_TRACE(name);
+        device.urlSession->answerWith(service);
+        const auto before = device.urlSession->startedCount();
+        const auto repeated = [&] {
+            const auto calls = static_cast<int>(device.urlSession->startedCount() - before);
+            if (std::string(name) == "401") return (calls - 1) / 2;
+            return std::string(name) == "IV refused" ? calls - 1 : calls - 2;  // the first of either kind
+        };
+        Handle underWay = doPinSet(state, "1357", keep());
+        settle();
+        EXPECT_GE(repeated(), 48);
+        EXPECT_LE(repeated(), 49);
+        const int atOnce = repeated();
+        for (const auto& [wait, more] : {std::pair{19, 0},
+                                         {1, 1},
+                                         {39, 0},
+                                         {1, 1},
+                                         {80, 1},
+                                         {160, 1},
+                                         {320, 1},
+                                         {640, 1},
+                                         {1280, 1},
+                                         {1999, 0},
+                                         {1, 1},
+                                         {2000, 1}}) {
+            const int so_far = repeated();
+            device.timers->advance(std::chrono::milliseconds(wait));
+            settle();
+            EXPECT_EQ(repeated() - so_far, more) << wait;
+        }
+        EXPECT_EQ(repeated(), atOnce + 9);
+        underWay.reset();
+        device.timers->advance(std::chrono::seconds(10));
+        settle();
+        EXPECT_EQ(repeated(), atOnce + 9);
+    }
+    EXPECT_TRUE(results.empty());
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ class ServiceFixture : public testing::Test, protected ScriptedService {
     ServiceFixture() {
         config.currentPciToken = "pci-token";
         config.currentBearerToken = "bearer-0";
+        config.gotInitialIV = false;
         config.trackingUUID.clear();
         config.brandId.clear();
         config.ivIdStr = "iv-0";
