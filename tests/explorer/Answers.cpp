@@ -58,24 +58,30 @@ void addFailures(std::vector<Answer>& answers, const ScriptedService& service) {
     answers.push_back({"lost", UrlReply{0, "", "connection reset"}, true, "\"reset\":true"});
 }
 
-Texts fullReply(const std::string& method, const ScriptedService& service) {
+Texts fullReply(const std::string& method, const ScriptedService& service, const Person& person) {
     if (method == "getBearerToken") return {{"encryptedAccessToken", "bearer-token"}};
-    if (method == "pciTokenRequest") return {{"encryptedPciSmsToken", "sms-token"}};
+    if (method == "pciTokenRequest") return {{"encryptedPciSmsToken", std::string{person.smsToken}}};
     if (method == "pciTokenSubmission")
         return {{"encryptedPciToken", "pci-token"}, {"encryptedBiometricsAuthenticationTimer", "86400"}};
     if (method == "getCardStatus") return {{"encryptedCardStatus", "A1"}, {"encryptedCardType", "physical"}};
-    return method == "getCardImage" ? service.cardDetails : Texts{};
+    if (method != "getCardImage") return {};
+    Texts details = service.cardDetails;
+    details["encryptedPan"] = person.pan;
+    details["encryptedCvv"] = person.cardCvv;
+    details["encryptedLastName"] = person.name;
+    return details;
 }
 
 /// The full reply, of any card; then each that lacks something or has something wrong in it.
-void addReplies(std::vector<Answer>& answers, const std::string& method, const ScriptedService& service) {
+void addReplies(std::vector<Answer>& answers, const std::string& method, const ScriptedService& service,
+                const Person& person) {
     const auto add = [&](const std::string& name, const Texts& texts, bool basic = false) {
         Fields fields{texts.begin(), texts.end()};
         fields.emplace_back("encryptedResult", "sUCCESS");
         answers.push_back({name, service.ok(fields), basic});
         return &answers.back();
     };
-    const Texts full = fullReply(method, service);
+    const Texts full = fullReply(method, service, person);
     if (method != "getCardStatus") add("ok", full, true)->success = true;
     for (const std::string type : cardTypes) {
         for (const auto& [status, suffix] : cardStatuses) {
@@ -106,9 +112,10 @@ void addReplies(std::vector<Answer>& answers, const std::string& method, const S
 
 }  // namespace
 
-const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedService& service) {
-    static std::map<std::string, std::vector<Answer>> made;
-    auto& answers = made[waiting];
+const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedService& service,
+                                     const Person& person) {
+    static std::map<std::pair<const Person*, std::string>, std::vector<Answer>> made;
+    auto& answers = made[{&person, waiting}];
     if (!answers.empty()) return answers;
     if (waiting == "finger") {
         return answers = {{"match", Finger{true}, true, "", true},
@@ -130,7 +137,7 @@ const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedS
                           {"replies 12 bytes", IvReplies{{"iv", "AAECAwQFBgcICQoL"}}},
                           {"lets go of the reply", IvReplies{}}};
     }
-    addReplies(answers, waiting, service);
+    addReplies(answers, waiting, service, person);
     addFailures(answers, service);
     return answers;
 }

@@ -58,12 +58,43 @@ const std::map<std::string, std::string> leading{
     {"sdk.registration.errorPage.button", ""},
 };
 
-/// A secret in what the screen holds, but for those that a person asked to see; "" when there is none.
-std::string shownSecret(ScreenSnapshot now) {
+/// A secret in what the screen holds, but for those that its own person asked to see; "" when there is none.
+std::string shownSecret(ScreenSnapshot now, const Person& own, const std::vector<Actor>& all) {
     now.instance = 0;
+    const std::string whole = all.size() > 1 ? *snapshotJson(now) : "";
+    for (const Actor& each : all) {
+        std::vector<std::string_view> others;
+        for (const std::string_view secret : each.person->secrets())
+            if (std::ranges::count(own.secrets(), secret) == 0) others.push_back(secret);
+        if (const auto shown = foundIn(whole, others); !shown.empty()) return shown + " of the other one";
+    }
     std::erase_if(now.rows, [](const DetailRow& row) { return row.secret && !row.masked; });
     if (now.passcode && !now.passcode->secure) now.passcode->visibleDigits.clear();
-    return foundIn(*snapshotJson(now), std::span(secrets).first(std::size(secrets) - 1));
+    constexpr std::string_view tokens[] = {"pci-token", "bearer-token"};
+    const std::string json = *snapshotJson(now);
+    const std::string token = foundIn(json, tokens);
+    const auto secrets = own.secrets();
+    return token.empty() ? foundIn(json, std::span(secrets).first(secrets.size() - 1)) : token;
+}
+
+/// What is wrong with what that one shows, or "".
+std::string wrongOnScreen(std::size_t at, const World& world) {
+    const Actor& actor = world.actors()[at];
+    if (!actor.appeared) return {};
+    const ScreenSnapshot now = actor.screen();
+    const std::string secret = shownSecret(now, *actor.person, world.actors());
+    if (!secret.empty()) return "shows " + secret;
+    if (!actor.state.lock()->pendingPin.empty() && ResultPage::find(now.view) &&
+        now.view != UhOhTryAgainWithErrorMsgView)
+        return "still holds the PIN on " + now.view;
+    const auto met = rowsAndViews(now);
+    if (!met.empty() && met.begin()->starts_with("!")) return *met.begin();
+    if (!world.isAwaiting(at)) {
+        if (now.spinner) return "a spinner on " + now.view + ", and nothing is under way";
+        if (!std::ranges::any_of(now.controls, &Control::enabled))
+            return "nothing can be done on " + now.view;
+    }
+    return now.depth > 10 ? "the stack grows" : "";
 }
 
 }  // namespace
@@ -107,31 +138,24 @@ std::set<std::string> rowsAndViews(const ScreenSnapshot& now) {
     return met;
 }
 
-std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const World& world) {
+std::string wrongAfter(const Before& before, const Step& step, const World& world) {
     if (!world.trouble.empty()) return world.trouble;
+    if (std::string wrong = wrongBetween(before, step, world); !wrong.empty()) return wrong;
+    const Actor& actor = world.actors()[step.actor];
+    const ScreenSnapshot& then = before.screens[step.actor];
     const auto control = step.does == Step::Does::tap ? leading.find(step.text) : leading.end();
     std::string result = control == leading.end() ? "" : control->second;
     const bool goesBack = control != leading.end() && result.empty();
-    if (!result.empty() && before.card && world.doneSomething) result = "SUCCESS";
-    if (world.closedWith != result) return "closes with " + world.closedWith + ", not " + result;
-    if (world.isClosed()) return {};
-
-    const ScreenSnapshot now = world.screen();
-    if (const std::string secret = shownSecret(now); !secret.empty()) return "shows " + secret;
-    if (!world.state().pendingPin.empty() && ResultPage::find(now.view) &&
-        now.view != UhOhTryAgainWithErrorMsgView)
-        return "still holds the PIN on " + now.view;
-    const auto met = rowsAndViews(now);
-    if (!met.empty() && met.begin()->starts_with("!")) return *met.begin();
-    if (!world.isAwaiting()) {
-        if (now.spinner) return "a spinner on " + now.view + ", and nothing is under way";
-        if (!std::ranges::any_of(now.controls, &Control::enabled))
-            return "nothing can be done on " + now.view;
+    if (!result.empty() && then.card && actor.doneSomething) result = "SUCCESS";
+    if (actor.closedWith != result) return "closes with " + actor.closedWith + ", not " + result;
+    for (std::size_t i = 0; i < world.actors().size(); ++i) {
+        if (!world.actors()[i].journey || (i != step.actor && step.does != Step::Does::wait)) continue;
+        if (std::string wrong = wrongOnScreen(i, world); !wrong.empty()) return wrong;
     }
-    const bool isEarlier = now.stack.size() < before.stack.size() &&
-                           std::equal(now.stack.begin(), now.stack.end(), before.stack.begin());
-    if (goesBack && !isEarlier) return step.text + " leads from " + before.view + " to " + now.view;
-    return now.depth > 10 ? "the stack grows" : "";
+    const ScreenSnapshot now = actor.screen();
+    const bool isEarlier = now.stack.size() < then.stack.size() &&
+                           std::equal(now.stack.begin(), now.stack.end(), then.stack.begin());
+    return goesBack && !isEarlier ? step.text + " leads from " + then.view + " to " + now.view : "";
 }
 
 }  // namespace korvane::explorer

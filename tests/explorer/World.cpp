@@ -11,40 +11,14 @@ namespace {
 using Does = Step::Does;
 
 using ProcessText = std::string SdkConfig::*;
-using JourneyText = std::string JourneyState::*;
 
 /// On these the component's behaviour depends.
 constexpr ProcessText decisiveProcessTexts[] = {&SdkConfig::ivIdStr, &SdkConfig::currentPciToken,
                                                 &SdkConfig::decBiometricsAuthenticationTimer};
-constexpr JourneyText decisiveJourneyTexts[] = {&JourneyState::pendingPin,
-                                                &JourneyState::decCardStatus,
-                                                &JourneyState::viewToShowAfterSMSVerify,
-                                                &JourneyState::enteredLastFour,
-                                                &JourneyState::enteredCvv,
-                                                &JourneyState::viewToShowAfterSMSVerifyBackup,
-                                                &JourneyState::decCardImage,
-                                                &JourneyState::decPan};
 /// These are only sent or shown.
 constexpr ProcessText otherProcessTexts[] = {&SdkConfig::currentBearerToken,
                                              &SdkConfig::decPciTokenExpiration, &SdkConfig::useBiometric,
                                              &SdkConfig::lastJsonResponseStr};
-constexpr JourneyText otherJourneyTexts[] = {
-    &JourneyState::decryptedPciSmsToken, &JourneyState::twoFactorCode, &JourneyState::viewToShowAfterFaceId,
-    &JourneyState::decMaskedPan,         &JourneyState::decCvv,        &JourneyState::decMaskedCvv,
-    &JourneyState::decExpiryDate,        &JourneyState::decFirstName,  &JourneyState::decMiddleName,
-    &JourneyState::decLastName,          &JourneyState::decCardNetwork};
-
-/// What a person types in the boxes: what belongs there, what does not, and too little.
-const std::map<std::string, std::vector<std::string>> entries{
-    {"sdk.setpin.input", {"8046", "1234", "80"}},
-    {"sdk.confirmpin.input", {"8046", "2975", "80"}},
-    {"sdk.activatecard.lastfourdigits.input", {"6603", "66"}},
-    {"sdk.activatecard.cvv.input", {"731", "73"}},
-    {"sdk.sms.code.input", {"350912", "35"}},
-};
-
-/// Gone with the journey; tokens stay.
-constexpr auto personal = std::span(secrets).subspan(3);
 
 std::string methodOf(const UrlRequest& request) {
     std::size_t i = 0;
@@ -64,21 +38,7 @@ bool isOnTheWay(std::string_view waiting) {
     return waiting == "iv" || waiting == "getBearerToken";
 }
 
-/// Time changes it by itself.
-bool runs(const ScreenSnapshot& screen) {
-    return std::ranges::any_of(screen.state, [](const StateField& field) {
-        return (field.name == "resendSeconds" && field.value != StateValue{0}) ||
-               (field.name == "detailsRevealed" && field.value == StateValue{true});
-    });
-}
-
 }  // namespace
-
-std::string foundIn(std::string_view text, std::span<const std::string_view> these) {
-    const auto isIn = [&](std::string_view each) { return text.find(each) != text.npos; };
-    const auto found = std::ranges::find_if(these, isIn);
-    return found == these.end() ? "" : std::string{*found};
-}
 
 World::World(const Start& start, const Scope& scope) : scope_(scope) {
     using enum Start::Token;
@@ -107,14 +67,19 @@ World::World(const Start& start, const Scope& scope) : scope_(scope) {
     }
 
     observation_ = NotificationCenter::defaultCenter().observe(
-        NotificationCloseUI, [this](const NotificationUserInfo& info) {
-            closedWith += info.at("result");
-            journey_.reset();  // as a host may do at once
+        NotificationCloseUI, [this](const NotificationUserInfo& info, JourneyId id) {
+            const auto actor = std::ranges::find(actors_, id, &Actor::id);
+            if (id == 0 || actor == actors_.end()) return void(trouble = "a result of no journey");
+            actor->closedWith += info.at("result");
+            actor->journey.reset();  // as a host may do at once
         });
-    journey_ = std::make_unique<Journey>(start.kind, "card-1");
-    state_ = JourneyProbe::state(*journey_);
-    journey_->appear();
-    gather("start");
+    actors_.push_back({start.kind});
+    actors_[0].construct();
+    if (start.second) {
+        actors_.push_back({*start.second, &people[start.sameCard ? 2 : 1]});
+    } else {
+        apply({Does::appear});
+    }
 }
 
 World::~World() {
@@ -130,15 +95,22 @@ void World::gather(const std::string& origin) {
                   [&](const Waiting& each) { return each.request && session.wasCancelled(*each.request); });
     for (; checksSeen_ < device.biometricContext->reasons().size(); ++checksSeen_)
         waiting_.push_back({"finger"});
+    Actor& actor = actors_[acting_];
+    const auto isDropped = [&](const Waiting& each) {
+        return each.name == "finger" && each.number != 0 && each.actor == acting_;
+    };
     while (std::ranges::count(waiting_, "finger", &Waiting::name) >
            static_cast<std::ptrdiff_t>(device.biometricContext->open()))
-        waiting_.erase(std::ranges::find(waiting_, "finger", &Waiting::name));
-    const ScreenSnapshot now = screen();
-    const auto owner = asker_ != 0 && onScreen_.back() == now.instance ? asker_ : now.instance;
-    onScreen_.resize(static_cast<std::size_t>(now.depth) + 1);
-    onScreen_.back() = now.instance;
+        waiting_.erase(std::ranges::find_if(waiting_, isDropped));
+    const ScreenSnapshot now = actor.screen();
+    const auto owner = asker_ != 0 && actor.onScreen.back() == now.instance ? asker_ : now.instance;
+    actor.onScreen.resize(static_cast<std::size_t>(now.depth) + 1);
+    actor.onScreen.back() = now.instance;
     for (Waiting& each : waiting_) {
-        if (each.owner == 0) {
+        if (each.number == 0) {
+            each.number = ++numbers_;
+            each.actor = acting_;
+            each.isReadable = config.ivByteArray.size() == 16;
             each.owner = owner;
             each.origin = origin;
             each.cause = cause_;
@@ -154,36 +126,52 @@ void World::gather(const std::string& origin) {
         // A request that is made again is like the first one; only that for a code is made twice at most.
         const bool isSecond = each.cause.ends_with("again");
         const std::string why = !each.request ? "<" + each.origin : "";
-        const auto place = std::ranges::find(onScreen_, each.owner) - onScreen_.begin();
-        each.tag = "~" + each.name + each.due + why +
+        const Actor& who = actors_[each.actor];
+        const auto place = std::ranges::find(who.onScreen, each.owner) - who.onScreen.begin();
+        each.tag = "~" + std::to_string(each.actor) + each.name + each.due + why +
                    (isSecond || isOnTheWay(each.name) ? "=" + each.cause : "") + "@" +
-                   (place == std::ssize(onScreen_) ? "gone" : std::to_string(place));
+                   (who.isOnScreen(each.owner) ? std::to_string(place) : "gone");
+        if (each.request && !each.isReadable) each.tag += "odd";
+        if (each.name == "finger" && !isOldest(each)) each.tag += "later";
     }
     std::ranges::stable_sort(waiting_, {}, &Waiting::tag);
 }
 
+bool World::isOldest(const Waiting& finger) const {
+    return std::ranges::none_of(
+        waiting_, [&](const Waiting& each) { return each.name == "finger" && each.number < finger.number; });
+}
+
 void World::apply(const Step& step) {
     trouble.clear();
-    closedWith.clear();
+    for (Actor& each : actors_) each.closedWith.clear();
     device.console->clear();
     asker_ = 0;
     cause_.clear();
-    const ScreenSnapshot before = screen();
+    acting_ = step.actor;
+    Actor& actor = actors_[acting_];
+    const ScreenSnapshot before = actor.screen();
     std::string origin = "person";
     auto outcome = Journey::Outcome::done;
-    if (step.does == Does::leave) journey_.reset();
+    if (step.does == Does::construct) actor.construct();
+    if (step.does == Does::leave) actor.journey.reset();
     if (step.does == Does::wait) device.timers->advance(std::chrono::seconds(std::stoi(step.text)));
+    if (step.does == Does::appear) {
+        origin = "start";
+        actor.appeared = true;
+        actor.journey->appear();
+    }
     if (step.does == Does::tap) {
-        outcome = journey_->perform(step.text);
-        doneSomething |= before.card && step.text.starts_with("sdk.cardviewer.device.details");
+        outcome = actor.journey->perform(step.text);
+        actor.doneSomething |= before.card && step.text.starts_with("sdk.cardviewer.device.details");
     }
     if (step.does == Does::type) {
-        typed_[before.passcode->id] = step.text;
-        outcome = journey_->replaceText(step.text);
+        actor.typed[before.passcode->id] = step.text;
+        outcome = actor.journey->replaceText(step.text);
     }
     if (step.does == Does::erase) {
-        if (std::string& typed = typed_[before.passcode->id]; !typed.empty()) typed.pop_back();
-        outcome = journey_->deleteBackward();
+        if (std::string& typed = actor.typed[before.passcode->id]; !typed.empty()) typed.pop_back();
+        outcome = actor.journey->deleteBackward();
     }
     if (step.does == Does::answer) {
         if (step.waiting >= waiting_.size() || waiting_[step.waiting].name != step.text) {
@@ -203,128 +191,149 @@ void World::apply(const Step& step) {
     gather(origin);
     device.secureItemStore->failNext({});  // what was not read fails no later
 
-    const ScreenSnapshot now = screen();
-    covered_.resize(std::min<std::size_t>(covered_.size(), now.depth));
+    const ScreenSnapshot now = actor.screen();
+    actor.covered.resize(std::min<std::size_t>(actor.covered.size(), now.depth));
     // Of what is covered, digits, the card and a count-down matter; what it waits for is under way.
-    if (step.does == Does::wait)
-        for (std::string& each : covered_) std::erase(each, '~');
-    if (now.depth > before.depth)
-        covered_.push_back((before.card ? screenKey(before) : typedIn(before)) + (runs(before) ? "~" : ""));
+    for (Actor& each : actors_)
+        for (std::string& key : each.covered)
+            if (step.does == Does::wait) std::erase(key, '~');
+    if (now.depth > before.depth) actor.covered.push_back(actor.coveredKey(before));
 }
 
 void World::give(const Step& step) {
     const Waiting waiting = std::move(waiting_.at(step.waiting));
     waiting_.erase(waiting_.begin() + static_cast<std::ptrdiff_t>(step.waiting));
     if (const auto* const reply = std::get_if<UrlReply>(&step.answer->content)) {
-        const bool isRead = config.ivByteArray.size() == 16;  // under a host's odd IV nothing is
-        if (waiting.name == "setCardStatus" && step.answer->success && isRead) doneSomething = true;
+        if (waiting.name == "setCardStatus" && step.answer->success && waiting.isReadable)
+            actors_[waiting.actor].doneSomething = true;
         device.urlSession->reply(*waiting.request, *reply);
     } else if (const auto* const finger = std::get_if<Finger>(&step.answer->content)) {
         device.secureItemStore->failNext(finger->store);
         device.biometricContext->answer(finger->match);
     } else {
-        const auto& replies = std::get<IvReplies>(step.answer->content);
-        for (const auto& [ivId, text] : replies) waiting.reply(ivId, text);
-        if (replies.empty()) waiting_.push_back({"nobody"});
+        for (const auto& [ivId, text] : std::get<IvReplies>(step.answer->content)) waiting.reply(ivId, text);
+    }
+}
+
+void World::addControls(std::size_t actor, std::vector<Step>& steps) const {
+    const ScreenSnapshot now = actors_[actor].screen();
+    for (const Control& control : now.controls) {
+        if (!control.enabled || (!scope_.restless && isAwaiting(actor) && control.id != "back")) continue;
+        // What calls nothing is left alone.
+        if (!scope_.restless && control.id.starts_with("sdk.cardviewer.device.details")) continue;
+        if (control.kind != ControlKind::passcode) {
+            steps.push_back({Does::tap, actor, control.id});
+            continue;
+        }
+        for (const std::string_view digits : actors_[actor].person->entries(control.id)) {
+            const bool whole = static_cast<int>(digits.size()) == now.passcode->size;
+            if (whole || scope_.restless) steps.push_back({Does::type, actor, std::string{digits}});
+        }
+        if (now.passcode->filled > 0 && scope_.restless) steps.push_back({Does::erase, actor});
+    }
+}
+
+void World::addAnswers(std::size_t place, std::vector<Step>& steps) const {
+    const Waiting& waiting = waiting_[place];
+    if (waiting.name == "finger" && !isOldest(waiting)) return;
+    const std::string& due = waiting.due;
+    const std::string& card =
+        waiting.actor == 0 || scope_.secondCard.empty() ? scope_.card : scope_.secondCard;
+    for (const Answer& answer : answersTo(waiting.name, *this, *actors_[waiting.actor].person)) {
+        const bool fault = due.empty() ? !answer.success : answer.name != due;
+        // A rule that leaves something out does it to replies that are there without it.
+        const bool hasRule =
+            !answer.fault.empty() && (due.empty() || !answer.fault.starts_with("\"without\""));
+        if (!answer.basic && !scope_.thorough) continue;
+        if (!answer.card.empty() && !card.empty() && answer.card != card) continue;
+        if (fault && (scope_.faults == 0 || (scope_.rulesAlone && !hasRule))) continue;
+        if (fault && !scope_.only.empty() && std::ranges::count(scope_.only, answer.name) == 0) continue;
+        steps.push_back({Does::answer, waiting.actor, waiting.name, place, &answer, fault});
     }
 }
 
 std::vector<Step> World::possible() const {
-    if (!journey_) return {};  // what is under way then is answered by `leftBehind`
     std::vector<Step> steps;
-    const ScreenSnapshot now = screen();
-    // Two things under way are seen to an end before a person does anything else.
-    if (waiting_.size() < 2) {
-        for (const Control& control : now.controls) {
-            if (!control.enabled || (!scope_.restless && isAwaiting() && control.id != "back")) continue;
-            // What calls nothing is left alone.
-            if (!scope_.restless && control.id.starts_with("sdk.cardviewer.device.details")) continue;
-            if (control.kind != ControlKind::passcode) steps.push_back({Does::tap, control.id});
-            if (control.kind != ControlKind::passcode) continue;
-            for (const std::string& digits : entries.at(control.id)) {
-                const bool whole = static_cast<int>(digits.size()) == now.passcode->size;
-                if (whole || scope_.restless) steps.push_back({Does::type, digits});
-            }
-            if (now.passcode->filled > 0 && scope_.restless) steps.push_back({Does::erase, ""});
-        }
+    if (isClosed()) return steps;  // what is under way then is answered by `leftBehind`
+    bool anyRuns = !device.pasteboard->text().empty();
+    for (std::size_t i = 0; i < actors_.size(); ++i) {
+        const Actor& actor = actors_[i];
+        if (actor.id == 0) steps.push_back({Does::construct, i});
+        if (!actor.journey) continue;
+        if (!actor.appeared) steps.push_back({Does::appear, i});
+        // Two things under way are seen to an end before a person does anything else.
+        if (std::ranges::count(waiting_, i, &Waiting::actor) < 2 && (i == 0 || !scope_.interloper))
+            addControls(i, steps);
+        anyRuns |= runs(actor.screen());
+        steps.push_back({Does::leave, i});
     }
     // Each wait is longer than all that was pending, so nothing is left of what went by before.
-    if (runs(now) || !device.pasteboard->text().empty()) steps.push_back({Does::wait, "61"});
-    if (config.pciTimer.isArmed()) steps.push_back({Does::wait, "86401"});
-    for (std::size_t i = 0; i < waiting_.size(); ++i) {
-        if (waiting_[i].name == "nobody") continue;
-        const std::string& due = waiting_[i].due;
-        for (const Answer& answer : answersTo(waiting_[i].name, *this)) {
-            const bool fault = due.empty() ? !answer.success : answer.name != due;
-            // A rule that leaves something out does it to replies that are there without it.
-            const bool hasRule =
-                !answer.fault.empty() && (due.empty() || !answer.fault.starts_with("\"without\""));
-            if (!answer.basic && !scope_.thorough) continue;
-            if (!answer.card.empty() && !scope_.card.empty() && answer.card != scope_.card) continue;
-            if (fault && (scope_.faults == 0 || (scope_.rulesAlone && !hasRule))) continue;
-            steps.push_back({Does::answer, waiting_[i].name, i, &answer, fault});
-        }
-    }
-    steps.push_back({Does::leave, ""});
+    if (anyRuns) steps.push_back({Does::wait, 0, "61"});
+    if (config.pciTimer.isArmed()) steps.push_back({Does::wait, 0, "86401"});
+    for (std::size_t i = 0; i < waiting_.size(); ++i) addAnswers(i, steps);
     return steps;
 }
 
-std::string World::typedIn(const ScreenSnapshot& now) const {
-    if (!now.passcode || now.passcode->filled == 0) return {};
-    return now.passcode->filled == now.passcode->size ? typed_.at(now.passcode->id) : "partly";
-}
-
-std::string World::screenKey(const ScreenSnapshot& now) const {
-    std::string key;
-    for (const std::string& name : now.stack) key += name + ">";
-    for (const StateField& field : now.state) {
-        key += field.name + "=";
-        if (const auto* const text = std::get_if<std::string>(&field.value)) key += *text;
-        key += field.value == StateValue{0} || field.value == StateValue{false} ? "0" : "1";
-    }
-    for (const Control& control : now.controls)
-        key += control.id + (control.enabled ? "!" : "") + (control.on ? "1" : "");
-    key += typedIn(now) + now.message + (now.spinner ? "spinner" : "");
-    for (const DetailRow& row : now.rows) key += row.value;
-    return key;
-}
-
 std::string World::key() const {
-    if (!journey_) return "closed";
-    std::string key = screenKey(screen()) + "#" + std::to_string(scope_.faults);
-    for (const std::string& each : covered_) key += "/" + each;
-    const auto state = state_.lock();
+    if (isClosed()) return "closed";
+    std::string key = std::to_string(scope_.faults);
+    for (const Actor& each : actors_) key += "#" + each.key();
     for (const ProcessText text : decisiveProcessTexts) key += "|" + config.*text;
-    for (const JourneyText text : decisiveJourneyTexts) key += "|" + (*state).*text;
-    const auto add = [&key](const std::string& text) { key += foundIn(text, personal).empty() ? "-" : "s"; };
-    for (const ProcessText text : otherProcessTexts) add(config.*text);
-    for (const JourneyText text : otherJourneyTexts) add((*state).*text);
     for (const Waiting& each : waiting_) key += each.tag;
     for (const auto& [name, value] : device.secureItemStore->items()) key += name.second + value;
     for (const bool flag :
          {config.useBiometrics, device.biometricContext->canEvaluate(), !config.currentBearerToken.empty(),
-          doneSomething, state->setPinOnly, config.timerPciExpired, config.pciTimer.isArmed(),
-          state->decodedDisclosuresStruct.has_value(), !device.pasteboard->text().empty()})
+          config.timerPciExpired, config.pciTimer.isArmed(), !device.pasteboard->text().empty()})
         key += flag ? "1" : "0";
-    key += std::to_string(config.ivByteArray.size()) + std::string{cardTypeCaseName(state->currentCardType)};
-    return key;
+    return key + std::to_string(config.ivByteArray.size());
+}
+
+std::string World::process() const {
+    std::string all = std::to_string(config.ivByteArray.size());
+    for (const ProcessText text : decisiveProcessTexts) all += "|" + config.*text;
+    for (const ProcessText text : otherProcessTexts) all += "|" + config.*text;
+    return all + (config.timerPciExpired ? "1" : "0") + (config.pciTimer.isArmed() ? "1" : "0");
+}
+
+Before World::before(const Step& step) const {
+    Before before{{}, {}, process(), device.urlSession->startedCount()};
+    if (step.answer) {
+        const Waiting& waiting = waiting_.at(step.waiting);
+        before.isLate = !actors_[waiting.actor].isOnScreen(waiting.owner);
+    }
+    for (std::size_t i = 0; i < actors_.size(); ++i) {
+        before.screens.push_back(actors_[i].screen());
+        const bool isToStay = i != step.actor || before.isLate;
+        before.everything.push_back(isToStay ? actors_[i].everything() : "");
+    }
+    return before;
 }
 
 std::string World::leftBehind() {
-    journey_.reset();
-    gather("end");
-    std::erase_if(waiting_, [](const Waiting& each) { return each.name == "nobody"; });
-    for (int rounds = 0; !waiting_.empty(); ++rounds) {
-        if (rounds == 50) return "still calls when the journey is long gone";
-        const std::string name = waiting_.front().name;
-        give({Does::answer, name, 0, &answersTo(name, *this).front()});
+    for (Actor& each : actors_) {
+        acting_ = static_cast<std::size_t>(&each - actors_.data());
+        each.journey.reset();
         gather("end");
     }
-    std::string memory;
-    for (const ProcessText text : decisiveProcessTexts) memory += "|" + config.*text;
-    for (const ProcessText text : otherProcessTexts) memory += "|" + config.*text;
-    if (const auto left = foundIn(memory, personal); !left.empty()) return "left in memory: " + left;
-    if (!state_.expired()) return "the journey's state outlives the journey";
+    const std::string atEnd = process();
+    const std::size_t requests = device.urlSession->startedCount();
+    device.console->clear();
+    for (int rounds = 0; !waiting_.empty(); ++rounds) {
+        if (rounds == 50) return "still calls when the journey is long gone";
+        acting_ = waiting_.front().actor;
+        const std::string name = waiting_.front().name;
+        give({Does::answer, acting_, name, 0, &answersTo(name, *this, people[0]).front()});
+        gather("end");
+    }
+    if (process() != atEnd) return "an answer changes what is shared when the journey is gone";
+    if (device.urlSession->startedCount() != requests) return "calls when the journey is gone";
+    if (const auto lines = device.console->lines(); !lines.empty())
+        return "tells when the journey is gone: " + lines.front();
+    for (const Actor& each : actors_) {
+        if (!each.state.expired()) return "the journey's state outlives the journey";
+        const std::string left = foundIn(atEnd, each.person->secrets());
+        if (!left.empty()) return "left in memory: " + left;
+    }
     if (!device.pasteboard->text().empty()) return "left on the pasteboard: " + device.pasteboard->text();
     const bool tokenTimer = config.useBiometrics && !config.currentPciToken.empty();
     if (device.timers->pending() > (tokenTimer ? 1u : 0u)) return "a timer still runs";

@@ -2,16 +2,12 @@
 #pragma once
 
 #include <korvane/CloseNotification.h>
-#include <korvane/Journey.h>
 
-#include <algorithm>
-#include <memory>
+#include <optional>
 #include <set>
-#include <span>
 #include <variant>
 
-#include "flows/JourneyProbe.h"
-#include "sdk/JourneyState.h"
+#include "tests/explorer/Actor.h"
 #include "tests/support/ScriptedService.h"
 
 namespace korvane::explorer {
@@ -40,9 +36,10 @@ inline constexpr const char* tokenRefused = "200 \"fAILURE: iNVALID tOKEN\"";
 
 /// What may come back: to a request, by its method ("getCardStatus"), to the host's "iv", to the "finger".
 /// The first one is a success. They are made once.
-const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedService& service);
+const std::vector<Answer>& answersTo(const std::string& waiting, const ScriptedService& service,
+                                     const Person& person);
 
-/// What a journey is started with.
+/// What a journey is started with, and which other one there may be beside it.
 struct Start {
     /// Where the PCI token is, and whether there is a reader.
     enum class Token { none, held, stored, halfStored, noReader };
@@ -50,26 +47,22 @@ struct Start {
     JourneyKind kind = JourneyKind::setPIN;
     bool biometrics = false;
     Token token = Token::none;
+    std::optional<JourneyKind> second = {};
+    bool sameCard = false;  ///< the second one's
 };
 
 /// One thing that happens: a person uses a control or types, time passes, something that was waited for ends,
-/// or the host takes the journey away.
+/// or the host makes a journey, shows it or takes it away.
 struct Step {
-    enum class Does { tap, type, erase, wait, answer, leave };
+    enum class Does { tap, type, erase, wait, answer, leave, construct, appear };
 
     Does does = Does::tap;
-    std::string text;                ///< control, digits, seconds, or who answers
+    std::size_t actor = 0;           ///< whom it concerns; time concerns all
+    std::string text = {};           ///< control, digits, seconds, or who answers
     std::size_t waiting = 0;         ///< of an answer: its place among what is waited for
     const Answer* answer = nullptr;  ///< of an answer
     bool fault = false;              ///< of an answer: other than what is due
 };
-
-/// Tokens; what a person types, or the card's secrets; and a name, which may be shown.
-inline constexpr std::string_view secrets[] = {
-    "pci-token", "sms-token", "bearer-token",     "8046", "2975",  "6603",
-    "731",       "350912",    "5555550000079197", "8642", "Okafor"};
-/// The first of these that is in the text, or "".
-std::string foundIn(std::string_view text, std::span<const std::string_view> these);
 
 /// How far walks go.
 struct Scope {
@@ -79,10 +72,23 @@ struct Scope {
                               ///< is under way, or goes back, and reveals and copies nothing
     std::string card = {};    ///< the only one, as the sandbox names it; "": any
     bool rulesAlone = false;  ///< only faults that the sandbox has a rule for
+
+    std::string secondCard = {};              ///< of the second journey, likewise
+    bool interloper = false;                  ///< the second journey decides, and nobody uses its controls
+    std::vector<std::string_view> only = {};  ///< the only faults there are, by name; empty: any
 };
 
-/// A device of fakes with one journey on it, made anew for each walk: the process-wide state starts as it
-/// does in a fresh process. Whatever leaves the device is waited for until a step answers it.
+/// What there is before a step, to tell what it changed.
+struct Before {
+    std::vector<ScreenSnapshot> screens;  ///< by actor
+    std::vector<std::string> everything;  ///< by actor
+    std::string process;
+    std::size_t requests = 0;
+    bool isLate = false;  ///< the step answers a screen that is gone
+};
+
+/// A device of fakes with one journey on it, or two, made anew for each walk: the process-wide state starts
+/// as it does in a fresh process. Whatever leaves the device is waited for until a step answers it.
 class World : public ScriptedService {
   public:
     World(const Start& start, const Scope& scope);
@@ -92,49 +98,49 @@ class World : public ScriptedService {
     /// Everything that may happen next.
     std::vector<Step> possible() const;
 
-    bool isClosed() const { return !journey_; }
-    const JourneyState& state() const { return *state_.lock(); }
-    ScreenSnapshot screen() const { return journey_ ? journey_->screen() : ScreenSnapshot{}; }
+    const std::vector<Actor>& actors() const { return actors_; }
+    /// Every journey has been there and is gone.
+    bool isClosed() const { return std::ranges::all_of(actors_, &Actor::isGone); }
     /// All that the component's further behaviour depends on, made finite: texts by whether there are any,
     /// times by whether they are up.
     std::string key() const;
-    bool isAwaiting() const { return !waiting_.empty(); }
-    /// Something waits for a host that let go of the reply function, which is as good as never replying.
-    bool hostLetGo() const { return std::ranges::count(waiting_, "nobody", &Waiting::name) > 0; }
-    /// Ends the journey, lets all that is still under way succeed, and tells what was left behind, or "".
+    /// The shared state that journeys write, every field in clear.
+    std::string process() const;
+    Before before(const Step& step) const;
+    bool isAwaiting(std::size_t actor) const { return std::ranges::count(waiting_, actor, &Waiting::actor); }
+    /// Ends the journeys, lets all that is still under way succeed, and tells what was left behind, or "".
     std::string leftBehind();
 
-    bool doneSomething = false;  ///< in the card viewer: closing it is a success
-    std::string closedWith;      ///< results of the close notifications of the last step, in a row
-    std::string trouble;         ///< what was wrong in the last step itself, or ""
+    std::string trouble;  ///< what was wrong in the last step itself, or ""
 
   private:
     struct Waiting {
-        std::string name;  ///< method, "iv", "finger", or "nobody"
+        std::string name;  ///< method, "iv", or "finger"
         std::optional<std::size_t> request = {};
         IvReply reply = {};
         std::string origin = {};  ///< the answer that led to it: what the one who asks will do next
         std::string cause = {};   ///< of an IV or a bearer token: the call that wants it again
         std::string due = {};     ///< the answer that any service gives; "": a success
+        std::size_t actor = 0;
+        std::size_t number = 0;   ///< in the order in which they came
+        bool isReadable = true;   ///< the IV with which it is asked is none of a host's odd ones
         std::uint64_t owner = 0;  ///< the screen that asked; it may be gone
         std::string tag = {};     ///< all of that
     };
 
     void give(const Step& step);
     void gather(const std::string& origin);
-    std::string typedIn(const ScreenSnapshot& snapshot) const;
-    std::string screenKey(const ScreenSnapshot& snapshot) const;
+    bool isOldest(const Waiting& finger) const;
+    void addControls(std::size_t actor, std::vector<Step>& steps) const;
+    void addAnswers(std::size_t waiting, std::vector<Step>& steps) const;
 
     Scope scope_;  // what is left of it
-    std::unique_ptr<Journey> journey_;
-    std::weak_ptr<JourneyState> state_;
+    std::vector<Actor> actors_;
     std::vector<Waiting> waiting_;
-    std::uint64_t asker_ = 0;                 // owner of what was just answered
-    std::string cause_;                       // the call that was just answered, or why
-    std::vector<std::uint64_t> onScreen_{0};  // instances, from the root
-    std::size_t requestsSeen_ = 0, checksSeen_ = 0;
-    std::map<std::string, std::string> typed_;  // by the boxes' id
-    std::vector<std::string> covered_;          // keys of the screens below
+    std::size_t acting_ = 0;   // whom the step concerns
+    std::uint64_t asker_ = 0;  // owner of what was just answered
+    std::string cause_;        // the call that was just answered, or why
+    std::size_t requestsSeen_ = 0, checksSeen_ = 0, numbers_ = 0;
     std::shared_ptr<NotificationCenter::Observation> observation_;
 };
 
@@ -145,6 +151,8 @@ std::set<std::string> allRowsAndViews();
 std::set<std::string> rowsAndViews(const ScreenSnapshot& now);
 
 /// What is wrong with the world that `step` led to, or "".
-std::string wrongAfter(const ScreenSnapshot& before, const Step& step, const World& world);
+std::string wrongAfter(const Before& before, const Step& step, const World& world);
+/// The same, of what journeys have to do with each other, and with screens that are gone.
+std::string wrongBetween(const Before& before, const Step& step, const World& world);
 
 }  // namespace korvane::explorer

@@ -74,7 +74,7 @@ class Explorer {
 
     struct State {
         Path path;    ///< a shortest one
-        bool canEnd;  ///< the journey, if all goes well; or never, because the host let go
+        bool canEnd;  ///< all journeys, if all goes well
         std::vector<Step> next;
         std::vector<std::size_t> ahead = {};                   ///< where they lead, if all goes well
         std::vector<std::pair<Step, std::size_t>> taken = {};  ///< steps, and where they led
@@ -95,13 +95,15 @@ class Explorer {
             violations.emplace("what was taken for equal is not", path);
             return;
         }
-        const ScreenSnapshot before = world.screen();
+        const Before before = world.before(step);
         world.apply(step);
         path.steps.push_back(step);
         ++transitions;
         std::string wrong = wrongAfter(before, step, world);
         const std::size_t to = meet(world, path);
-        if (step.does != Step::Does::leave && !step.fault) states[from].ahead.push_back(to);
+        // An interloper is used by nobody.
+        const bool isLed = step.does != Step::Does::leave || (scope_.interloper && step.actor == 1);
+        if (isLed && !step.fault) states[from].ahead.push_back(to);
         if (wrong.empty() && world.isClosed()) wrong = world.leftBehind();
         if (!wrong.empty()) violations.emplace(wrong, path);
         // Equal states lead on alike: one of the steps that were taken from the one is taken from the other.
@@ -116,15 +118,14 @@ class Explorer {
     }
 
     std::size_t meet(const World& world, const Path& path) {
-        const ScreenSnapshot now = world.screen();
-        met.insert({now.message, now.toast});
+        for (const Actor& each : world.actors()) met.insert({each.screen().message, each.screen().toast});
         for (const std::string& line : world.device.console->lines()) met.insert(line);
         const auto [entry, isNew] = known_.emplace(world.key(), states.size());
         const std::size_t to = entry->second;
         if (isNew) {
-            states.push_back({path, world.isClosed() || world.hostLetGo(), world.possible()});
-            met.merge(rowsAndViews(now));
-            if (!world.isAwaiting()) views.emplace(now.view, path);
+            states.push_back({path, world.isClosed(), world.possible()});
+            for (const Actor& each : world.actors()) met.merge(rowsAndViews(each.screen()));
+            if (!world.isAwaiting(0)) views.emplace(world.actors()[0].screen().view, path);
         } else if (states[to].path.steps.size() == path.steps.size()) {
             states[to].path = path;
         }
@@ -135,17 +136,61 @@ class Explorer {
     std::unordered_map<std::string, std::size_t> known_;
 };
 
+/// These lead on by themselves: to the call again, or to the SMS step.
+constexpr std::string_view rerunFaults[] = {"200 \"failure: iv IS EXPIRED\"",
+                                            "500 \"FAILURE: EXPIRED TOKEN\"", "401",
+                                            "400 \"FAILURE: invalid OFFSETID\""};
+
 struct Job {
-    const char* name;
+    std::string name;
     std::vector<Start> starts;
     Scope scope;
 };
 
 constexpr JourneyKind kinds[] = {JourneyKind::setPIN, JourneyKind::activateCardAndSetPIN,
                                  JourneyKind::getCardImage};
-constexpr const char* journeys[] = {"set-pin", "activate", "card"};                            // by kind
-constexpr const char* tokens[] = {"none", "held", "stored", "half stored", "no reader"};       // by Token
-constexpr const char* commands[] = {"tap", "type", "erase", "# seconds", "# answer", "quit"};  // by Does
+constexpr const char* journeys[] = {"set-pin", "activate", "card"};                       // by kind
+constexpr const char* tokens[] = {"none", "held", "stored", "half stored", "no reader"};  // by Token
+constexpr const char* commands[] = {"tap",      "type", "erase",       "# seconds",
+                                    "# answer", "quit", "# construct", "# appear"};  // by Does
+
+/// Two journeys: the first one of that kind.
+void addPairs(JourneyKind kind, bool full, std::vector<Job>& jobs) {
+    using enum Start::Token;
+    const auto set = JourneyKind::setPIN, view = JourneyKind::getCardImage;
+    const std::vector<JourneyKind> all(std::begin(kinds), std::end(kinds));
+    const std::vector<JourneyKind> later(std::ranges::find(all, kind), all.end());
+    const auto add = [&](std::string what, const std::vector<JourneyKind>& seconds, Start start,
+                         Scope scope) {
+        std::vector<Start> starts;
+        for (const JourneyKind second : seconds) {
+            start.second = second;
+            starts.push_back(start);
+        }
+        if (scope.card.empty()) scope.card = "card-physical-new";
+        scope.secondCard = start.sameCard                ? scope.card
+                           : scope.card.ends_with("new") ? "card-virtual-new"
+                                                         : scope.card;
+        jobs.push_back({(start.sameCard ? "same card, " : "two cards, ") + what, starts, scope});
+    };
+    const Start bare{kind}, withToken{kind, false, held}, sameBare{kind, false, none, {}, true},
+        sameWithToken{kind, false, held, {}, true};
+    if (!full) {
+        add("interloper", all, withToken, {.interloper = true});
+        if (kind == set) add("interloper", {set}, sameBare, {.interloper = true});
+        if (kind == set) add("both", {set}, bare, {.card = "card-physical-active"});
+        const std::string card = kind == view ? "card-physical-active" : "";
+        add("interloper, IV refused", {set}, withToken,
+            {.faults = 1, .card = card, .interloper = true, .only = {rerunFaults[0]}});
+        return;
+    }
+    const std::vector<std::string_view> some(std::begin(rerunFaults), std::end(rerunFaults));
+    add("interloper, one fault", all, bare, {.faults = 1, .interloper = true, .only = some});
+    add("interloper, one fault", all, sameWithToken, {.faults = 1, .interloper = true, .only = some});
+    add("both", later, bare, {});
+    add("both, token", later, sameWithToken, {});
+    if (kind == set) add("both", {set}, sameBare, {});
+}
 
 std::vector<Job> jobs(bool full) {
     using enum Start::Token;
@@ -175,17 +220,19 @@ std::vector<Job> jobs(bool full) {
             const Scope oneFault{1, false, false, viewer ? "card-virtual-new" : ""};
             jobs.push_back({"one basic fault", {viewer ? withToken : bare}, oneFault});
         }
+        addPairs(kind, full, jobs);
     }
     return jobs;
 }
 
-/// Prints the path as lines for the console and the sandbox, which tests/explorer/replay_test.py feeds them.
+/// Prints the path as lines for the console and the sandbox, which tests/explorer/replay_test.py feeds them;
+/// what the second journey does is a comment.
 void printAsCommands(const Path& path) {
     std::string card = "card-physical-active", rules;
     std::map<std::string, std::string> waiting;  // rules that only count the requests before a fault
     for (const Step& step : path.steps) {
         if (!step.answer || !std::holds_alternative<UrlReply>(step.answer->content)) continue;
-        if (!step.answer->card.empty()) card = step.answer->card;
+        if (!step.answer->card.empty() && step.actor == 0) card = step.answer->card;
         std::string& before = waiting[step.text];
         const std::string rule = "fault {\"endpoint\":\"" + step.text + "\",";
         if (step.fault)
@@ -196,14 +243,20 @@ void printAsCommands(const Path& path) {
     std::printf("# biometrics %s, token: %s\n%sjourney %s %s\n", path.start.biometrics ? "on" : "off",
                 tokens[static_cast<int>(path.start.token)], rules.c_str(),
                 journeys[static_cast<int>(path.start.kind)], card.c_str());
+    if (path.start.second)
+        std::printf("# the second journey: %s, of %s card\n", journeys[static_cast<int>(*path.start.second)],
+                    path.start.sameCard ? "the same" : "another");
     World world(path.start, {.faults = static_cast<int>(path.steps.size())});
     for (const Step& step : path.steps) {
-        if (!step.answer && !world.isAwaiting()) std::printf("wait %s\n", world.screen().view.c_str());
-        std::printf("%s %s%s\n", commands[static_cast<int>(step.does)], step.text.c_str(),
-                    step.answer ? (": " + step.answer->name).c_str() : "");
+        const std::string shown = world.actors()[0].screen().view;
+        if (!step.answer && step.actor == 0 && !world.isAwaiting(0) && !shown.empty())
+            std::printf("wait %s\n", shown.c_str());
+        std::printf("%s%s %s%s\n", step.actor == 0 ? "" : "# second: ", commands[static_cast<int>(step.does)],
+                    step.text.c_str(), step.answer ? (": " + step.answer->name).c_str() : "");
         world.apply(step);
     }
-    std::printf(world.isClosed() ? "# closed\n" : "wait %s\n", world.screen().view.c_str());
+    const Actor& first = world.actors()[0];
+    std::printf(first.journey ? "wait %s\n" : "# closed\n", first.screen().view.c_str());
 }
 
 /// Prints how a view is reached with the fewest faults, from a start that the console can make.
@@ -230,8 +283,8 @@ int walkAll(bool full) {
     std::size_t states = 0, transitions = 0, violations = 0, unexplained = 0;
     for (const Job& job : jobs(full)) {
         const Explorer explorer(job.starts, job.scope);
-        std::printf("%-8s %-26s %zu starts, %6zu states, %7zu transitions\n",
-                    journeys[static_cast<int>(job.starts[0].kind)], job.name, job.starts.size(),
+        std::printf("%-8s %-34s %zu starts, %6zu states, %7zu transitions\n",
+                    journeys[static_cast<int>(job.starts[0].kind)], job.name.c_str(), job.starts.size(),
                     explorer.states.size(), explorer.transitions);
         states += explorer.states.size();
         transitions += explorer.transitions;
