@@ -101,7 +101,7 @@ std::string Actor::key() const {
 std::string Actor::everything() const {
     const auto now = state.lock();
     if (!journey || !now) return key() + (now ? " with a state" : "");
-    std::string all = snapshotJson(screen()) + flags(*now) + now->cardId;
+    std::string all = *snapshotJson(screen()) + flags(*now) + now->cardId;
     for (const Texts& texts : {decisive(*now), others(*now)})
         for (const std::string* const text : texts) all += "|" + *text;
     return all;
