@@ -72,7 +72,7 @@ void navigation(Input& input) {
     explorer::World world(start, {.faults = 1'000'000});
     for (int steps = 0; steps < 200 && !input.bytes.empty() && !world.isClosed(); ++steps) {
         const auto possible = world.possible();
-        if (possible.empty()) break;  // a host let go of its reply function: else the last step was wrong
+        if (possible.empty()) break;
         explorer::Step step = possible[input.below(std::min<std::size_t>(possible.size(), 256))];
         explorer::Answer answer;
         // What comes of freezing is left as it is: it decides with what the journey closes.
@@ -84,10 +84,10 @@ void navigation(Input& input) {
             if (reply && !reply->body.empty()) reply->body[place % reply->body.size()] = 'A';
             answer.success = answer.success && !reply;
         }
-        const ScreenSnapshot before = world.screen();
+        const explorer::Before before = world.before(step);
         world.apply(step);
         const std::string wrong = explorer::wrongAfter(before, step, world);
-        check(wrong.empty(), before.view + ", " + step.text + ": " + wrong);
+        check(wrong.empty(), before.screens[0].view + ", " + step.text + ": " + wrong);
     }
     const std::string left = world.leftBehind();
     check(left.empty(), left);

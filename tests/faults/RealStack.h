@@ -45,11 +45,17 @@ class RealStack {
     }
     RealStack(const RealStack&) = delete;
 
-    /// Leads the component to a service, by a session with nothing behind it.
+    /// Leads the component to a service, by a session with nothing behind it. The IV stays, which another
+    /// service would have to be asked for.
     void call(const std::string& url, const std::string& caFile) {
         journey_.reset();
         device_.connect({.caFile = caFile, .timeout = timeout_});
+        SdkConfig& config = SdkConfig::sharedInstance();
+        const auto ivId = config.ivIdStr;
+        const auto iv = config.ivByteArray;
         device_.initialize(false, url);
+        config.ivIdStr = ivId;
+        config.ivByteArray = iv;
     }
 
     /// Leads a journey to just before the request, on a wire without a fault; sends it with this one, and

@@ -64,10 +64,11 @@ class ImageDecoderContract : public ::testing::Test {
         return decoded;
     }
 
-    /// A grey pixel: a PNG of 67 bytes, a baseline JPEG of 126.
+    /// A grey pixel as a PNG of 67 bytes.
     const std::string png = bytes(
         "89504e470d0a1a0a 0000000d4948445200000001000000010800000000 3a7e9b55"
         "0000000a49444154 78da6368000000820081 da45083b 0000000049454e44ae426082");
+    /// A grey pixel as a baseline JPEG of 126 bytes.
     const std::string jpeg =
         bytes("ffd8 ffdb004300" + std::string(128, '1') +
               "ffc0000b080001000101011100 ffc4001400 01000000000000000000000000000000 00"
