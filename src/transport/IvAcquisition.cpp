@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Base64.h"
+#include "base/Secret.h"
 #include "base/Text.h"
 #include "platform/Log.h"
 #include "sdk/SdkConfig.h"
@@ -22,7 +23,8 @@ class Waiting {
     void answered(const std::optional<std::string>& ivId, const std::optional<std::string>& iv) {
         doIvCallbackAndDecoding(config_, ivId, iv, std::make_shared<KorvaneRetStruct>(),
                                 [this](const auto& id, const auto& bytes, KorvaneRetStruct result) {
-                                    id&& bytes ? finish(std::nullopt) : finish(std::move(result));
+                                    if (id && bytes) return finish(std::nullopt);
+                                    finish(std::move(result));
                                 });
     }
 
@@ -81,7 +83,7 @@ bool ivAtHand(const SdkConfig& config) {
 Handle obtainIv(SdkConfig& config, IvReason reason, IvCompletion completion) {
     if (reason == IvReason::refused) {
         config.ivIdStr.clear();
-        config.ivByteArray.clear();
+        wipe(config.ivByteArray);
     }
     auto waiting = std::make_shared<Waiting>(config, std::move(completion));
     const auto question = std::make_shared<IvQuestion>(waiting);
