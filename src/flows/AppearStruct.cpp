@@ -27,18 +27,20 @@ bool AppearStruct::startGate() {
     // A token that is still in memory needs no check: the timer takes it away when its time is up.
     if (!config.useBiometrics || !config.currentPciToken.empty()) return false;
     state_->viewToShowAfterFaceId = journey_.host;
-    recovery_.underWay =
-        AuthenticateBiometric::runGate(config, [this](AuthenticateBiometric::Outcome outcome) {
+    recovery_.underWay = AuthenticateBiometric::runGate(
+        config, [weak = weak_from_this()](AuthenticateBiometric::Outcome outcome) {
+            const auto self = weak.lock();
+            if (!self) return;
             switch (outcome) {
                 case AuthenticateBiometric::Outcome::authenticated:
-                    doAppearGuts();
+                    self->doAppearGuts();
                     break;
                 case AuthenticateBiometric::Outcome::noStoredToken:
-                    verifyBySMS(readFromKeychainFailed);
+                    self->verifyBySMS(readFromKeychainFailed);
                     break;
                 // A person who cannot or will not show a finger is verified by SMS.
                 case AuthenticateBiometric::Outcome::notAuthenticated:
-                    verifyBySMS("evaluate policy 'success' is false");
+                    self->verifyBySMS("evaluate policy 'success' is false");
                     break;
             }
         });
@@ -72,7 +74,9 @@ void AppearStruct::fetchDetails() {
 }
 
 void AppearStruct::readPicture() {
-    recovery_.underWay = readCardPicture(state_, [this] { finish(journey_.firstView(*state_)); });
+    recovery_.underWay = readCardPicture(state_, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->finish(self->journey_.firstView(*self->state_));
+    });
 }
 
 void AppearStruct::handleCardImageError(const KorvaneRetStruct& result) {
@@ -91,7 +95,7 @@ void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
         verifyBySMS(result.errorMsg);
         return;
     }
-    leadOn(*state_, result, recovery_,
+    leadOn(*state_, result, shared_from_this(), recovery_,
            {.verifyBySMS = [this](std::string_view matched) { verifyBySMS(matched); },
             .runAgain =
                 [this](std::string_view reason) {

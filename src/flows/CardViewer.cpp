@@ -43,10 +43,12 @@ CardViewer::CardViewer(std::shared_ptr<NavigationStack> stack)
               hideSensitive();
               token();
           }),
-      freeze_(sharedState(), takeCardStatus(state()),
-              [this](FreezeSwitch::Outcome outcome) { freezeEnded(outcome); }) {}
+      freeze_(
+          std::make_shared<FreezeSwitch>(sharedState(), takeCardStatus(state()),
+                                         [this](FreezeSwitch::Outcome outcome) { freezeEnded(outcome); })) {}
 
 CardViewer::~CardViewer() {
+    freeze_->detach();
     state().wipeCardDetails();
 }
 
@@ -59,7 +61,7 @@ void CardViewer::onAppear() {
 }
 
 void CardViewer::resumeAfterSMSVerify() {
-    freeze_.callAgain();
+    freeze_->callAgain();
 }
 
 std::vector<CardViewer::Detail> CardViewer::details() const {
@@ -98,6 +100,7 @@ void CardViewer::close() {
 }
 
 void CardViewer::freezeEnded(FreezeSwitch::Outcome outcome) {
+    const auto self = shared_from_this();
     switch (outcome) {
         case FreezeSwitch::Outcome::done:
             completed_ = true;
@@ -116,14 +119,14 @@ void CardViewer::freezeEnded(FreezeSwitch::Outcome outcome) {
 
 bool CardViewer::offersActivation() const {
     // A frozen card shows that it is frozen; what else can be done with it comes after.
-    return freeze_.isCardNotYetActivated() && !freeze_.isCardFrozen();
+    return freeze_->isCardNotYetActivated() && !freeze_->isCardFrozen();
 }
 
 std::vector<Screen::ScreenControl> CardViewer::controls() {
-    if (const auto popup = freeze_.question()) {
+    if (const auto popup = freeze_->question()) {
         const auto answer = [this](void (FreezeSwitch::*given)()) {
             return [this, given] {
-                (freeze_.*given)();
+                ((*freeze_).*given)();
                 changed();
             };
         };
@@ -133,7 +136,7 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
     std::vector<ScreenControl> controls{{{"xmark", ControlKind::close, true}, [this] { close(); }}};
     if (offersActivation()) {
         controls.push_back(
-            button(activate_.content(), !freeze_.isCalling(), [this] { activate_.tap(*this, stack()); }));
+            button(activate_.content(), !freeze_->isCalling(), [this] { activate_.tap(*this, stack()); }));
     }
     bool somethingMasked = false;
     for (const Detail& detail : details()) {
@@ -145,8 +148,9 @@ std::vector<Screen::ScreenControl> CardViewer::controls() {
         {{std::string{revealControl}, ControlKind::toggle, somethingMasked, revealed_ != nullptr},
          [this] { toggleReveal(); }});
     controls.push_back(
-        {{std::string{freezeControl}, ControlKind::toggle, freeze_.canAsk(), freeze_.isCardFrozen()}, [this] {
-             freeze_.ask();
+        {{std::string{freezeControl}, ControlKind::toggle, freeze_->canAsk(), freeze_->isCardFrozen()},
+         [this] {
+             freeze_->ask();
              changed();
          }});
     return controls;
@@ -158,8 +162,8 @@ CardFace CardViewer::face() const {
     face.decoded = picture_.decoded;
     face.name = cardName(state(), type_);
     if (equalIgnoringCase(state().decCardNetwork, "mastercard")) face.networkLogo = "mastercard_logo";
-    face.activated = freeze_.isCardActivated();
-    face.frozen = freeze_.isCardFrozen();
+    face.activated = freeze_->isCardActivated();
+    face.frozen = freeze_->isCardFrozen();
     // The two keys differ in their prefix (deliberate).
     if (face.frozen) {
         face.message = {"sdk.cardviewer.card.activateAndSetPin.onCardFrozenMessage.header",
@@ -181,22 +185,22 @@ void CardViewer::describeContent(ScreenSnapshot& snapshot) const {
                                  .secret = detail.mask != nullptr,
                                  .copyable = !detail.value.empty()});
     }
-    snapshot.popup = freeze_.question();
+    snapshot.popup = freeze_->question();
     snapshot.disclosureText = disclosureText_;
-    snapshot.spinner = freeze_.isCalling();
+    snapshot.spinner = freeze_->isCalling();
 
     const bool asking = snapshot.popup.has_value();
-    const bool frozen = freeze_.isCardFrozen();
+    const bool frozen = freeze_->isCardFrozen();
     snapshot.state = {
         {"cardType", std::string{cardTypeCaseName(state().currentCardType)}},
         {"viewToShowNext", viewToShowNext_},
         {"showSpinner", snapshot.spinner},
-        {"isCardActivated", freeze_.isCardActivated()},
+        {"isCardActivated", freeze_->isCardActivated()},
         {"isCardFrozen", frozen},
         {"showToggleOff", !frozen},
         {"isCardFrozenShowToggleOff", asking && frozen},  // asked whether to lift the freeze
         {"isCardFrozenShowToggleOn", asking && !frozen},  // asked whether to freeze
-        {"isWantingToListen", freeze_.canAsk()},
+        {"isWantingToListen", freeze_->canAsk()},
         {"isCardImageLoaded", picture_.image != nullptr},
         {"detailsRevealed", revealed_ != nullptr},
         {"disclosureText", disclosureText_},

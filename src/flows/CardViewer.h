@@ -59,7 +59,7 @@ class CardViewer final : public Screen {
     const std::string disclosureText_;
     std::string viewToShowNext_;
     KorvaneActionNavigationLink activate_;
-    FreezeSwitch freeze_;
+    std::shared_ptr<FreezeSwitch> freeze_;
     CopiedCardData copied_;
     std::unique_ptr<Timer> revealed_;  // runs while number and CVV are in clear
     bool failuresTold_ = false;

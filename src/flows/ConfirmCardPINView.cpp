@@ -73,7 +73,7 @@ void ConfirmCardPINView::answered(const KorvaneRetStruct& result) {
         return;
     }
     log({"errmsg = ", result.errorMsg});
-    leadOn(state(), result, recovery_,
+    leadOn(state(), result, shared_from_this(), recovery_,
            {.verifyBySMS =
                 [this](std::string_view matched) {
                     log(inClear(matched));

@@ -63,7 +63,7 @@ void EnterSMSCodeView::submitted(const KorvaneRetStruct& result) {
     } else if (result.errorMsg == "forceSMSFlowReset") {
         startOver();
     } else {
-        leadOn(state(), result, recovery_,
+        leadOn(state(), result, shared_from_this(), recovery_,
                {.verifyBySMS =
                     [this](std::string_view) {
                         // The SMS token is spent or too old: no code can be right any more.

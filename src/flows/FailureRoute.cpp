@@ -44,8 +44,8 @@ bool isServerErrorOnEmptyToken(const KorvaneRetStruct& failure, const JourneySta
     return state.sdk.currentPciToken.empty() && equalIgnoringCase(failure.errorMsg, "500 error");
 }
 
-void leadOn(JourneyState& state, const KorvaneRetStruct& failure, Recovery& recovery,
-            FailureHandlers handlers) {
+void leadOn(JourneyState& state, const KorvaneRetStruct& failure, const std::shared_ptr<void>& owner,
+            Recovery& recovery, FailureHandlers handlers) {
     const FailureRoute route = routeOf(failure);
     if (route.kind == Kind::verifyBySMS || route.kind == Kind::errorPage) {
         recovery.backoff.reset();
@@ -53,9 +53,14 @@ void leadOn(JourneyState& state, const KorvaneRetStruct& failure, Recovery& reco
     }
     const char* const reason = route.kind == Kind::ivExpired ? "iv expired" : "iv invalid";
     recovery.underWay = obtainIv(
-        state.sdk, IvReason::refused, [&recovery, handlers = std::move(handlers), reason](const auto& noIv) {
+        state.sdk, IvReason::refused,
+        [weak = std::weak_ptr(owner), &recovery, handlers = std::move(handlers), reason](const auto& noIv) {
+            const auto alive = weak.lock();
+            if (!alive) return;
             if (noIv) return handlers.giveUp();
-            recovery.backoff.repeat(recovery.underWay, [handlers, reason] { handlers.runAgain(reason); });
+            recovery.backoff.repeat(recovery.underWay, [weak, handlers, reason] {
+                if (const auto still = weak.lock()) handlers.runAgain(reason);
+            });
         });
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string_view>
 
 #include "base/Handle.h"
@@ -48,9 +49,10 @@ struct Recovery {
 
 /// Leads a failed operation on: from inside this call, but for `runAgain` and the `giveUp` behind it, which
 /// wait for the host's new IV while `recovery.underWay` is held. A refused IV is replaced without limit, for
-/// as long as the service refuses and the host supplies (deliberate). `recovery` belongs to the screen. Main
+/// as long as the service refuses and the host supplies (deliberate). `owner` has `recovery` and what the
+/// handlers refer to; it lives while a handler runs, even if the host destroys the journey meanwhile. Main
 /// thread.
-void leadOn(JourneyState& state, const KorvaneRetStruct& failure, Recovery& recovery,
-            FailureHandlers handlers);
+void leadOn(JourneyState& state, const KorvaneRetStruct& failure, const std::shared_ptr<void>& owner,
+            Recovery& recovery, FailureHandlers handlers);
 
 }  // namespace korvane

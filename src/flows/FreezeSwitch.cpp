@@ -31,7 +31,9 @@ void FreezeSwitch::reEntrantSetCardStatus() {
     calling_ = true;
     const char* const unfrozen = isCardActivated_ ? "A1" : "P2";
     recovery_.underWay = doSetCardStatus(state_, isCardFrozen_ ? unfrozen : "BT",
-                                         [this](const KorvaneRetStruct& result) { answered(result); });
+                                         [weak = weak_from_this()](const KorvaneRetStruct& result) {
+                                             if (const auto self = weak.lock()) self->answered(result);
+                                         });
 }
 
 void FreezeSwitch::answered(const KorvaneRetStruct& result) {
@@ -41,7 +43,7 @@ void FreezeSwitch::answered(const KorvaneRetStruct& result) {
         return end(Outcome::done);
     }
     if (isServerErrorOnEmptyToken(result, *state_)) return end(Outcome::verifyBySMS);
-    leadOn(*state_, result, recovery_,
+    leadOn(*state_, result, shared_from_this(), recovery_,
            {.verifyBySMS =
                 [this](std::string_view matched) {
                     log(inClear(matched));
@@ -58,7 +60,7 @@ void FreezeSwitch::answered(const KorvaneRetStruct& result) {
 
 void FreezeSwitch::end(Outcome outcome) {
     calling_ = false;
-    ended_(outcome);
+    if (const auto ended = ended_) ended(outcome);
 }
 
 }  // namespace korvane

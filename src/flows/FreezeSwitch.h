@@ -15,7 +15,7 @@ namespace korvane {
 
 /// Freezes and unfreezes a card: asks first, then calls. The switch follows the card, never the tap. Main
 /// thread.
-class FreezeSwitch {
+class FreezeSwitch : public std::enable_shared_from_this<FreezeSwitch> {
   public:
     enum class Outcome { done, failed, verifyBySMS };
 
@@ -35,6 +35,8 @@ class FreezeSwitch {
     std::optional<Popup> question() const;
     void cancel() { asking_ = false; }
     void confirm();
+    /// What `ended` refers to is gone: the switch may live until a call that is running returns.
+    void detach() { ended_ = nullptr; }
     /// Makes the call that asked for a verification by SMS again.
     void callAgain() { reEntrantSetCardStatus(); }
 

@@ -42,7 +42,9 @@ class Run final : public std::enable_shared_from_this<Run> {
 
   private:
     void startAgain() {
-        backoff_.repeat(underWay_, [this] { start(); });
+        backoff_.repeat(underWay_, [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) self->start();
+        });
     }
 
     void send() {

@@ -47,7 +47,9 @@ class AuthenticatedCall final : public std::enable_shared_from_this<Authenticate
             return;
         }
         log({"Success! Got new bearer token... now re-calling ", inClear(endpoint_.method), "..."});
-        backoff_.repeat(underWay_, [this] { send(); });
+        backoff_.repeat(underWay_, [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) self->send();
+        });
     }
 
     SdkConfig& config_;

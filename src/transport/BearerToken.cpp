@@ -62,7 +62,9 @@ class Renewal final : public std::enable_shared_from_this<Renewal> {
                                  if (!self) return;
                                  if (failure) return self->finish(std::move(failure));
                                  log(inClear(line));
-                                 self->backoff_.repeat(self->underWay_, [&run = *self] { run.start(); });
+                                 self->backoff_.repeat(self->underWay_, [weak] {
+                                     if (const auto again = weak.lock()) again->start();
+                                 });
                              });
     }
 

@@ -55,6 +55,7 @@ const std::vector<Call> calls{
          int held = 0, expired = 0;
          return korvane_pci_token_state(&held, &expired);
      }},
+    {"korvane_log_out", [](CHost&) { return korvane_log_out(); }},
     {"korvane_on_close", [](CHost& host) { return host.observe(); }},
     {"korvane_on_close of nobody", [](CHost&) { return korvane_on_close(nullptr, nullptr); }},
     {"korvane_journey_create",
@@ -75,6 +76,10 @@ const std::vector<Call> calls{
      true},
     {"korvane_journey_on_change",
      [](CHost& host) { return korvane_journey_on_change(host.journey, nullptr, nullptr); },
+     {KORVANE_OK},
+     true},
+    {"korvane_journey_on_close",
+     [](CHost& host) { return korvane_journey_on_close(host.journey, nullptr, nullptr); },
      {KORVANE_OK},
      true},
     {"korvane_journey_screen",

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <korvane/Initialize.h>
+#include <korvane/platform/Ports.h>
 
+#include <deque>
 #include <map>
 
 #include "tests/flows/JourneyFixture.h"
@@ -212,6 +214,76 @@ TEST_F(TwoJourneys, ANotificationNamesItsJourneyAndAClosedWindowPostsOnce) {
     EXPECT_EQ(a->screen().view, "UhOhTryAgainView");
     a->close();
     EXPECT_EQ(heard, "FAILURE ");
+}
+
+/// Destroys the journey from inside the n-th line that it logs.
+class FatalConsole final : public Console {
+  public:
+    void line(std::string_view) override {
+        if (left_-- == 0) journey->reset();
+    }
+    std::unique_ptr<Journey>* journey = nullptr;
+    void after(int lines) { left_ = lines; }
+
+  private:
+    int left_ = 0;
+};
+
+TEST_F(TwoJourneys, AHostMayDestroyAJourneyAtAnyLineThatItLogs) {
+    const auto console = std::make_shared<FatalConsole>();
+    Ports withConsole = ports();
+    withConsole.console = console;
+    const std::string ivWord = "Failure: IV is expired";
+    const auto walkOn = [this](std::unique_ptr<Journey>& it, const std::vector<std::string>& controls) {
+        for (const std::string& control : controls) {
+            const bool isDigits = control.find_first_not_of("0123456789") == control.npos;
+            if (it) isDigits ? it->replaceText(control) : it->perform(control);
+            settle();
+        }
+    };
+    const std::string card = "sdk.cardviewer.card.activateAndSetPin.";
+    const std::tuple<JourneyKind, std::string, std::vector<std::string>> rows[] = {
+        {setPIN, "pinSet", {"2580", "sdk.setpin.button", "2580", "sdk.confirmpin.button"}},
+        {setPIN, "getCardStatus", {}},
+        {getCardImage, "cardImage", {}},
+        {getCardImage, "cardStatus", {card + "freezeMyCard", card + "freezeCardPopup.freezeButton"}},
+        {setPIN, "pciTokenRequest", {"sdk.sms.explain.button", "123456"}},
+        {setPIN, "pciTokenSubmission", {"sdk.sms.explain.button", "123456"}},
+    };
+    for (const auto& [kind, refused, controls] : rows) {
+        bool isWhole = false;
+        for (int lines = 0; !isWhole; ++lines) {
+            SCOPED_TRACE(refused + " " + std::to_string(lines));
+            installPorts(withConsole);
+            config.currentPciToken = refused.starts_with("pci") ? "" : "pci-token";
+            std::deque<UrlReply> refusals{refusal(403, ivWord), result(ivWord), answer(401, {})};
+            device.urlSession->answerWith([&](const UrlRequest& request) -> std::optional<UrlReply> {
+                const std::string endpoint = request.url.substr(request.url.rfind('/') + 1);
+                if (endpoint == refused && !refusals.empty()) {
+                    const UrlReply next = refusals.front();
+                    return refusals.pop_front(), next;
+                }
+                if (endpoint == "getCardStatus" && config.currentPciToken.empty())
+                    return result("Failure: Invalid Token");
+                return ok({{"encryptedResult", "Success"},
+                           {"encryptedAccessToken", "bearer"},
+                           {"encryptedCardStatus", "A1"},
+                           {"encryptedCardType", "physical"},
+                           {"encryptedPciSmsToken", "sms"},
+                           {"encryptedPciToken", "pci"}});
+            });
+            std::unique_ptr<Journey> it;
+            console->journey = &it;
+            console->after(1'000'000);
+            it = std::make_unique<Journey>(kind, "card-a");
+            console->after(lines);
+            it->appear();
+            settle();
+            walkOn(it, controls);
+            isWhole = it != nullptr;
+            EXPECT_LT(lines, 500);
+        }
+    }
 }
 
 TEST_F(TwoJourneys, LogOutEndsThemAll) {
