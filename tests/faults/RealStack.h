@@ -48,14 +48,21 @@ class RealStack {
     /// Leads the component to a service, by a session with nothing behind it. The IV stays, which another
     /// service would have to be asked for.
     void call(const std::string& url, const std::string& caFile) {
-        journey_.reset();
-        device_.connect({.caFile = caFile, .timeout = timeout_});
+        caFile_ = caFile;
+        reconnect();
         SdkConfig& config = SdkConfig::sharedInstance();
         const auto ivId = config.ivIdStr;
         const auto iv = config.ivByteArray;
         device_.initialize(false, url);
         config.ivIdStr = ivId;
         config.ivByteArray = iv;
+    }
+
+    /// Opens new connections from now on: the end of one that a fault closed behind an answer may still be on
+    /// its way, and what is sent before it arrives would meet it.
+    void reconnect() {
+        journey_.reset();
+        device_.connect({.caFile = caFile_, .timeout = timeout_});
     }
 
     /// Leads a journey to just before the request, on a wire without a fault; sends it with this one, and
@@ -143,6 +150,7 @@ class RealStack {
 
     RealDevice device_;
     const std::chrono::milliseconds timeout_;
+    std::string caFile_;
     const std::string card_ = "card-physical-active";
     const std::shared_ptr<FakeConsole> console_ = std::make_shared<FakeConsole>();
     std::unique_ptr<Journey> journey_;
