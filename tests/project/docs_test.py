@@ -94,6 +94,9 @@ class Documents(unittest.TestCase):
             self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")
         listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], capture_output=True, text=True, check=True).stdout
         for name in re.findall(r"`((?:access|docs|install|journey|project)\.[\w*]+)`", text):
+            if name.startswith("install."):  # which builds with a checker leave out
+                self.assertRegex((TOP / "tests/project/CMakeLists.txt").read_text(), rf"\b{name[8:]}\b")
+                continue
             self.assertTrue(fnmatch.filter(re.findall(r"#\d+: (\S+)", listed), name), f"no test {name}")
         for name in re.findall(r"`(\w+Test)`", text):
             self.assertTrue(list(TOP.glob(f"tests/**/{name}.*")), f"no test {name}")
