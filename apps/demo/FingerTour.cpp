@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FingerTour.h"
 
-#include <korvane/platform/Ports.h>
-
 #include <QDir>
 #include <cstdio>
 
@@ -84,11 +82,9 @@ class FingerTour {
 
 }  // namespace
 
-int playFingerTour(QQuickWindow& window, const QString& directory) {
+int playFingerTour(QQuickWindow& window, const QString& directory, bool nextVisit) {
     FingerTour tour(window, directory);
-    const bool kept = korvane::ports().secureItemStore->exists(
-                          "KorvanePCISDKService", "KorvaneSDKPCIToken") == korvane::secureItemSuccess;
-    if (kept ? tour.secondVisit() : tour.firstVisit()) return 0;
+    if (nextVisit ? tour.secondVisit() : tour.firstVisit()) return 0;
     std::fputs("The tour stopped after its last line: what it waited for did not come.\n", stderr);
     return 1;
 }

@@ -62,6 +62,7 @@ int main(int argc, char** argv) {
          {"journey", "Show this journey alone: set-pin, activate, card.", "KIND"},
          {"card", "The card of that journey.", "ID", "card-physical-active"},
          {"finger-tour", "Play a visit with biometrics on, with pictures in DIR.", "DIR"},
+         {"next-visit", "That visit is not the first: the token is in the keyring."},
          {"tour", "Play all journeys by themselves, with pictures in DIR: of three sizes, or of one.",
           "DIR"}});
     options.process(app);
@@ -96,7 +97,8 @@ int main(int argc, char** argv) {
     QObject::connect(
         window, &QQuickWindow::frameSwapped, &host, [&host] { host.reload(); }, Qt::SingleShotConnection);
     window->show();
-    if (options.isSet("finger-tour")) return playFingerTour(*window, options.value("finger-tour"));
+    if (options.isSet("finger-tour"))
+        return playFingerTour(*window, options.value("finger-tour"), options.isSet("next-visit"));
     if (!options.isSet("tour")) return app.exec();
     const QList<QSize> sizes = options.isSet("size") ? QList<QSize>{{width, height}}
                                                      : QList<QSize>{{320, 568}, {390, 844}, {1280, 800}};

@@ -38,8 +38,9 @@ def open_demo(command, environment, **keywords):
 def play(command, devices, pictures):
     """Both visits; touches the reader when a tour asks for it. Answers the exit status."""
     environment = {**devices.environment, "QT_QPA_PLATFORM": "offscreen", "QT_QUICK_BACKEND": "software"}
-    for visit in ("first-visit", "next-visit"):
-        demo = open_demo([*command, "--finger-tour", str(pathlib.Path(pictures) / visit)], environment, stdout=subprocess.PIPE)
+    for visit, options in (("first-visit", []), ("next-visit", ["--next-visit"])):
+        tour = ["--finger-tour", str(pathlib.Path(pictures) / visit), *options]
+        demo = open_demo([*command, *tour], environment, stdout=subprocess.PIPE)
         for line in demo.stdout:
             print(line, end="", flush=True)
             if line.startswith("Finger: "):

@@ -20,7 +20,7 @@ using ImageData = std::vector<std::byte>;
 
 /// Sets the component up. Call it on the main thread after `installPorts` and before showing a journey; a
 /// later call overwrites what it sets; what is on screen then takes the new colours and radii at once.
-/// Another key or another URL ends the session first, as `logOut` does in memory.
+/// Another key or another URL logs out first, as `logOut` does.
 ///
 /// Debug builds log each pair of colours that `auditContrast` finds ("contrast advice: …").
 ///
@@ -43,9 +43,11 @@ KORVANE_API bool initialize(std::string base64EncodedPreSharedKey, std::string a
 
 /// Ends the session of the person who used the app: call it when they log out. Journeys that are shown post
 /// "CANCELED" and stop; IV, bearer token, PCI token, SMS tokens and the token's timer are dropped and wiped;
-/// what the secure store holds is deleted. The next journey starts as after the first `initialize`.
-/// `initialize` with another key or URL, and `uninstallPorts`, drop the same from memory. Needs installed
-/// ports. Main thread.
+/// what the secure store holds for the key and the URL of that moment is deleted in the background. What
+/// could not be deleted, in a locked keyring for instance, is not read any more and is deleted as soon as the
+/// component finds the store open again. The next journey starts as after the first `initialize`.
+/// `initialize` with another key or URL does the same; `uninstallPorts` drops the same from memory. Needs
+/// installed ports. Main thread.
 KORVANE_API void logOut();
 
 }  // namespace korvane

@@ -16,6 +16,9 @@ struct QtPortsOptions {
     std::string caFile = {};
     /// Whether the log shows values. Which build counts is that of Korvane::Quick.
     LogValues logValues = LogValues::byBuild;
+    /// Of the app in the keyring, which all apps of the user share: the same each time it is started. Empty:
+    /// the desktop file's name (QGuiApplication::desktopFileName), or else the executable's
+    std::string appId = {};
 };
 
 /// The ports of a Qt app on Linux, for `installPorts`: Qt's event loop, timers and clipboard, HTTPS over

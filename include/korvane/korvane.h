@@ -88,7 +88,9 @@ typedef struct korvane_host {
     void (*prompt)(void* context, const char* reason);
     /** How the check goes: a localization key, "sdk.biometrics.retry". May be absent. */
     void (*prompt_message)(void* context, const char* message_id);
-    int log_values; /**< korvane_log_values; a host without this member has KORVANE_LOG_BY_BUILD */
+    int log_values;     /**< korvane_log_values; a host without this member has KORVANE_LOG_BY_BUILD */
+    const char* app_id; /**< of the app in the keyring, which all apps of the user share: the same each time
+                           it is started; NULL, or a host without this member: the executable's file name */
 } korvane_host;
 
 /** Call it first, from no callback. A second call without korvane_tear_down between gives

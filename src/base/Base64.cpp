@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Secret.h"
+
 namespace korvane {
 namespace {
 
@@ -57,7 +59,10 @@ std::optional<std::size_t> base64Decode(std::string_view text, std::uint8_t* byt
 std::optional<std::vector<std::uint8_t>> base64Decode(std::string_view text) {
     std::vector<std::uint8_t> bytes(base64Room(text));
     const auto size = base64Decode(text, bytes.data());
-    if (!size) return std::nullopt;
+    if (!size) {
+        wipe(bytes);  // it may be a key, but for one character
+        return std::nullopt;
+    }
     bytes.resize(*size);
     return bytes;
 }

@@ -126,8 +126,9 @@ std::optional<double> decimalNumber(std::string_view text) {
 
 std::string decimalText(double number) {
     std::array<char, 400> buffer;
-    const auto [end, failure] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
-    if (failure != std::errc{}) return {};
+    char* const last = buffer.data() + buffer.size();
+    auto [end, failure] = std::to_chars(buffer.data(), last, number, std::chars_format::fixed);
+    if (failure != std::errc{}) end = std::to_chars(buffer.data(), last, number).ptr;  // a very small one
     std::string text(buffer.data(), end);
     if (std::isfinite(number) && text.find_first_of(".e") == std::string::npos) text += ".0";
     return text;

@@ -125,6 +125,7 @@ HostPorts::HostPorts(const korvane_host& host, GMainContext* context) {
     ports = linuxPorts({.caFile = host.ca_file ? host.ca_file : "",
                         .logValues = LogValues::clear,
                         .prompt = prompt,
+                        .appId = host.app_id ? host.app_id : "",
                         .context = context});
     if (host.log_line) ports.console = std::make_shared<HostConsole>(host);
     ports.console = logConsole(ports.console, logValues(host));

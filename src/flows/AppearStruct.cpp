@@ -24,8 +24,13 @@ void AppearStruct::doAppear() {
 
 bool AppearStruct::startGate() {
     SdkConfig& config = state_->sdk;
-    // A token that is still in memory needs no check: the timer takes it away when its time is up.
-    if (!config.useBiometrics || !config.currentPciToken.empty()) return false;
+    if (!config.useBiometrics) {
+        AuthenticateBiometric::deleteWhatIsDue(config);
+        return false;
+    }
+    // A token in memory needs no check while a timer runs that takes it away. One that could not be kept has
+    // none: it serves the journey that obtained it.
+    if (!config.currentPciToken.empty() && (config.pciTimer.isArmed() || state_->verifiedBySMS)) return false;
     state_->viewToShowAfterFaceId = journey_.host;
     recovery_.underWay = AuthenticateBiometric::runGate(
         config, [weak = weak_from_this()](AuthenticateBiometric::Outcome outcome) {
@@ -40,11 +45,14 @@ bool AppearStruct::startGate() {
                     break;
                 // A person who cannot or will not show a finger is verified by SMS.
                 case AuthenticateBiometric::Outcome::notAuthenticated:
-                    self->verifyBySMS("evaluate policy 'success' is false");
+                    self->verifyBySMS({});
+                    break;
+                case AuthenticateBiometric::Outcome::cannotEvaluate:
+                    self->doAppearGuts();
                     break;
             }
         });
-    return recovery_.underWay != nullptr;
+    return true;
 }
 
 void AppearStruct::doAppearGuts() {
@@ -106,8 +114,8 @@ void AppearStruct::routeFailure(const KorvaneRetStruct& result) {
             .giveUp = [this] { fail(); }});
 }
 
-void AppearStruct::verifyBySMS(std::string_view reason) {
-    log(inClear(reason));
+void AppearStruct::verifyBySMS(std::string_view matched) {
+    if (!matched.empty()) log(inClear(matched));
     state_->viewToShowAfterSMSVerify = journey_.host;
     finish(view::SMSExplainView);
 }

@@ -44,7 +44,7 @@ class AppearStruct : public std::enable_shared_from_this<AppearStruct> {
     void readPicture();
     void handleCardImageError(const KorvaneRetStruct& result);
     void routeFailure(const KorvaneRetStruct& result);
-    void verifyBySMS(std::string_view reason);
+    void verifyBySMS(std::string_view matched);
     void fail();
     void finish(std::string_view viewName);
 

@@ -68,10 +68,7 @@ class Run final : public std::enable_shared_from_this<Run> {
                 const auto self = weak.lock();
                 if (!self) return;
                 if (error) return self->failed(*error);
-                if (!self->does_.beforeReading) return self->answered(std::move(reply));
-                self->does_.beforeReading(self->state_->sdk, [weak, reply = std::move(reply)]() mutable {
-                    if (const auto waiting = weak.lock()) waiting->answered(std::move(reply));
-                });
+                self->answered(std::move(reply));
             });
     }
 
@@ -114,23 +111,27 @@ class Run final : public std::enable_shared_from_this<Run> {
             log({"api.", inClear(does_.endpoint), " - resp is nil"});
             return close(failure(does_.noReplyMsg));
         }
-        if (!does_.judgesResult) return close(outcomeOf(*reply));
+        if (!does_.judgesResult) return store(*reply);
         if (!reply->encryptedResult) return close(failure(does_.noResultMsg));
 
         log({"theEncResult: ", *reply->encryptedResult});
         const std::string word = decryptField(iv_, *reply->encryptedResult);
         log({"decResult: ", word});
-        if (equalIgnoringCase(word, "Success")) return close(outcomeOf(*reply));
+        if (equalIgnoringCase(word, "Success")) return store(*reply);
         if (isExpiredIvWord(word)) return refreshIv("Failure: IV is expired");
         if (isInvalidIvWord(word)) return refreshIv("Failure: Invalid offsetId");
         close(failure(word));
     }
 
-    KorvaneRetStruct outcomeOf(const Reply& reply) const {
-        const auto report = reply.store ? reply.store(*state_, iv_) : std::nullopt;
-        KorvaneRetStruct record = report ? failure(*report) : KorvaneRetStruct{};
-        record.error = report && does_.storeTextIsFailure;
-        return record;
+    void store(const Reply& reply) {
+        if (!reply.store) return close({});
+        reply.store(*state_, iv_, [weak = weak_from_this()](const StoreReport& report) {
+            const auto self = weak.lock();
+            if (!self) return;
+            KorvaneRetStruct record = report ? failure(*report) : KorvaneRetStruct{};
+            record.error = report && self->does_.storeTextIsFailure;
+            self->close(std::move(record));
+        });
     }
 
     void refreshIv(std::string_view reason) {

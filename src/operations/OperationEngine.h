@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -33,10 +34,13 @@ struct Sent {
     std::vector<std::string> values;  ///< enciphered, in the order of the description's values
 };
 
-/// What a successful reply leads to: stores the reply's values, deciphered with `iv`, in the journey's state.
-/// Gives none, or the text ("" too) of the failure that the reply, or a part of it, turns out to be.
-using Store =
-    std::function<std::optional<std::string>(JourneyState& state, const std::vector<std::uint8_t>& iv)>;
+/// None, or the text ("" too) of the failure that a reply, or a part of it, turns out to be.
+using StoreReport = std::optional<std::string>;
+using Stored = std::function<void(StoreReport report)>;
+
+/// What a successful reply leads to: stores the reply's values, deciphered with `iv`, in the journey's state,
+/// and tells it at once or, on the main queue, when the device has kept what it is to keep.
+using Store = std::function<void(JourneyState& state, const std::vector<std::uint8_t>& iv, Stored stored)>;
 
 /// An endpoint's reply, whatever its record.
 struct Reply {
@@ -56,8 +60,6 @@ struct OperationDescription {
     bool printsSeparator = false;  ///< a line of "=" behind that
     bool printsValues = false;     ///< each value in clear (deliberate)
     void (*beforeSending)(SdkConfig& config) = nullptr;
-    void (*beforeReading)(SdkConfig& config,
-                          std::function<void()> goOn) = nullptr;  ///< holds a reply back until it calls that
 
     std::string_view errLine{};        ///< in place of "NAME() (middle layer) err != nil"
     std::string_view cancelledLine{};  ///< with the next: a cancelled request is a case of its own
@@ -77,21 +79,20 @@ struct OperationDescription {
 /// Takes over texts as arguments and wipes the originals.
 Arguments argumentsFrom(std::initializer_list<std::reference_wrapper<std::string>> texts);
 
-/// A `Store` that still lacks its record. Runs once, and may use up the record's texts.
-template <class Record>
-using StoreRecord = std::optional<std::string> (*)(JourneyState& state, Record& record,
-                                                   const std::vector<std::uint8_t>& iv);
-
-/// Turns an endpoint's typed completion into the engine's.
-template <class Record>
-Completion<Record> replyTo(ReplyHandler handler, StoreRecord<Record> store) {
-    return [handler = std::move(handler), store](std::optional<Record> record,
-                                                 std::optional<CallError> error) {
+/// Turns an endpoint's typed completion into the engine's. `store` is a `Store` that still lacks its record,
+/// or gives its report back; it runs once, and may use up the record's texts.
+template <class Record, auto store>
+Completion<Record> replyTo(ReplyHandler handler) {
+    return [handler = std::move(handler)](std::optional<Record> record, std::optional<CallError> error) {
         if (!record) return handler(std::nullopt, std::move(error));
         Reply reply{record->encryptedResult, {}};
-        if (store) {
-            reply.store = [record = *std::move(record), store](JourneyState& state, const auto& iv) mutable {
-                return store(state, record, iv);
+        if constexpr (store != nullptr) {
+            reply.store = [record = *std::move(record)](JourneyState& state, const auto& iv,
+                                                        Stored stored) mutable {
+                if constexpr (std::is_invocable_v<decltype(store), JourneyState&, Record&, decltype(iv)>)
+                    stored(store(state, record, iv));
+                else
+                    store(state, record, iv, std::move(stored));
             };
         }
         handler(std::move(reply), std::nullopt);
@@ -99,10 +100,10 @@ Completion<Record> replyTo(ReplyHandler handler, StoreRecord<Record> store) {
 }
 
 /// A description's `send`: calls the method of `API` with the IV's id and the `count` values.
-template <class Record, auto method, std::size_t count, StoreRecord<Record> store = nullptr>
+template <class Record, auto method, std::size_t count, auto store = nullptr>
 Handle sendTo(API& api, const Sent& sent, ReplyHandler handler) {
     return [&]<std::size_t... i>(std::index_sequence<i...>) {
-        return (api.*method)(sent.ivId, sent.values[i]..., replyTo<Record>(std::move(handler), store));
+        return (api.*method)(sent.ivId, sent.values[i]..., replyTo<Record, store>(std::move(handler)));
     }
     (std::make_index_sequence<count>{});
 }

@@ -24,36 +24,42 @@ std::optional<std::string> storeSmsToken(JourneyState& state, RestPciTokenReques
     return std::nullopt;
 }
 
-void storeTimeout(SdkConfig& config, const std::string& enciphered, const std::vector<std::uint8_t>& iv) {
+void storeTimeout(SdkConfig& config, const std::string& enciphered, const std::vector<std::uint8_t>& iv,
+                  const Stored& stored) {
     log({"theEncBiometricsAuthenticationTimer: ", enciphered});
     const std::string text = decryptField(iv, enciphered);
     log({"decBiometricsAuthenticationTimer: ", text});
     config.decBiometricsAuthenticationTimer =
         decimalText(std::max(decimalNumber(text).value_or(shortestTimeout), shortestTimeout));
-    if (!config.useBiometrics) return;
+    if (!config.useBiometrics) return stored(std::nullopt);
     log("==================");
     log("AuthenticateBiometric.savePciTokenAndTimeoutToKeychain()");
-    if (AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(config)) {
-        log("startPCITokenClearTimer()");
-        config.pciTimer.start();
-    }
+    // The timer starts though the journey may have ended meanwhile, but not for another person's session.
+    AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(
+        config, [&config, session = std::weak_ptr(config.session), stored](bool saved) {
+            if (saved && !session.expired()) {
+                log("startPCITokenClearTimer()");
+                config.pciTimer.start();
+            }
+            stored(std::nullopt);
+        });
 }
 
-std::optional<std::string> storePciToken(JourneyState& state, RestPciTokenSubmission& reply,
-                                         const std::vector<std::uint8_t>& iv) {
+void storePciToken(JourneyState& state, RestPciTokenSubmission& reply, const std::vector<std::uint8_t>& iv,
+                   const Stored& stored) {
     SdkConfig& config = state.sdk;
-    if (!reply.encryptedPciToken) return "";
+    if (!reply.encryptedPciToken) return stored("");
     log({"theEncPciToken: ", *reply.encryptedPciToken});
-    config.currentPciToken = decryptField(iv, *reply.encryptedPciToken);
+    config.replacePciToken(decryptField(iv, *reply.encryptedPciToken));
+    state.verifiedBySMS = true;
     log({"decPciToken: ", config.currentPciToken});
     if (reply.encryptedPciTokenExpiration) {
         log({"theEncPciTokenExpiration: ", *reply.encryptedPciTokenExpiration});
         config.decPciTokenExpiration = decryptField(iv, *reply.encryptedPciTokenExpiration);
         log({"decPciTokenExpiration: ", config.decPciTokenExpiration});
     }
-    if (reply.encryptedBiometricsAuthenticationTimer)
-        storeTimeout(config, *reply.encryptedBiometricsAuthenticationTimer, iv);
-    return std::nullopt;
+    if (!reply.encryptedBiometricsAuthenticationTimer) return stored(std::nullopt);
+    storeTimeout(config, *reply.encryptedBiometricsAuthenticationTimer, iv, stored);
 }
 
 void settleUseBiometric(SdkConfig& config) {
@@ -84,7 +90,6 @@ Handle doPciTokenSubmission(StatePtr state, OperationCompletion completion) {
                    {&SdkConfig::useBiometric}},
         .send = sendTo<RestPciTokenSubmission, &API::pciTokenSubmission, 4, storePciToken>,
         .beforeSending = settleUseBiometric,
-        .beforeReading = AuthenticateBiometric::prepareToSave,
         // A cancelled submission may have used the code up: the SMS screens start over.
         .cancelledLine = "Forcing SMS flow reset...",
         .cancelledMsg = "forceSMSFlowReset",

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/BeforeUninstallPorts.h"
+#include "platform/ThreadQueue.h"
 
 namespace korvane {
 namespace {
@@ -32,6 +33,8 @@ bool installPorts(Ports ports) {
         return false;
     }
     if (!ports.imageDecoder) ports.imageDecoder = std::make_shared<ImageSignatures>(ports.mainQueue);
+    if (!ports.backgroundQueue) ports.backgroundQueue = std::make_shared<ThreadQueue>();
+    uninstallPorts();
     installed() = std::move(ports);
     return true;
 }

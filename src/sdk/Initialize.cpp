@@ -38,6 +38,7 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
                 std::optional<std::string> wearableName, std::optional<ImageData> wearableImage) {
     SdkConfig& config = SdkConfig::sharedInstance();
     // Stored before it is checked: a refused key still replaces the text (deliberate), never the bytes.
+    wipe(config.preSharedKeyBase64Encoded);
     config.preSharedKeyBase64Encoded = std::move(base64EncodedPreSharedKey);
     auto key = base64Decode(config.preSharedKeyBase64Encoded);
     if (!key) {
@@ -46,8 +47,7 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
     }
     if (apiUrl.ends_with('/')) apiUrl.pop_back();
     // Tokens and IV belong to one key and one service; the next one must never get them.
-    if (config.isSdkInited && (config.preSharedKeyByteArray != *key || config.apiUrl != apiUrl))
-        config.endSession();
+    if (config.isSdkInited && (config.preSharedKeyByteArray != *key || config.apiUrl != apiUrl)) logOut();
     wipe(config.preSharedKeyByteArray);
     config.preSharedKeyByteArray = std::move(*key);
     config.apiUrl = std::move(apiUrl);
@@ -64,15 +64,19 @@ bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCal
 
     if (useBiometrics) {
         AuthenticateBiometric::reloadAtInitialize(config);
-    } else if (!AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain()) {
-        log("Note: failed deletePciTokenAndTimeoutInKeychain()");
+    } else {
+        config.initializeCheck.reset();
+        AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain(config, [](bool deleted) {
+            if (!deleted) log("Note: failed deletePciTokenAndTimeoutInKeychain()");
+        });
     }
     return true;
 }
 
 void logOut() {
-    SdkConfig::sharedInstance().endSession();
-    AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain();
+    SdkConfig& config = SdkConfig::sharedInstance();
+    config.endSession();
+    AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain(config, [](bool) {});
 }
 
 }  // namespace korvane

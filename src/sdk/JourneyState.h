@@ -43,6 +43,7 @@ struct JourneyState {
     std::string viewToShowAfterSMSVerify;
     std::string viewToShowAfterSMSVerifyBackup;
     std::string viewToShowAfterFaceId;
+    bool verifiedBySMS = false;  ///< the PCI token in memory was obtained in this journey
 
     std::string enteredLastFour;
     std::string enteredCvv;

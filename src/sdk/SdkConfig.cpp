@@ -4,6 +4,7 @@
 #include <korvane/platform/Ports.h>
 
 #include <cassert>
+#include <utility>
 
 #include "base/Secret.h"
 #include "platform/BeforeUninstallPorts.h"
@@ -18,7 +19,15 @@ SdkConfig::SdkConfig()
     beforeUninstallPorts() = [this] { endSession(); };
 }
 
+void SdkConfig::replacePciToken(std::string token) {
+    pciTimer.stop();
+    wipe(currentPciToken);
+    currentPciToken = std::move(token);
+}
+
 void SdkConfig::endSession() {
+    session = std::make_shared<int>();
+    initializeCheck.reset();
     // The host may destroy journeys, and make others, when it hears of an end.
     for (const auto before = journeys; JourneyState* const each : before) {
         if (journeys.contains(each)) each->end();

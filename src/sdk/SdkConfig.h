@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Handle.h"
 #include "sdk/PCITimer.h"
 
 namespace korvane {
@@ -57,7 +58,12 @@ class SdkConfig {
     bool gotInitialIV = false;
     bool timerPciExpired = false;
     PCITimer pciTimer;
-    std::set<JourneyState*> journeys;  // those alive; each enters and removes itself
+    Handle session = std::make_shared<int>();  // ends with the person's session
+    Handle initializeCheck;                    // the biometric check that `initialize` asked for
+    std::set<JourneyState*> journeys;          // those alive; each enters and removes itself
+
+    /// Puts another PCI token in the place of the one held, which is wiped; its timer stops.
+    void replacePciToken(std::string token);
 
     /// Ends the session of the person: every journey posts "CANCELED", unless it posted a result before, and
     /// stops; IV, tokens and timer are dropped and wiped. What `initialize` set stays.

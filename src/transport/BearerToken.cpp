@@ -94,6 +94,7 @@ class Renewal final : public std::enable_shared_from_this<Renewal> {
             log({"decAccessToken: ", token});
             if (!token.empty()) {
                 log({"Setting SdkConfig.sharedInstance.currentBearerToken to ", token});
+                wipe(config_.currentBearerToken);
                 config_.currentBearerToken = std::move(token);
                 return finish(std::nullopt);
             }

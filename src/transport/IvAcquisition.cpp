@@ -119,6 +119,7 @@ void doIvCallbackAndDecoding(
     auto bytes = base64Decode(*iv);
     if (!bytes) return fail("iv: Data(base64Encoded:) failed");
 
+    wipe(config.ivByteArray);
     config.ivByteArray = *bytes;
     config.ivIdStr = *ivId;
     config.gotInitialIV = true;

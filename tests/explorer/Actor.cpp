@@ -25,7 +25,8 @@ Texts others(const JourneyState& of) {
 
 std::string flags(const JourneyState& of) {
     std::string text{cardTypeCaseName(of.currentCardType)};
-    for (const bool flag : {of.setPinOnly, of.decodedDisclosuresStruct.has_value(), of.resultPosted})
+    for (const bool flag :
+         {of.setPinOnly, of.verifiedBySMS, of.decodedDisclosuresStruct.has_value(), of.resultPosted})
         text += flag ? "1" : "0";
     return text;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/explorer/World.h"
+#include "tests/support/StoredToken.h"
 
 #include <chrono>
 
@@ -57,10 +58,9 @@ World::World(const Start& start, const Scope& scope) : scope_(scope) {
     if (start.token == held) config.currentPciToken = "pci-token";
     device.biometricContext->setAvailable(start.biometrics && start.token != noReader);
     auto& items = device.secureItemStore->items();
-    if (start.biometrics && start.token != none)
-        items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "pci-token";
+    if (start.biometrics && start.token != none) items[storedItem("KorvaneSDKPCIToken")] = "pci-token";
     if (start.biometrics && start.token != none && start.token != halfStored)
-        items[{"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}] = "86400";
+        items[storedItem("KorvaneSDKPCITokenBioTimeout")] = "86400";
     if (start.biometrics && start.token == held) {
         config.decBiometricsAuthenticationTimer = "86400";
         config.pciTimer.start();
@@ -280,7 +280,7 @@ std::string World::key() const {
     for (const Actor& each : actors_) key += "#" + each.key();
     for (const ProcessText text : decisiveProcessTexts) key += "|" + config.*text;
     for (const Waiting& each : waiting_) key += each.tag;
-    for (const auto& [name, value] : device.secureItemStore->items()) key += name.second + value;
+    for (const auto& [name, value] : device.secureItemStore->items()) key += name[1] + value;
     for (const bool flag :
          {config.useBiometrics, device.biometricContext->canEvaluate(), !config.currentBearerToken.empty(),
           config.timerPciExpired, config.pciTimer.isArmed(), !device.pasteboard->text().empty()})

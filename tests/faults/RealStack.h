@@ -49,20 +49,17 @@ class RealStack {
     /// service would have to be asked for.
     void call(const std::string& url, const std::string& caFile) {
         caFile_ = caFile;
-        reconnect();
-        SdkConfig& config = SdkConfig::sharedInstance();
-        const auto ivId = config.ivIdStr;
-        const auto iv = config.ivByteArray;
-        device_.initialize(false, url);
-        config.ivIdStr = ivId;
-        config.ivByteArray = iv;
+        keepingIv([&] {
+            reconnect();
+            device_.initialize(false, url);
+        });
     }
 
     /// Opens new connections from now on: the end of one that a fault closed behind an answer may still be on
     /// its way, and what is sent before it arrives would meet it.
     void reconnect() {
         journey_.reset();
-        device_.connect({.caFile = caFile_, .timeout = timeout_});
+        keepingIv([this] { device_.connect({.caFile = caFile_, .timeout = timeout_}); });
     }
 
     /// Leads a journey to just before the request, on a wire without a fault; sends it with this one, and
@@ -107,6 +104,16 @@ class RealStack {
     sandbox::Wire wire;
 
   private:
+    /// Does what ends the session, but for the IV.
+    static void keepingIv(const std::function<void()>& change) {
+        SdkConfig& config = SdkConfig::sharedInstance();
+        const auto ivId = config.ivIdStr;
+        const auto iv = config.ivByteArray;
+        change();
+        config.ivIdStr = ivId;
+        config.ivByteArray = iv;
+    }
+
     void start(JourneyKind kind, const std::string& bearerToken, const std::string& pciToken) {
         console_->clear();
         journey_.reset();

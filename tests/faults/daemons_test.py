@@ -11,8 +11,8 @@ import unittest
 from driver import PATIENCE, Journey, Sandbox
 from virtual_devices import FPRINT, VirtualDevices, wait_until
 
-# Seconds that an answer may take on a busy machine. Only `initialize` waits, for the first word of the finger daemon.
-AT_ONCE, FIRST_WORD = 0.5, 1.5
+# Seconds that an answer may take on a busy machine. A daemon that hangs is waited for longer.
+AT_ONCE = 0.9
 NO_KEYRING, NOT_KEPT, NO_MATCH = ("KeychainCommunicator.get pci token failed", "Error KeychainCommunicator.set pci token",
                                   "evaluate policy 'success' is false")
 KEPT, FOUND = "Success writing pci token to keychain", "Setting SdkConfg.sharedInstance.currentPciToken"
@@ -100,7 +100,7 @@ class Daemons(unittest.TestCase):
                     self.visit(devices)  # which leaves a token to be found
                 self.visit(devices, *case)
                 print(f"{' '.join(case[:3])}: the longest answer took {self.longest:.2f} s", file=sys.stderr)
-                self.assertLess(self.longest, FIRST_WORD if case[:3] == ("fprintd", BEFORE, "stop") else AT_ONCE)
+                self.assertLess(self.longest, AT_ONCE)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "operations/Operations.h"
 #include "tests/support/ServiceFixture.h"
+#include "tests/support/StoredToken.h"
 
 namespace korvane {
 namespace {
@@ -102,7 +103,8 @@ TEST_F(Replies, TokenRequestStoresTheSmsTokenWhateverTheResultSays) {
 
 TEST_F(Replies, TokenSubmissionStoresTheTokenInMemory) {
     const std::pair<std::string, std::string> timeouts[] = {
-        {"30", "60.0"}, {"abc", "60.0"}, {"-5", "60.0"}, {"3e2", "300.0"}, {"nan", "60.0"}, {"90.5", "90.5"}};
+        {"30", "60.0"},  {"abc", "60.0"},  {"-5", "60.0"},     {"3e2", "300.0"},
+        {"nan", "60.0"}, {"90.5", "90.5"}, {"1e5", "100000.0"}};
     for (const auto& [text, kept] : timeouts) {
         EXPECT_FALSE(submit("pci-2", text).error);
         EXPECT_EQ(config.decBiometricsAuthenticationTimer, kept) << text;
@@ -127,13 +129,13 @@ TEST_F(Replies, WithBiometricsTheTokenIsKeptAndItsTimerRuns) {
     EXPECT_FALSE(submit("pci-1", "90").error);
     EXPECT_EQ(config.currentPciToken, "pci-1");
     EXPECT_FALSE(run(doPciTokenSubmission, {{"encryptedPciToken", "pci-2"}}).error);
-    EXPECT_FALSE(items.contains({"KorvanePCISDKService", "KorvaneSDKPCIToken"}));
+    EXPECT_FALSE(items.contains(storedItem("KorvaneSDKPCIToken")));
     EXPECT_EQ(device.timers->pending(), 0u);
 
     EXPECT_FALSE(submit("pci-3", "90").error);
     EXPECT_THAT(sent(2), HasSubstr(" UseBiometrics=true "));
-    EXPECT_EQ(items.at({"KorvanePCISDKService", "KorvaneSDKPCIToken"}), "pci-3");
-    EXPECT_EQ(items.at({"KorvanePCISDKService", "KorvaneSDKPCITokenBioTimeout"}), "90.0");
+    EXPECT_EQ(items.at(storedItem("KorvaneSDKPCIToken")), "pci-3");
+    EXPECT_EQ(items.at(storedItem("KorvaneSDKPCITokenBioTimeout")), "90.0");
     device.timers->advance(std::chrono::seconds{91});
     settle();
     EXPECT_EQ(config.currentPciToken, "");

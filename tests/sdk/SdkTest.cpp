@@ -9,6 +9,7 @@
 
 #include "platform/fakes/FakePorts.h"
 #include "sdk/SdkConfig.h"
+#include "tests/support/StoredToken.h"
 
 namespace korvane {
 namespace {
@@ -38,6 +39,7 @@ TEST_F(Initialize, StoresWhatTheHostHandsOverAndRefusesAKeyThatIsNotStrictBase64
     EXPECT_EQ(config.cornerRadii, radii);
     EXPECT_EQ(config.wearableName, "Ring");
     EXPECT_TRUE(device.console->has("SDK initialize success"));
+    device.mainQueue->runAll();
     EXPECT_TRUE(device.console->has("Note: failed deletePciTokenAndTimeoutInKeychain()"));
     for (const std::string bad :
          {"AAECAwQFBgcICQoLDA0ODw", "AAEC\nAwQFBgcICQoLDA0ODw==", "AAEC*wQFBgcICQoLDA0ODw=="}) {
@@ -79,9 +81,11 @@ TEST_F(Initialize, AnotherKeyOrServiceLogOutAndUninstallingEndTheSession) {
         call("not base64", "https://other.example");
         EXPECT_EQ(config.currentBearerToken, "token") << "the same service, the same session";
         EXPECT_TRUE(config.pciTimer.isArmed());
-        items[{"KorvanePCISDKService", "KorvaneSDKPCIToken"}] = "token";
+        device.mainQueue->runAll();
+        items[storedItem("KorvaneSDKPCIToken")] = "token";
         const auto* const iv = config.ivByteArray.data();
         end();
+        device.mainQueue->runAll();
         EXPECT_EQ(iv[0], 0) << "wiped where it stood";
         EXPECT_EQ(config.ivIdStr + config.currentBearerToken + config.currentPciToken +
                       config.lastJsonResponseStr + config.decBiometricsAuthenticationTimer,

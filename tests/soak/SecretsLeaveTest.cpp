@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <openssl/evp.h>
 
+#include <random>
+
+#include "sdk/SdkConfig.h"
 #include "tests/soak/MemoryScan.h"
 #include "tests/soak/RealDevice.h"
 
@@ -63,6 +67,47 @@ TEST_P(SecretsLeave, DetailsThatWereRevealedAndCopied) {
     journey.reset();
     for (const std::string& secret : {number, endOfNumber}) EXPECT_EQ(find(secret), nowhere);
     EXPECT_EQ(find(cvv, Beside::nothing), before);
+}
+
+TEST_P(SecretsLeave, TheTokenOfASessionThatEnded) {
+    const std::function<void()> ends[] = {
+        [] { logOut(); },
+        [&] { korvane::initialize(device.key, device.url + "/other", [](const auto&) {}, false, {}, {}); }};
+    for (const auto& end : ends) {
+        begin(JourneyKind::setPIN, "card-physical-active");
+        device.on(*journey, "EnterCardPINView");
+        const std::string token = masked(SdkConfig::sharedInstance().currentPciToken);
+        EXPECT_EQ(find(token).size(), 1);
+        end();
+        EXPECT_EQ(find(token), nowhere);
+    }
+}
+
+TEST(SecretsLeaveAtOnce, AKeyThatIsReplacedOrRefused) {
+    RealDevice device;
+    std::string bytes(32, ' ');
+    std::random_device random;
+    for (char& each : bytes) each = static_cast<char>(random());
+    const auto base64 = [](const std::string& plain) {
+        std::string text(44, ' ');
+        EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
+                        reinterpret_cast<const unsigned char*>(plain.data()), 32);
+        return text;
+    };
+    const auto set = [](const std::string& key) {
+        return korvane::initialize(key, "http://localhost", [](const auto&) {}, false, {}, {});
+    };
+    const std::string plain = masked(bytes);
+    std::string text = masked(base64(bytes));
+    wipe(bytes);
+    EXPECT_TRUE(set(*shown(text)));
+    EXPECT_EQ(find(plain).size(), 1);
+    EXPECT_TRUE(set(base64(std::string(32, 'x'))));
+    EXPECT_EQ(find(plain), nowhere);
+    EXPECT_EQ(find(text), nowhere);
+    text[40] = masked("*")[0];
+    EXPECT_FALSE(set(*shown(text)));
+    EXPECT_EQ(find(plain.substr(0, 30)), nowhere) << "what was decoded of it";
 }
 
 TEST(MemoryScan, FindsWhatIsPlanted) {

@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "tests/support/ScriptedService.h"
+#include "tests/support/StoredToken.h"
 
 namespace korvane {
 namespace {
@@ -99,6 +100,7 @@ Stage::Stage(std::vector<std::string>& lines) : lines_(lines) {
     ports.urlSession = ears;
     installPorts(ports);
     setUp(false);
+    drain();
     lines_.clear();
 }
 
@@ -155,7 +157,7 @@ Journey::Outcome Stage::act(const std::string& verb, const std::string& whole) {
         cardDetails.erase(name);
         if (!value.empty()) cardDetails[name] = value;
     } else if (verb == "stored") {
-        device.secureItemStore->items()[{"KorvanePCISDKService", what}] = rest;
+        device.secureItemStore->items()[storedItem(what)] = rest;
     } else if (verb == "wearable") {
         setUp(false, whole);
     } else if (verb == "biometrics") {
@@ -221,8 +223,7 @@ void Stage::end() {
     note("* (end)");
     journey_.reset();
     drain();
-    for (const auto& [name, value] : device.secureItemStore->items())
-        note("kept " + name.second + "=" + value);
+    for (const auto& [name, value] : device.secureItemStore->items()) note("kept " + name[1] + "=" + value);
 }
 
 }  // namespace

@@ -4,14 +4,12 @@
 #include <gtest/gtest.h>
 #include <korvane/platform/SecureItemStore.h>
 
-#include <atomic>
-#include <chrono>
 #include <concepts>
 #include <memory>
 #include <numeric>
 #include <optional>
 #include <string>
-#include <thread>
+#include <utility>
 
 namespace korvane::testing {
 
@@ -40,54 +38,47 @@ TYPED_TEST_SUITE_P(SecureItemStoreContract);
 
 TYPED_TEST_P(SecureItemStoreContract, AnItemIsAddedOnceUpdatedReadAndRemoved) {
     auto& store = *this->driver.store;
-    EXPECT_EQ(store.exists("service", "account"), secureItemNotFound);
-    EXPECT_EQ(store.update("service", "account", "early"), secureItemNotFound);
-    EXPECT_EQ(store.remove("service", "account"), secureItemNotFound);
-    EXPECT_EQ(store.copy("service", "account").status, secureItemNotFound);
+    const SecureItemName name{"service", "account", "owner"}, otherAccount{"service", "other", "owner"},
+        otherService{"other", "account", "owner"}, otherOwner{"service", "account", "other"};
+    EXPECT_EQ(store.exists(name), secureItemNotFound);
+    EXPECT_EQ(store.update(name, "early"), secureItemNotFound);
+    EXPECT_EQ(store.remove(name), secureItemNotFound);
+    EXPECT_EQ(store.copy(name).status, secureItemNotFound);
 
-    EXPECT_EQ(store.add("service", "account", "one"), secureItemSuccess);
-    EXPECT_EQ(store.add("service", "account", "two"), secureItemDuplicate);
-    EXPECT_EQ(store.copy("service", "account").value, "one");
-    EXPECT_EQ(store.update("service", "account", "three"), secureItemSuccess);
-    EXPECT_EQ(store.exists("service", "account"), secureItemSuccess);
-    EXPECT_EQ(store.copy("service", "account").status, secureItemSuccess);
+    EXPECT_EQ(store.add(name, "one"), secureItemSuccess);
+    EXPECT_EQ(store.add(name, "two"), secureItemDuplicate);
+    EXPECT_EQ(store.copy(name).value, "one");
+    EXPECT_EQ(store.update(name, "three"), secureItemSuccess);
+    EXPECT_EQ(store.exists(name), secureItemSuccess);
+    EXPECT_EQ(store.copy(name).status, secureItemSuccess);
 
-    EXPECT_EQ(store.add("service", "other", "1"), secureItemSuccess);
-    EXPECT_EQ(store.add("other", "account", "2"), secureItemSuccess);
-    EXPECT_EQ(store.copy("service", "account").value, "three");
-    EXPECT_EQ(store.remove("service", "account"), secureItemSuccess);
-    EXPECT_EQ(store.copy("service", "account").value, std::nullopt);
-    EXPECT_EQ(store.copy("service", "other").value, "1");
-    EXPECT_EQ(store.copy("other", "account").value, "2");
+    const std::pair<SecureItemName, std::string> others[] = {
+        {otherAccount, "1"}, {otherService, "2"}, {otherOwner, "3"}};
+    for (const auto& [other, value] : others) EXPECT_EQ(store.add(other, value), secureItemSuccess);
+    EXPECT_EQ(store.copy(name).value, "three");
+    EXPECT_EQ(store.remove(name), secureItemSuccess);
+    EXPECT_EQ(store.copy(name).value, std::nullopt);
+    for (const auto& [other, value] : others) EXPECT_EQ(store.copy(other).value, value);
 }
 
 TYPED_TEST_P(SecureItemStoreContract, AValueIsAnyBytesNoneIncluded) {
     auto& store = *this->driver.store;
+    const SecureItemName name{"service", "account", "owner"};
     std::string bytes(256, '\0');
     std::iota(bytes.begin(), bytes.end(), '\0');
     const std::string values[] = {"", bytes, std::string(64 * 1024, '\xFF')};
     for (const auto& value : values) {
-        EXPECT_EQ(store.add("service", "account", value), secureItemSuccess);
-        EXPECT_EQ(store.copy("service", "account").value, value);
-        EXPECT_EQ(store.update("service", "account", ""), secureItemSuccess);
-        EXPECT_EQ(store.copy("service", "account").value, "");
-        EXPECT_EQ(store.exists("service", "account"), secureItemSuccess);
-        EXPECT_EQ(store.remove("service", "account"), secureItemSuccess);
+        EXPECT_EQ(store.add(name, value), secureItemSuccess);
+        EXPECT_EQ(store.copy(name).value, value);
+        EXPECT_EQ(store.update(name, ""), secureItemSuccess);
+        EXPECT_EQ(store.copy(name).value, "");
+        EXPECT_EQ(store.exists(name), secureItemSuccess);
+        EXPECT_EQ(store.remove(name), secureItemSuccess);
     }
 }
 
-TYPED_TEST_P(SecureItemStoreContract, ItIsReadyOnceAndHoldsWhatItHeld) {
-    auto& store = *this->driver.store;
-    EXPECT_EQ(store.add("service", "account", "value"), secureItemSuccess);
-    const auto times = std::make_shared<std::atomic<int>>(0);
-    store.prepare([times] { ++*times; });
-    for (int i = 0; i < 500 && *times == 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_EQ(store.copy("service", "account").value, "value");
-    EXPECT_EQ(*times, 1);
-}
-
 REGISTER_TYPED_TEST_SUITE_P(SecureItemStoreContract, AnItemIsAddedOnceUpdatedReadAndRemoved,
-                            AValueIsAnyBytesNoneIncluded, ItIsReadyOnceAndHoldsWhatItHeld);
+                            AValueIsAnyBytesNoneIncluded);
 /// @endcond
 
 }  // namespace korvane::testing

@@ -18,7 +18,8 @@ class BiometricContext {
   public:
     virtual ~BiometricContext() = default;
 
-    /// True when there is a reader and the user has enrolled. Main thread; answers within 1 s.
+    /// True when there is a reader and the user has enrolled. Any thread; answers within 2 s. The component
+    /// asks on the background queue.
     virtual bool canEvaluate() = 0;
 
     /// Starts a check and shows `reason` to the user. `reply` runs at most once, on any thread, never from

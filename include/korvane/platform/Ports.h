@@ -2,6 +2,7 @@
 #pragma once
 
 #include <korvane/Export.h>
+#include <korvane/platform/BackgroundQueue.h>
 #include <korvane/platform/BiometricContext.h>
 #include <korvane/platform/Console.h>
 #include <korvane/platform/ImageDecoder.h>
@@ -41,10 +42,14 @@ struct Ports {
     std::shared_ptr<ImageDecoder> imageDecoder = {};
     std::string languageCode = {};  ///< the user's language (BCP 47: "es-MX"), for a string table that does
                                     ///< not tell its own; empty: not known
+    /// Where store and reader are asked. Null: `installPorts` puts a thread of its own there. The last one,
+    /// so that its work ends while the other ports are there.
+    std::shared_ptr<BackgroundQueue> backgroundQueue = {};
 };
 
-/// Installs the ports; call it on the main thread, before `initialize`. A later call replaces them, which is
-/// meant for tests between journeys. Returns false, and installs nothing, when a port is missing.
+/// Installs the ports; call it on the main thread, before `initialize`. A later call ends the session (see
+/// `logOut`; what the store holds stays) and replaces them, which is meant for tests between journeys.
+/// Returns false, and installs nothing, when a port is missing.
 KORVANE_API bool installPorts(Ports ports);
 
 /// Ports are in use. Main thread.
@@ -52,7 +57,7 @@ KORVANE_API bool portsInstalled();
 
 /// Lets go of the ports, at the end of an app's `main` when no journey is left. The adapters then end their
 /// threads while the libraries that they use are still there; without this they run until the process ends.
-/// Main thread.
+/// Work that is under way in the secure store is waited for: 2 s at most when a keyring hangs. Main thread.
 KORVANE_API void uninstallPorts();
 
 /// The ports in use. Calling it before `installPorts` ends the process with a message on standard error:

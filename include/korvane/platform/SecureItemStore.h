@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,43 +38,47 @@ struct SecureItem {
     std::optional<std::string> value;                  ///< raw bytes; set only with status 0
 };
 
-/// Generic passwords in the device's own secure store, each named by service and account, readable after the
-/// user's first unlock. Calls are synchronous but bounded (5 s), and may come from any thread. A store that
-/// is absent, locked or hanging answers with a status; it never throws and falls back to nothing weaker.
+/// Which item: all three must be equal.
+struct SecureItemName {
+    std::string_view service;
+    std::string_view account;
+    /// Whose it is: a text of printable ASCII that stands for the key and the service that the item's value
+    /// is good for. An item of another owner is as if it were not there.
+    std::string_view owner;
+};
+
+/// Generic passwords in the device's own secure store, readable after the user's first unlock. Calls are
+/// synchronous but bounded (5 s); the component makes them on the background queue, one after the other. A
+/// store that is absent, locked or hanging answers with a status; it never throws and falls back to nothing
+/// weaker. A store that other apps of the user share keeps their items apart from this app's.
+///
+/// A locked store may have the user asked to open it, but not for `remove`: nobody asked for that.
 class SecureItemStore {
   public:
     virtual ~SecureItemStore() = default;
 
     /// Status 0 when the item exists; its value is not read.
-    virtual SecureItemStatus exists(std::string_view service, std::string_view account) = 0;
+    virtual SecureItemStatus exists(const SecureItemName& name) = 0;
     /// `secureItemDuplicate` when the item exists already.
-    virtual SecureItemStatus add(std::string_view service, std::string_view account,
-                                 std::string_view value) = 0;
+    virtual SecureItemStatus add(const SecureItemName& name, std::string_view value) = 0;
     /// Puts `value` (any bytes) in the place of the item's; `secureItemNotFound` when there is no item.
-    virtual SecureItemStatus update(std::string_view service, std::string_view account,
-                                    std::string_view value) = 0;
+    virtual SecureItemStatus update(const SecureItemName& name, std::string_view value) = 0;
     /// The item's value; `secureItemNotFound` when there is no item.
-    virtual SecureItem copy(std::string_view service, std::string_view account) = 0;
+    virtual SecureItem copy(const SecureItemName& name) = 0;
     /// Deletes the item; `secureItemNotFound` when there is none.
-    virtual SecureItemStatus remove(std::string_view service, std::string_view account) = 0;
-
-    /// Calls are to come: a store that may hang finds out whether it answers, and has the calls after `ready`
-    /// not wait if it does not. `ready` runs once, on any thread, from inside this call too, within 5 s.
-    virtual void prepare(std::function<void()> ready) { ready(); }
+    virtual SecureItemStatus remove(const SecureItemName& name) = 0;
 };
 
 /// The store of a device that has none: every call answers `secureItemNotAvailable`.
 class NoSecureItemStore final : public SecureItemStore {
   public:
-    SecureItemStatus exists(std::string_view, std::string_view) override { return secureItemNotAvailable; }
-    SecureItemStatus add(std::string_view, std::string_view, std::string_view) override {
+    SecureItemStatus exists(const SecureItemName&) override { return secureItemNotAvailable; }
+    SecureItemStatus add(const SecureItemName&, std::string_view) override { return secureItemNotAvailable; }
+    SecureItemStatus update(const SecureItemName&, std::string_view) override {
         return secureItemNotAvailable;
     }
-    SecureItemStatus update(std::string_view, std::string_view, std::string_view) override {
-        return secureItemNotAvailable;
-    }
-    SecureItem copy(std::string_view, std::string_view) override { return {}; }
-    SecureItemStatus remove(std::string_view, std::string_view) override { return secureItemNotAvailable; }
+    SecureItem copy(const SecureItemName&) override { return {}; }
+    SecureItemStatus remove(const SecureItemName&) override { return secureItemNotAvailable; }
 };
 
 }  // namespace korvane

@@ -5,13 +5,14 @@
 #include <korvane/platform/BiometricContext.h>
 #include <korvane/platform/MainQueue.h>
 
+#include <atomic>
 #include <string>
 #include <vector>
 
 namespace korvane {
 
-/// A check that is answered by hand. Main thread only; replies are posted to the queue it was made with.
-/// While it is not available, a check that is started all the same is answered with false.
+/// A check that is answered by hand. Main thread only, but for `canEvaluate`; replies are posted to the queue
+/// it was made with. While it is not available, a check that is started all the same is answered with false.
 class KORVANE_API FakeBiometricContext final : public BiometricContext {
   public:
     /// @param queue  where replies are posted; shared, never null
@@ -37,7 +38,7 @@ class KORVANE_API FakeBiometricContext final : public BiometricContext {
     void post(std::shared_ptr<Check> check, bool match);
 
     std::shared_ptr<MainQueue> queue_;
-    bool available_ = true;
+    std::atomic<bool> available_ = true;
     std::vector<std::string> reasons_;
     std::vector<std::shared_ptr<Check>> open_;
 };

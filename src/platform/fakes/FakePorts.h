@@ -3,6 +3,7 @@
 
 #include <korvane/platform/Ports.h>
 
+#include "FakeBackgroundQueue.h"
 #include "FakeBiometricContext.h"
 #include "FakeConsole.h"
 #include "FakeMainQueue.h"
@@ -17,6 +18,8 @@ namespace korvane {
 struct FakePorts {
     /// Pump it by hand.
     std::shared_ptr<FakeMainQueue> mainQueue = std::make_shared<FakeMainQueue>();
+    /// Store and reader are asked in its turns, or by hand.
+    std::shared_ptr<FakeBackgroundQueue> backgroundQueue = std::make_shared<FakeBackgroundQueue>(mainQueue);
     /// Move their clock by hand.
     std::shared_ptr<FakeTimers> timers = std::make_shared<FakeTimers>();
     /// Script the answers of the card service.
@@ -41,7 +44,8 @@ struct FakePorts {
                       .secureItemStore = secureItemStore,
                       .biometricContext = biometricContext,
                       .stringTable = std::make_shared<KeyStringTable>(),
-                      .pasteboard = pasteboard});
+                      .pasteboard = pasteboard,
+                      .backgroundQueue = backgroundQueue});
     }
 };
 

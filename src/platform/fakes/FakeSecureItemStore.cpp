@@ -1,51 +1,50 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/fakes/FakeSecureItemStore.h"
 
+#include <utility>
+
 namespace korvane {
 namespace {
 
-std::pair<std::string, std::string> keyOf(std::string_view service, std::string_view account) {
-    return {std::string{service}, std::string{account}};
+FakeSecureItemStore::Name keyOf(const SecureItemName& name) {
+    return {std::string{name.service}, std::string{name.account}, std::string{name.owner}};
 }
 
 }  // namespace
 
-SecureItemStatus FakeSecureItemStore::exists(std::string_view service, std::string_view account) {
+SecureItemStatus FakeSecureItemStore::exists(const SecureItemName& name) {
     const std::lock_guard lock(mutex_);
     if (const auto status = scripted(); status != secureItemSuccess) return status;
-    return items_.contains(keyOf(service, account)) ? secureItemSuccess : secureItemNotFound;
+    return items_.contains(keyOf(name)) ? secureItemSuccess : secureItemNotFound;
 }
 
-SecureItemStatus FakeSecureItemStore::add(std::string_view service, std::string_view account,
-                                          std::string_view value) {
+SecureItemStatus FakeSecureItemStore::add(const SecureItemName& name, std::string_view value) {
     const std::lock_guard lock(mutex_);
     if (const auto status = scripted(); status != secureItemSuccess) return status;
-    return items_.try_emplace(keyOf(service, account), value).second ? secureItemSuccess
-                                                                     : secureItemDuplicate;
+    return items_.try_emplace(keyOf(name), value).second ? secureItemSuccess : secureItemDuplicate;
 }
 
-SecureItemStatus FakeSecureItemStore::update(std::string_view service, std::string_view account,
-                                             std::string_view value) {
+SecureItemStatus FakeSecureItemStore::update(const SecureItemName& name, std::string_view value) {
     const std::lock_guard lock(mutex_);
     if (const auto status = scripted(); status != secureItemSuccess) return status;
-    const auto item = items_.find(keyOf(service, account));
+    const auto item = items_.find(keyOf(name));
     if (item == items_.end()) return secureItemNotFound;
     item->second = value;
     return secureItemSuccess;
 }
 
-SecureItem FakeSecureItemStore::copy(std::string_view service, std::string_view account) {
+SecureItem FakeSecureItemStore::copy(const SecureItemName& name) {
     const std::lock_guard lock(mutex_);
     if (const auto status = scripted(); status != secureItemSuccess) return {status, std::nullopt};
-    const auto item = items_.find(keyOf(service, account));
+    const auto item = items_.find(keyOf(name));
     if (item == items_.end()) return {secureItemNotFound, std::nullopt};
     return {secureItemSuccess, item->second};
 }
 
-SecureItemStatus FakeSecureItemStore::remove(std::string_view service, std::string_view account) {
+SecureItemStatus FakeSecureItemStore::remove(const SecureItemName& name) {
     const std::lock_guard lock(mutex_);
     if (const auto status = scripted(); status != secureItemSuccess) return status;
-    return items_.erase(keyOf(service, account)) == 1 ? secureItemSuccess : secureItemNotFound;
+    return items_.erase(keyOf(name)) == 1 ? secureItemSuccess : secureItemNotFound;
 }
 
 void FakeSecureItemStore::failNext(std::deque<SecureItemStatus> statuses) {

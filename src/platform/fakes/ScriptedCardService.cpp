@@ -89,6 +89,7 @@ ScriptedCardService::ScriptedCardService()
         reply("iv-" + std::to_string(++ivsSupplied), ivText);
     };
     initialize(keyText, "https://cards.example", ivCallback, false, {}, {});
+    device.mainQueue->runAll();
 }
 
 std::string ScriptedCardService::encipher(const std::string& text) const {

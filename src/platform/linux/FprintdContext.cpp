@@ -2,9 +2,7 @@
 #include "platform/linux/FprintdContext.h"
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
-#include <optional>
+#include <future>
 #include <utility>
 
 #include "platform/linux/FprintdReader.h"
@@ -15,11 +13,12 @@ namespace korvane {
 namespace {
 
 constexpr int triesOfACheck = 3;
-constexpr auto probeLimit = 30 * G_USEC_PER_SEC;
-constexpr std::chrono::seconds probeWait{1};
+constexpr auto probeLimit = 2 * G_USEC_PER_SEC;
+
+}  // namespace
 
 /// What the main thread tells the thread that runs a check.
-class Wish {
+class FprintdContext::Wish {
   public:
     explicit Wish(std::shared_ptr<GMainContext> context) : context_(std::move(context)) {}
 
@@ -41,12 +40,10 @@ class Wish {
 };
 
 /// How a check reports, from its thread.
-struct Reports {
+struct FprintdContext::Reports {
     std::function<void(const char* messageId)> tell;
     std::function<void(bool match)> finish;
 };
-
-}  // namespace
 
 /// A check as the main thread sees it; its handle owns it, and the thread never does.
 struct FprintdContext::Check {
@@ -83,70 +80,12 @@ class FprintdContext::Evaluation final : public BiometricEvaluation {
     std::shared_ptr<Check> check_;
 };
 
-/// The thread, and what the last probe found.
-class FprintdContext::Worker {
-  public:
-    explicit Worker(std::string busAddress) : busAddress_(std::move(busAddress)) { probe(); }
-    ~Worker() {
-        stopping_ = true;  // the thread, which goes first, wakes up
-    }
-
-    const std::shared_ptr<GMainContext>& context() const { return thread_.context(); }
-
-    bool lastProbe() {
-        probe();
-        std::unique_lock lock(mutex_);
-        // Waited for once: a daemon that hangs would cost the main thread as much at each call.
-        if (!probed_.wait_for(lock, probeWait, [this] { return found_.has_value(); })) found_ = false;
-        return *found_;
-    }
-
-    void run(std::shared_ptr<Wish> wish, std::int64_t deadline, Reports reports) {
-        ++checks_;
-        g_main_context_wakeup(context().get());  // a probe that is running gives way
-        thread_.post([this, wish = std::move(wish), deadline, reports = std::move(reports)] {
-            check(*wish, deadline, reports);
-            --checks_;
-        });
-    }
-
-  private:
-    void probe();
-    void check(const Wish& wish, std::int64_t deadline, const Reports& reports);
-    bool waitUntilArmed(const Wish& wish, std::int64_t deadline);
-
-    const std::string busAddress_;
-    std::atomic<bool> stopping_ = false;
-    std::atomic<int> checks_ = 0;  // running or waiting
-    std::mutex mutex_;             // for the next three
-    std::condition_variable probed_;
-    std::optional<bool> found_;
-    bool probing_ = false;
-    GLibThread thread_{"korvane-finger"};
-};
-
-void FprintdContext::Worker::probe() {
-    {
-        const std::lock_guard lock(mutex_);
-        if (std::exchange(probing_, true)) return;
-    }
-    thread_.post([this] {
-        FprintdReader reader(thread_.context().get(), g_get_monotonic_time() + probeLimit,
-                             [this] { return stopping_ || checks_ > 0; });
-        const bool found = reader.open(busAddress_);
-        const std::lock_guard lock(mutex_);
-        if (!reader.wasInterrupted()) found_ = found;
-        probing_ = false;
-        probed_.notify_all();
-    });
-}
-
-void FprintdContext::Worker::check(const Wish& wish, std::int64_t deadline, const Reports& reports) {
+void FprintdContext::run(const Wish& wish, std::int64_t deadline, const Reports& reports) const {
     int triesLeft = triesOfACheck;
     using Outcome = FprintdReader::Outcome;
     while (waitUntilArmed(wish, deadline)) {
-        FprintdReader reader(thread_.context().get(), deadline, [&wish] { return !wish.armed(); });
-        if (!reader.open(busAddress_) || !reader.claim()) {
+        FprintdReader reader(thread_->context().get(), deadline, [&wish] { return !wish.armed(); });
+        if (!reader.open(options_.busAddress) || !reader.claim()) {
             if (reader.wasInterrupted()) continue;
             reports.finish(false);
             return;
@@ -166,11 +105,12 @@ void FprintdContext::Worker::check(const Wish& wish, std::int64_t deadline, cons
 }
 
 /// False when the check ended, or its time did.
-bool FprintdContext::Worker::waitUntilArmed(const Wish& wish, std::int64_t deadline) {
-    GSource* alarm = attachSource(context().get(), "korvane fingerprint check", [] {});
+bool FprintdContext::waitUntilArmed(const Wish& wish, std::int64_t deadline) const {
+    GMainContext* const context = thread_->context().get();
+    GSource* alarm = attachSource(context, "korvane fingerprint check", [] {});
     while (!wish.armed() && !wish.ended() && g_get_monotonic_time() < deadline) {
         g_source_set_ready_time(alarm, deadline);
-        g_main_context_iteration(context().get(), TRUE);
+        g_main_context_iteration(context, TRUE);
     }
     releaseSource(alarm);
     return wish.armed() && g_get_monotonic_time() < deadline;
@@ -181,7 +121,7 @@ FprintdContext::FprintdContext(std::shared_ptr<MainQueue> mainQueue, std::shared
     : mainQueue_(std::move(mainQueue)),
       prompt_(std::move(prompt)),
       options_(std::move(options)),
-      worker_(std::make_unique<Worker>(options_.busAddress)) {}
+      thread_(std::make_unique<GLibThread>("korvane-finger")) {}
 
 FprintdContext::~FprintdContext() {
     for (const auto& weak : checks_) {
@@ -190,7 +130,17 @@ FprintdContext::~FprintdContext() {
 }
 
 bool FprintdContext::canEvaluate() {
-    return worker_->lastProbe();
+    bool found = false;
+    std::promise<void> done;
+    GLibThread thread("korvane-reader");  // a check may hold the other one up
+    thread.post([&] {
+        FprintdReader reader(thread.context().get(), g_get_monotonic_time() + probeLimit,
+                             [] { return false; });
+        found = reader.open(options_.busAddress);
+        done.set_value();
+    });
+    done.get_future().wait();
+    return found;
 }
 
 std::unique_ptr<BiometricEvaluation> FprintdContext::evaluate(std::string reason,
@@ -198,7 +148,7 @@ std::unique_ptr<BiometricEvaluation> FprintdContext::evaluate(std::string reason
     const auto deadline = g_get_monotonic_time() + std::chrono::microseconds(options_.timeout).count();
     const auto check = std::make_shared<Check>();
     check->reply = std::move(reply);
-    check->wish = std::make_shared<Wish>(worker_->context());
+    check->wish = std::make_shared<Wish>(thread_->context());
     const std::weak_ptr<Check> weak = check;
     std::erase_if(checks_, [](const auto& other) { return other.expired(); });
     checks_.push_back(weak);
@@ -223,7 +173,9 @@ std::unique_ptr<BiometricEvaluation> FprintdContext::evaluate(std::string reason
     };
     check->prompt = prompt_->show(reason, std::move(callbacks));
     if (check->prompt) {
-        worker_->run(check->wish, deadline, {tell, finish});
+        thread_->post([this, wish = check->wish, deadline, reports = Reports{tell, finish}] {
+            run(*wish, deadline, reports);
+        });
     } else {
         finish(false);
     }

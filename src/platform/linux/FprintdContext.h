@@ -7,11 +7,14 @@
 #include <korvane/platform/MainQueue.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace korvane {
+
+class GLibThread;
 
 /// Where the daemon is, and how long a check may take. The defaults are meant for use.
 struct FprintdContextOptions {
@@ -24,7 +27,7 @@ struct FprintdContextOptions {
 /// Fingerprint checks by fprintd (net.reactivated.Fprint over D-Bus), for the user that the process runs as.
 /// `evaluate`, the release of its handle and the destructor belong to the main thread; replies run there too,
 /// by the main queue. The daemon is spoken to on one thread of the context's own, one check after the other,
-/// so nothing here waits for it, but `canEvaluate` for the first probe (1 s at most).
+/// so nothing there waits for it.
 ///
 /// The reader is armed (claimed and verifying) only while the prompt is visible; it is released on every way
 /// out: match, no match, cancel, time-out, prompt out of sight, daemon lost, reader unplugged. Each arming
@@ -36,14 +39,14 @@ struct FprintdContextOptions {
 /// for again for about 5 s.
 class KORVANE_API FprintdContext final : public BiometricContext {
   public:
-    /// Probes at once: the daemon exits when idle and may take seconds to start again.
+    /// Starts the thread, and asks the daemon nothing yet.
     FprintdContext(std::shared_ptr<MainQueue> mainQueue, std::shared_ptr<BiometricPrompt> prompt,
                    FprintdContextOptions options = {});
     /// Drops the checks under way with their prompts, and waits until the reader is released (2 s at most).
     ~FprintdContext() override;
 
-    /// True when there is a reader with a finger enrolled. Answers from the last probe, and starts another
-    /// for the next time.
+    /// True when there is a reader with a finger enrolled. Asks the daemon, which may have to start first: 2
+    /// s at most. Any thread.
     bool canEvaluate() override;
     std::unique_ptr<BiometricEvaluation> evaluate(std::string reason,
                                                   std::function<void(bool)> reply) override;
@@ -51,13 +54,16 @@ class KORVANE_API FprintdContext final : public BiometricContext {
   private:
     struct KORVANE_HIDDEN Check;
     class KORVANE_HIDDEN Evaluation;
-    class KORVANE_HIDDEN Worker;
+    class KORVANE_HIDDEN Wish;
+    struct KORVANE_HIDDEN Reports;
+    KORVANE_HIDDEN void run(const Wish& wish, std::int64_t deadline, const Reports& reports) const;
+    KORVANE_HIDDEN bool waitUntilArmed(const Wish& wish, std::int64_t deadline) const;
 
     const std::shared_ptr<MainQueue> mainQueue_;
     const std::shared_ptr<BiometricPrompt> prompt_;
     const FprintdContextOptions options_;
     std::vector<std::weak_ptr<Check>> checks_;
-    std::unique_ptr<Worker> worker_;
+    std::unique_ptr<GLibThread> thread_;
 };
 
 }  // namespace korvane

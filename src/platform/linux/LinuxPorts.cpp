@@ -37,7 +37,7 @@ Ports linuxPorts(const LinuxPortsOptions& options) {
     ports.urlSession = std::make_shared<CurlUrlSession>(session);
     ports.console = logConsole(std::make_shared<StdoutConsole>(), options.logValues);
     // The store is there with biometrics off too: `initialize` deletes what an earlier run kept.
-    ports.secureItemStore = std::make_shared<SecretServiceStore>();
+    ports.secureItemStore = std::make_shared<SecretServiceStore>(SecretServiceStoreOptions{options.appId});
     if (options.prompt)
         ports.biometricContext = std::make_shared<FprintdContext>(ports.mainQueue, options.prompt);
     ports.languageCode = localeLanguage();

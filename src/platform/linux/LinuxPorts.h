@@ -22,6 +22,9 @@ struct LinuxPortsOptions {
     LogValues logValues = LogValues::byBuild;
     /// Tells the person to touch the reader of fprintd; none: a device without biometrics
     std::shared_ptr<BiometricPrompt> prompt = nullptr;
+    /// Of the app in the keyring, which all apps of the user share: the same each time it is started. Empty:
+    /// the executable's file name
+    std::string appId = {};
     /// Of the main loop, not owned; none: GLib's default one
     GMainContext* context = nullptr;
 };

@@ -44,6 +44,14 @@ SecureItemStatus statusOf(const GLibError& error) {
     return row == rows.end() ? secureItemFailed : row->status;
 }
 
+GVariant* dictionary(const std::map<std::string, std::string>& entries) {
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a{ss}"));
+    for (const auto& [name, value] : entries)
+        g_variant_builder_add(&builder, "{ss}", name.c_str(), value.c_str());
+    return g_variant_builder_end(&builder);
+}
+
 }  // namespace
 
 SecretServiceClient::~SecretServiceClient() {
@@ -54,7 +62,7 @@ SecretServiceClient::~SecretServiceClient() {
                            nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
-SecureItemStatus SecretServiceClient::connectToBus() {
+SecureItemStatus SecretServiceClient::connect() {
     GLibError error;
     connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable_.get(), error.out()));
     if (!connection_) {
@@ -63,22 +71,6 @@ SecureItemStatus SecretServiceClient::connectToBus() {
     }
     // Or GLib ends the host's process when the bus goes. libsecret knows no connection but the shared one.
     g_dbus_connection_set_exit_on_close(connection_.get(), FALSE);
-    return secureItemSuccess;
-}
-
-bool SecretServiceClient::answers(std::chrono::milliseconds limit) {
-    if (const SecureItemStatus status = connectToBus(); status != secureItemSuccess)
-        return status != secureItemTimedOut;
-    GLibError error;
-    const GLibPtr<GVariant> reply(g_dbus_connection_call_sync(
-        connection_.get(), busName, servicePath, serviceInterface, "ReadAlias", g_variant_new("(s)", "login"),
-        nullptr, G_DBUS_CALL_FLAGS_NONE, static_cast<int>(limit.count()), cancellable_.get(), error.out()));
-    return reply || statusOf(error) != secureItemTimedOut;
-}
-
-SecureItemStatus SecretServiceClient::connect() {
-    if (const SecureItemStatus status = connectToBus(); status != secureItemSuccess) return status;
-    GLibError error;
     service_.reset(secret_service_open_sync(SECRET_TYPE_SERVICE, busName, SECRET_SERVICE_OPEN_SESSION,
                                             cancellable_.get(), error.out()));
     return service_ ? secureItemSuccess : statusOf(error);
@@ -110,6 +102,12 @@ bool SecretServiceClient::waitsForPrompt(const char* path) {
     return !prompt_.empty();
 }
 
+void SecretServiceClient::showPrompt() {
+    g_dbus_connection_call(connection_.get(), busName, prompt_.c_str(), "org.freedesktop.Secret.Prompt",
+                           "Prompt", g_variant_new("(s)", ""), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                           nullptr, nullptr);
+}
+
 SecureItemStatus SecretServiceClient::openCollection() {
     SecureItemStatus status = secureItemSuccess;
     collection_ = alias("login", status);
@@ -130,27 +128,50 @@ SecureItemStatus SecretServiceClient::openCollection() {
     return waitsForPrompt(prompt) ? secureItemLocked : secureItemNoCollection;
 }
 
-GVariant* SecretServiceClient::attributes() const {
-    GVariantBuilder builder;
-    g_variant_builder_init(&builder, G_VARIANT_TYPE("a{ss}"));
-    g_variant_builder_add(&builder, "{ss}", "service", serviceName_.c_str());
-    g_variant_builder_add(&builder, "{ss}", "account", account_.c_str());
-    return g_variant_builder_end(&builder);
+GLibPtr<GVariant> SecretServiceClient::property(const char* path, const char* interface, const char* name,
+                                                SecureItemStatus& status) {
+    const auto reply = call(path, "org.freedesktop.DBus.Properties", "Get",
+                            g_variant_new("(ss)", interface, name), "(v)", status);
+    if (!reply) return nullptr;
+    GVariant* value = nullptr;
+    g_variant_get(reply.get(), "(v)", &value);
+    return GLibPtr<GVariant>(value);
 }
 
-SecureItemStatus SecretServiceClient::find(std::string service, std::string account) {
-    serviceName_ = std::move(service);
-    account_ = std::move(account);
+SecretServiceClient::Attributes SecretServiceClient::attributesOf(const std::string& item,
+                                                                  SecureItemStatus& status) {
+    const auto found = property(item.c_str(), itemInterface, "Attributes", status);
+    Attributes attributes;
+    if (!found || !g_variant_is_of_type(found.get(), G_VARIANT_TYPE("a{ss}"))) return attributes;
+    GVariantIter each;
+    g_variant_iter_init(&each, found.get());
+    const char *name = nullptr, *value = nullptr;
+    while (g_variant_iter_next(&each, "{&s&s}", &name, &value)) attributes.emplace(name, value);
+    return attributes;
+}
+
+SecureItemStatus SecretServiceClient::find() {
     items_.clear();
     SecureItemStatus status = secureItemSuccess;
+    const Attributes named{{"service", attributes_.at("service")}, {"account", attributes_.at("account")}};
     const auto reply = call(collection_.c_str(), collectionInterface, "SearchItems",
-                            g_variant_new("(@a{ss})", attributes()), "(ao)", status);
+                            g_variant_new("(@a{ss})", dictionary(named)), "(ao)", status);
     if (!reply) return status == secureItemNotFound ? secureItemNoCollection : status;
     const GLibPtr<GVariant> paths(g_variant_get_child_value(reply.get(), 0));
     for (gsize i = 0; i < g_variant_n_children(paths.get()); ++i) {
         const char* path = nullptr;
         g_variant_get_child(paths.get(), i, "&o", &path);
-        items_.emplace_back(path);
+        const Attributes found = attributesOf(path, status);
+        const auto has = [&found](const auto& each) {
+            const auto at = found.find(each.first);
+            return at != found.end() && at->second == each.second;
+        };
+        if (status == secureItemSuccess && !found.contains("app")) {
+            call(path, itemInterface, "Delete", nullptr, "(o)", status);
+        } else if (std::all_of(attributes_.begin(), attributes_.end(), has)) {
+            items_.emplace_back(path);
+        }
+        if (status != secureItemSuccess && status != secureItemNotFound) return status;
     }
     return items_.empty() ? statusWhenNothingFound() : secureItemSuccess;
 }
@@ -158,12 +179,8 @@ SecureItemStatus SecretServiceClient::find(std::string service, std::string acco
 /// A collection that was locked in the meantime shows no items: that must not read as none.
 SecureItemStatus SecretServiceClient::statusWhenNothingFound() {
     SecureItemStatus status = secureItemSuccess;
-    const auto reply = call(collection_.c_str(), "org.freedesktop.DBus.Properties", "Get",
-                            g_variant_new("(ss)", collectionInterface, "Locked"), "(v)", status);
-    if (!reply) return status == secureItemNotFound ? secureItemNoCollection : status;
-    GVariant* boxed = nullptr;
-    g_variant_get(reply.get(), "(v)", &boxed);
-    const GLibPtr<GVariant> locked(boxed);
+    const auto locked = property(collection_.c_str(), collectionInterface, "Locked", status);
+    if (!locked) return status == secureItemNotFound ? secureItemNoCollection : status;
     const bool open =
         g_variant_is_of_type(locked.get(), G_VARIANT_TYPE_BOOLEAN) && !g_variant_get_boolean(locked.get());
     return open ? secureItemNotFound : secureItemLocked;
@@ -180,8 +197,9 @@ SecureItemStatus SecretServiceClient::create(std::string_view value) {
     GVariantBuilder properties;
     g_variant_builder_init(&properties, G_VARIANT_TYPE("a{sv}"));
     g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Label",
-                          g_variant_new_string(serviceName_.c_str()));
-    g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Attributes", attributes());
+                          g_variant_new_string(attributes_.at("service").c_str()));
+    g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Attributes",
+                          dictionary(attributes_));
     SecureItemStatus status = secureItemSuccess;
     const auto reply =
         call(collection_.c_str(), collectionInterface, "CreateItem",

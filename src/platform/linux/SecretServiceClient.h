@@ -8,7 +8,7 @@
 #define SECRET_API_SUBJECT_TO_CHANGE
 #include <libsecret/secret.h>
 
-#include <chrono>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,24 +18,28 @@
 namespace korvane {
 
 /// One conversation with the Secret Service: connects, finds the collection, unlocks it where that needs no
-/// prompt, finds the items of one service and account, and acts on them. Each method blocks until the daemon
-/// answers or `cancellable` is cancelled; with any status but success, the rest must not be called.
+/// prompt, finds the items of one name, and acts on them. Each method blocks until the daemon answers or
+/// `cancellable` is cancelled; with any status but success, the rest must not be called.
 class SecretServiceClient {
   public:
-    explicit SecretServiceClient(GCancellable* cancellable)
-        : cancellable_(static_cast<GCancellable*>(g_object_ref(cancellable))) {}
+    /// @param app  whose items these are
+    SecretServiceClient(GCancellable* cancellable, const std::string& app, const SecureItemName& name)
+        : cancellable_(static_cast<GCancellable*>(g_object_ref(cancellable))),
+          attributes_{{"service", std::string{name.service}},
+                      {"account", std::string{name.account}},
+                      {"app", app},
+                      {"owner", std::string{name.owner}}} {}
     ~SecretServiceClient();
     SecretServiceClient(const SecretServiceClient&) = delete;
     SecretServiceClient& operator=(const SecretServiceClient&) = delete;
 
-    /// Whether the daemon answers at all within that time, be it that there is none. Needs no `connect`.
-    bool answers(std::chrono::milliseconds limit);
-
     SecureItemStatus connect();
     SecureItemStatus openCollection();
-    SecureItemStatus find(std::string service, std::string account);
+    /// Deletes items of this service and account on the way that say not whose they are: an earlier
+    /// version's.
+    SecureItemStatus find();
 
-    // Of what `find` was told; all but `create` need that it found something.
+    // All but `create` need that `find` found something.
     SecureItemStatus create(std::string_view value);
     SecureItemStatus replace(std::string_view value);
     SecureItem read();
@@ -43,24 +47,26 @@ class SecretServiceClient {
 
     /// Path of the prompt that the last call waits for; "" when it waits for none.
     const std::string& prompt() const { return prompt_; }
-    SecretService* service() const { return service_.get(); }
+    /// Has the daemon put that prompt up, and does not wait for it.
+    void showPrompt();
 
   private:
-    SecureItemStatus connectToBus();
     GLibPtr<GVariant> call(const char* path, const char* interface, const char* method, GVariant* arguments,
                            const char* replyType, SecureItemStatus& status);
     std::string alias(const char* name, SecureItemStatus& status);
     bool waitsForPrompt(const char* path);
     SecureItemStatus statusWhenNothingFound();
-    GVariant* attributes() const;
+    using Attributes = std::map<std::string, std::string>;
+    Attributes attributesOf(const std::string& item, SecureItemStatus& status);
+    GLibPtr<GVariant> property(const char* path, const char* interface, const char* name,
+                               SecureItemStatus& status);
     GVariant* encode(std::string_view value);
 
     GLibPtr<GCancellable> cancellable_;
     GLibPtr<GDBusConnection> connection_;
     GLibPtr<SecretService> service_;
     std::string collection_;
-    std::string serviceName_;
-    std::string account_;
+    const Attributes attributes_;
     std::vector<std::string> items_;
     std::string prompt_;
 };

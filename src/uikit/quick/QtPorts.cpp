@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <korvane/QtPorts.h>
 
+#include <QGuiApplication>
 #include <QLocale>
 #include <memory>
 
@@ -22,11 +23,13 @@ Ports qtPorts(const QtPortsOptions& options) {
     CurlUrlSessionOptions session;
     session.caFile = options.caFile;
     const auto mainQueue = std::make_shared<QtMainQueue>();
+    const std::string appId =
+        options.appId.empty() ? QGuiApplication::desktopFileName().toStdString() : options.appId;
     return {.mainQueue = mainQueue,
             .timers = std::make_shared<QtTimers>(),
             .urlSession = std::make_shared<CurlUrlSession>(session),
             .console = logConsole(std::make_shared<StdoutConsole>(), options.logValues),
-            .secureItemStore = std::make_shared<SecretServiceStore>(),
+            .secureItemStore = std::make_shared<SecretServiceStore>(SecretServiceStoreOptions{appId}),
             .biometricContext =
                 std::make_shared<FprintdContext>(mainQueue, std::make_shared<QuickBiometricPrompt>()),
             .stringTable = componentTexts(),

@@ -5,6 +5,7 @@ Answers each with one line on the standard output."""
 import json
 import pathlib
 import signal
+import subprocess
 import sys
 
 import dbus.lowlevel
@@ -13,6 +14,7 @@ sys.path.append(str(pathlib.Path(__file__).parents[3] / "apps/virtual-reader"))
 from virtual_devices import FPRINT, LOGIN, READER, SECRETS, VirtualDevices, wait_until  # noqa: E402
 
 DEVICE = FPRINT + ".Device"
+ITEM = "org.freedesktop.Secret.Item"
 
 
 class Devices(VirtualDevices):
@@ -30,6 +32,21 @@ class Devices(VirtualDevices):
     def go_on(self, name):
         self.processes[name].send_signal(signal.SIGCONT)
 
+    def slow(self, name):
+        """A second for each answer, or nearly."""
+        self.stop(name)
+        pid = self.processes[name].pid
+        self.processes["slow"] = subprocess.Popen(
+            ["sh", "-c", f"while sleep 0.95; do kill -CONT {pid}; sleep 0.05; kill -STOP {pid}; done"],
+            stderr=subprocess.DEVNULL)
+
+    def kill(self, name):
+        self.kill_keyring() if name == "keyring" else self.kill_reader()
+
+    def restart_reader(self):
+        self._daemon("fprintd", "/usr/libexec/fprintd", "-t", **self.reader_environment())
+        self._wait_for(self.system, FPRINT)
+
     def kill_bus(self):
         self.processes["session"].kill()
 
@@ -39,12 +56,49 @@ class Devices(VirtualDevices):
 
     # The keyring's items, as another program meets them.
 
-    def items(self):
+    def _found(self, **attributes):
         collection = self.session.get_object(SECRETS, LOGIN)
-        found = collection.SearchItems({"service": "service", "account": "account"},
-                                       dbus_interface="org.freedesktop.Secret.Collection")
+        return collection.SearchItems(attributes, dbus_interface="org.freedesktop.Secret.Collection")
+
+    def items(self):
+        found = self._found(service="service", account="account")
         return [self.session.get_object(SECRETS, path).GetAll("org.freedesktop.Secret.Item",
                                                               dbus_interface=dbus.PROPERTIES_IFACE) for path in found]
+
+    def count(self, service="service"):
+        """How many items of the service there are, whosever they are."""
+        return len(self._found(service=service))
+
+    def plant_old_item(self):
+        """As the component made it before an item said whose it is."""
+        service = self.session.get_object(SECRETS, "/org/freedesktop/secrets")
+        _, session = service.OpenSession("plain", "", dbus_interface="org.freedesktop.Secret.Service")
+        attributes = dbus.Dictionary({"service": "service", "account": "account"}, signature="ss")
+        properties = {f"{ITEM}.Label": "service", f"{ITEM}.Attributes": attributes}
+        self.session.get_object(SECRETS, LOGIN).CreateItem(
+            properties, (session, b"", b"old", "text/plain"), False, dbus_interface="org.freedesktop.Secret.Collection")
+
+    def unlock(self):
+        self.kill_keyring()
+        self.start_keyring()
+
+    def watch_prompts(self):
+        self.watched = self._path("prompts")
+        self.processes["monitor"] = subprocess.Popen(
+            ["dbus-monitor", "--address", self.session.address, "type='method_call',member='Prompt'"],
+            stdout=self.watched.open("w"))
+        wait_until(lambda: self.watched.read_text(), "nothing is heard on the bus")
+
+    def prompts(self):
+        """How many the daemon was asked to put up; a call that was made is heard before one that is made now."""
+        heard = lambda interface: self.watched.read_text().count(f"interface={interface};")
+        before = heard("test.Mark")
+        try:
+            self.session.get_object(SECRETS, "/none", introspect=False).Prompt("", dbus_interface="test.Mark")
+        except dbus.DBusException:
+            pass
+        wait_until(lambda: heard("test.Mark") > before, "nothing is heard on the bus")
+        return heard("org.freedesktop.Secret.Prompt")
 
     # The reader, as another program meets it.
 
