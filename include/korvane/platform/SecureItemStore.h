@@ -40,8 +40,8 @@ struct SecureItem {
 
 /// Which item: all three must be equal.
 struct SecureItemName {
-    std::string_view service;
-    std::string_view account;
+    std::string_view service;  ///< the component's name
+    std::string_view account;  ///< which of its items
     /// Whose it is: a text of printable ASCII that stands for the key and the service that the item's value
     /// is good for. An item of another owner is as if it were not there.
     std::string_view owner;

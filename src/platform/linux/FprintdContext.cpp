@@ -39,12 +39,6 @@ class FprintdContext::Wish {
     std::atomic<bool> ended_ = false;
 };
 
-/// How a check reports, from its thread.
-struct FprintdContext::Reports {
-    std::function<void(const char* messageId)> tell;
-    std::function<void(bool match)> finish;
-};
-
 /// A check as the main thread sees it; its handle owns it, and the thread never does.
 struct FprintdContext::Check {
     std::function<void(bool)> reply;  // none once it ran, or was dropped
@@ -80,28 +74,29 @@ class FprintdContext::Evaluation final : public BiometricEvaluation {
     std::shared_ptr<Check> check_;
 };
 
-void FprintdContext::run(const Wish& wish, std::int64_t deadline, const Reports& reports) const {
+void FprintdContext::run(const Wish& wish, std::int64_t deadline, const Tell& tell,
+                         const Finish& finish) const {
     int triesLeft = triesOfACheck;
     using Outcome = FprintdReader::Outcome;
     while (waitUntilArmed(wish, deadline)) {
         FprintdReader reader(thread_->context().get(), deadline, [&wish] { return !wish.armed(); });
         if (!reader.open(options_.busAddress) || !reader.claim()) {
             if (reader.wasInterrupted()) continue;
-            reports.finish(false);
+            finish(false);
             return;
         }
         while (true) {
-            const Outcome outcome = reader.verify([&reports] { reports.tell("sdk.biometrics.retry"); });
+            const Outcome outcome = reader.verify([&tell] { tell("sdk.biometrics.retry"); });
             if (outcome == Outcome::interrupted) break;
             const bool again = outcome == Outcome::noMatch || outcome == Outcome::unread;
             if (!again || --triesLeft == 0) {
-                reports.finish(outcome == Outcome::match);  // before the reader is released: that takes time
+                finish(outcome == Outcome::match);  // before the reader is released: that takes time
                 return;
             }
-            reports.tell(outcome == Outcome::noMatch ? "sdk.biometrics.nomatch" : "sdk.biometrics.retry");
+            tell(outcome == Outcome::noMatch ? "sdk.biometrics.nomatch" : "sdk.biometrics.retry");
         }
     }
-    reports.finish(false);
+    finish(false);
 }
 
 /// False when the check ended, or its time did.
@@ -173,9 +168,8 @@ std::unique_ptr<BiometricEvaluation> FprintdContext::evaluate(std::string reason
     };
     check->prompt = prompt_->show(reason, std::move(callbacks));
     if (check->prompt) {
-        thread_->post([this, wish = check->wish, deadline, reports = Reports{tell, finish}] {
-            run(*wish, deadline, reports);
-        });
+        thread_->post(
+            [this, wish = check->wish, deadline, tell, finish] { run(*wish, deadline, tell, finish); });
     } else {
         finish(false);
     }

@@ -55,8 +55,10 @@ class KORVANE_API FprintdContext final : public BiometricContext {
     struct KORVANE_HIDDEN Check;
     class KORVANE_HIDDEN Evaluation;
     class KORVANE_HIDDEN Wish;
-    struct KORVANE_HIDDEN Reports;
-    KORVANE_HIDDEN void run(const Wish& wish, std::int64_t deadline, const Reports& reports) const;
+    using Tell = std::function<void(const char* messageId)>;
+    using Finish = std::function<void(bool match)>;
+    KORVANE_HIDDEN void run(const Wish& wish, std::int64_t deadline, const Tell& tell,
+                            const Finish& finish) const;
     KORVANE_HIDDEN bool waitUntilArmed(const Wish& wish, std::int64_t deadline) const;
 
     const std::shared_ptr<MainQueue> mainQueue_;

@@ -25,7 +25,7 @@ struct SecretServiceStoreOptions {
 /// service, the account, the app and the owner. Items of other apps and owners are neither read nor deleted;
 /// an item that says not whose it is, as an earlier version made it, is deleted when it is met.
 ///
-/// Any thread may call; each call has a session of its own, so that a daemon that was started again serves
+/// Any thread may call; each call has a session of its own, so that a daemon started again serves
 /// the next one. The bus is the user's session bus, by GIO's shared connection, whose "exit on close" is
 /// switched off: a lost bus must not end the host.
 ///
@@ -43,6 +43,7 @@ struct SecretServiceStoreOptions {
 /// that the daemon lists; `update` and `remove` do them all, so that no old value stays behind.
 class KORVANE_API SecretServiceStore final : public SecureItemStore {
   public:
+    /// Asks the daemon nothing yet.
     explicit SecretServiceStore(SecretServiceStoreOptions options = {});
     /// Takes away a prompt that still stands.
     ~SecretServiceStore() override;
