@@ -19,14 +19,15 @@ class AuthenticateBiometric {
     /// Whose the items are: a text that stands for the key and the service of this moment, and gives neither
     /// away.
     static std::string ownerOf(const SdkConfig& config);
-    /// Writes both items; `done` is told true only if both were written. It always runs, so that a token that
-    /// was kept gets its timer, whatever became of the journey; from inside this call when there is no token.
+    /// Writes both items; `done` receives true only if both were written. It always runs, so that a token
+    /// that was kept gets its timer, whatever became of the journey; from inside this call when there is no
+    /// token.
     static void savePciTokenAndTimeoutToKeychain(const SdkConfig& config, std::function<void(bool)> done);
-    /// Puts both items into `config`; `done` is told true only if both were there. Neither happens once
+    /// Puts both items into `config`; `done` receives true only if both were there. Neither happens once
     /// `wanted` has gone.
     static void loadPciTokenAndTimeout(SdkConfig& config, std::weak_ptr<void> wanted,
                                        std::function<void(bool)> done);
-    /// Deletes both items; `done` is told true only if both were there and are gone. What could not be
+    /// Deletes both items; `done` receives true only if both were there and are gone. What could not be
     /// deleted, in a locked store for instance, is not read any more, and tried again before each use of the
     /// store.
     static void deletePciTokenAndTimeoutInKeychain(const SdkConfig& config, std::function<void(bool)> done);

@@ -111,7 +111,7 @@ void inStore(const SdkConfig& config, Work work, std::function<void(Attempts&)> 
         std::move(done));
 }
 
-bool tellAll(const Attempts& attempts, std::string_view Item::*good, std::string_view Item::*bad) {
+bool logAll(const Attempts& attempts, std::string_view Item::*good, std::string_view Item::*bad) {
     bool all = true;
     for (std::size_t i = 0; i < items.size(); ++i) {
         const auto result = attempts[i].result;
@@ -183,7 +183,7 @@ void AuthenticateBiometric::savePciTokenAndTimeoutToKeychain(const SdkConfig& co
             if (attempts[0].result == Attempt::done) due().erase(keychain.owner());
         },
         [done = std::move(done)](Attempts& attempts) {
-            done(tellAll(attempts, &Item::saved, &Item::saveFailed));
+            done(logAll(attempts, &Item::saved, &Item::saveFailed));
         });
 }
 
@@ -223,7 +223,7 @@ void AuthenticateBiometric::deletePciTokenAndTimeoutInKeychain(const SdkConfig& 
             }
         },
         [done = std::move(done)](Attempts& attempts) {
-            done(tellAll(attempts, &Item::deleted, &Item::deleteFailed));
+            done(logAll(attempts, &Item::deleted, &Item::deleteFailed));
         });
 }
 
