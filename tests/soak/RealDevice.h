@@ -24,8 +24,9 @@ using Json = nlohmann::json;
 class RealDevice final : Console, Pasteboard {
   public:
     explicit RealDevice(bool tls = true, CurlUrlSessionOptions options = {}) {
-        // Not longer than that, should we end without ending it.
-        const std::string command = "echo $$; exec timeout 2h " KORVANE_SANDBOX
+        // It ends with this thread. `timeout` would end it with SIGTERM and SIGCONT; the latter takes back
+        // the stop that the leak check of a sanitized sandbox waits for as it exits.
+        const std::string command = "echo $$; exec setpriv --pdeathsig SIGTERM " KORVANE_SANDBOX
                                     " --pci-token-seconds 3600 --bearer-seconds 3600 2>/dev/null " +
                                     (tls ? "--ca-out " + caFile : "--http");
         sandbox_ = popen(command.c_str(), "r");
