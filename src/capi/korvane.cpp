@@ -288,7 +288,9 @@ korvane_status korvane_journey_on_close(korvane_journey* journey,
             korvane::NotificationCloseUI,
             [closed, context, id = journey->journey.id()](const korvane::NotificationUserInfo& userInfo,
                                                           korvane::JourneyId poster) {
-                if (poster == id) closed(context, userInfo.at("result").c_str());
+                if (poster != id) return;
+                const korvane::HostCallback inside;
+                closed(context, userInfo.at("result").c_str());
             });
         return KORVANE_OK;
     });

@@ -53,6 +53,8 @@ class CHost {
             },
             this);
         if (!journey) return status;
+        korvane_journey_on_close(
+            journey, [](void* self, const char*) { told(self, "journey_closed"); }, this);
         korvane_journey_on_change(journey, nullptr, nullptr);
         korvane_journey_on_change(
             journey, [](void* self) { told(self, "changed"); }, this);

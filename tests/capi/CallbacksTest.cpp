@@ -191,7 +191,8 @@ void visit(CHost& host) {
 
 class Callbacks : public ::testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(CInterface, Callbacks,
-                         ::testing::Values("log_line", "text", "copied", "iv_callback", "closed", "changed"),
+                         ::testing::Values("log_line", "text", "copied", "iv_callback", "closed",
+                                           "journey_closed", "changed"),
                          [](const auto& each) { return std::string(each.param); });
 
 TEST_P(Callbacks, TakeEveryCall) {
