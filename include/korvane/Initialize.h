@@ -32,7 +32,8 @@ using ImageData = std::vector<std::byte>;
 ///     finger now when the device has one; false deletes what an earlier run kept there
 /// @param colors  the palette of everything that is drawn
 /// @param cornerRadii  how round corners are
-/// @param wearableName  how a wearable card is named; absent or "": by its type
+/// @param wearableName  how a wearable card is named; cut to 200 characters where it is drawn. Absent or "":
+///     by its type
 /// @param wearableImage  how a wearable card is pictured; absent, or no picture: as the service sends it
 /// @return false only when the key is not strict base64; then nothing but the stored key text has changed.
 KORVANE_API bool initialize(std::string base64EncodedPreSharedKey, std::string apiUrl, IvCallback ivCallback,

@@ -122,7 +122,7 @@ typedef struct korvane_config {
     korvane_iv_callback iv_callback; /**< asked whenever an IV is needed */
     void* iv_context;                /**< handed to iv_callback */
     int use_biometrics; /**< not 0: keep the PCI token in the secure store behind a finger; 0 deletes it */
-    const char* wearable_name; /**< how a wearable card is named; may be NULL */
+    const char* wearable_name; /**< how a wearable card is named, up to 200 characters; may be NULL */
 } korvane_config;
 
 /** Call it before a journey is made; a later call overwrites what it sets. */

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "operations/FieldLimits.h"
 #include "sdk/JourneyState.h"
 
 namespace korvane {
@@ -27,7 +28,7 @@ std::string takeCardStatus(JourneyState& state) {
 
 std::string cardName(const JourneyState& state, eKorvaneCardType type) {
     if (type == eKorvaneCardType::wearable && !state.sdk.wearableName.value_or("").empty())
-        return *state.sdk.wearableName;
+        return cutText(*state.sdk.wearableName, wearableNameLimit);
     return cardTypeDisplayName(type);
 }
 

@@ -23,11 +23,16 @@ std::size_t prefixSize(std::string_view text, std::size_t characters) {
 
 }  // namespace
 
+std::string cutText(std::string_view text, std::size_t characters) {
+    if (prefixSize(text, characters) == text.size()) return std::string(text);
+    return std::string(text.substr(0, prefixSize(text, characters - 1))) + "…";
+}
+
 void limitField(std::string_view field, std::string& text) {
     const auto* const limit = std::ranges::find(fieldLimits, field, &FieldLimit::field);
     assert(limit != std::end(fieldLimits));
     if (prefixSize(text, limit->characters) == text.size()) return;
-    std::string kept = text.substr(0, prefixSize(text, limit->characters - 1)) + "…";
+    std::string kept = cutText(text, limit->characters);
     wipe(text);
     text = std::move(kept);
     log({"dec", inClear(field), " was cut to ", inClear(std::to_string(limit->characters)), " characters"});

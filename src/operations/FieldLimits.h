@@ -22,9 +22,13 @@ inline constexpr FieldLimit fieldLimits[] = {
     {"CardNetwork", 64}, {"Language", 64},    {"CardDisclosure", 65'536},
 };
 inline constexpr std::size_t maxDisclosures = 16;
+inline constexpr std::size_t wearableNameLimit = 200;  ///< for the host's name of a wearable
 
-/// Cuts `text` to the limit of `field`, which must have one: "…" replaces the rest, and a line is logged.
-/// Whole characters of UTF-8 are kept; the original is wiped.
+/// The text in at most so many characters, of which "…" is one when it replaces the rest. Whole characters of
+/// UTF-8 are kept.
+std::string cutText(std::string_view text, std::size_t characters);
+
+/// Cuts `text` to the limit of `field`, which must have one, and logs a line then. The original is wiped.
 void limitField(std::string_view field, std::string& text);
 
 /// The same for the texts of each disclosure; drops those behind `maxDisclosures`.

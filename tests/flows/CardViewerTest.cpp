@@ -77,6 +77,8 @@ TEST_F(CardViewer, WearableBearsTheHostsNameAndPicture) {
     cardDetails.erase("encryptedCardImage");
     showCard("A1", "wearable");
     see("name=Korvane Ring, image=9, toast=");
+    config.wearableName = std::string(201, 'x');
+    see("name=" + std::string(199, 'x') + "…, image=9");
     showCard("A1", "virtual");
     see("name=sdk.cardtype.virtual, image=0");
     config.wearableImage = ImageData(3);  // cannot be drawn
