@@ -109,8 +109,8 @@ def defences(path):
 
 
 class Hardening(unittest.TestCase):
-    """The installed programs and libraries, whatever build they are of; and a release build: its commands, and with
-    KORVANE_FULL, which takes minutes, what they make."""
+    """The installed programs and libraries, whatever build they are of; and a release build: its commands, and what they
+    make, too, with KORVANE_FULL, as in install.release_build: that takes minutes."""
 
     def shipped(self, prefix):
         paths = [path for path in [*prefix.glob("bin/korvane-*"), *prefix.rglob("*.so")] if path.read_bytes()[:4] == b"\x7fELF"]
