@@ -90,12 +90,13 @@ HOSTILE_IV_ANSWERS = {
 class Journey:
     """One journey on the console."""
 
-    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), environment=None, iv_url=None):
+    def __init__(self, sandbox, kind="set-pin", card="card-physical-active", options=(), environment=None, iv_url=None,
+                 folder=None):
         self.process = subprocess.Popen(
             [PROGRAMS / "korvane-journey", kind, "--card", card, "--service", sandbox.url, "--key",
              sandbox.told["key"], "--iv-url", iv_url or sandbox.told["ivUrl"], "--ca", sandbox.ca, *options],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-            env={**os.environ, **(environment or {})})
+            env={**os.environ, **(environment or {})}, cwd=folder)
         self.events = queue.Queue()
         self.seen = []
         self.log = []

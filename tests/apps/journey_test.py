@@ -51,9 +51,12 @@ class Journeys(unittest.TestCase):
                      "viewToShow: SMSExplainView\n", "refreshed the IV... now recalling doPinSet\n"):
             self.assertIn(line, journey.log)
 
-    def test_values_are_shown_nowhere_but_copied_and_taken_back_at_the_end(self):
+    def test_values_are_shown_and_kept_nowhere_but_copied_and_taken_back_at_the_end(self):
         details, name = "sdk.cardviewer.device.details.", "card-paywallet-active"
-        journey, card = self.start("card", name), self.sandbox.card(name)
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        places = "HOME", "TMPDIR", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR"
+        journey = self.start("card", name, folder=folder, environment=dict.fromkeys(places, folder))
+        card = self.sandbox.card(name)
         self.assertTrue(journey.shows("CardImage_NoNav")["state"]["isCardImageLoaded"])
         journey.tap(details + "reveal")
         shown = json.dumps(journey.reaches(detailsRevealed=True))
@@ -62,6 +65,7 @@ class Journeys(unittest.TestCase):
         self.assertEqual(journey.toast(), "sdk.copiedToClipboard")
         self.assertEqual(journey.copied(details + "cvv"), card["cvv"])
         self.assertEqual(self.end(journey, "xmark", name, card["pin"]), [])
+        self.assertEqual(os.listdir(folder), [], "files are left on the disk")
         emptied = {"event": "pasteboard", "text": ""}
         self.assertTrue(emptied in journey.seen or journey.next(emptied.__eq__))
 

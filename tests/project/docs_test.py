@@ -71,6 +71,20 @@ def options(program):
     return set(re.findall(r"(?m)(?:^ +(?:-\w, )?|\[)(--[\w-]+)", told))
 
 
+def tests():
+    """The names that a document may give a test: "Suite", "Suite.Name", and those of ctest."""
+    listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N", "-C", "Full"], capture_output=True, text=True, check=True).stdout
+    found = set(re.findall(r"#\d+: (\S+)", listed))
+    for path in [*TOP.glob("tests/**/*.cpp"), *TOP.glob("tests/**/*.h"), *TOP.glob("include/korvane/contracts/*.h")]:
+        text = path.read_text()
+        for suite, name in re.findall(r"(?m)^(?:TYPED_)?TEST(?:_F|_P)?\((\w+), (\w+)\)", text):
+            for shown in re.findall(rf"(?m)^#define {suite} (\w+)", text) or [suite]:
+                found |= {shown, f"{shown}.{name}"}
+    listed = (TOP / "tests/project/CMakeLists.txt").read_text()  # some builds leave out what it adds
+    found |= {"install." + case for case in re.search(r"foreach\(case (Install .*?)\)", listed)[1].split()}
+    return found | set(re.findall(r"NAME (\w+\.\w+)", listed))
+
+
 def of_each_document(test):
     def run(self):
         for path in DOCS:
@@ -82,6 +96,10 @@ def of_each_document(test):
 class Documents(unittest.TestCase):
     maxDiff = None
 
+    @classmethod
+    def setUpClass(cls):
+        cls.known_tests = tests()
+
     @of_each_document
     def test_links_files_and_tests_that_are_named_exist(self, path, text):
         for target in re.findall(r"\]\((?!https?:|mailto:)([^)\s]+)\)", plain(text)):
@@ -92,14 +110,25 @@ class Documents(unittest.TestCase):
         folders = "|".join(sorted(entry.name for entry in TOP.iterdir() if entry.is_dir() and entry.name[0] != "."))
         for name in re.findall(rf"`(?!build/)((?:{folders})/[\w./*-]+)`", text):
             self.assertTrue(list(TOP.glob(name.rstrip("/"))), f"{name} is not there")
-        listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N"], capture_output=True, text=True, check=True).stdout
-        for name in re.findall(r"`((?:access|docs|install|journey|project)\.[\w*]+)`", text):
-            if name.startswith("install."):  # which builds with a checker leave out
-                self.assertRegex((TOP / "tests/project/CMakeLists.txt").read_text(), rf"\b{name[8:]}\b")
-                continue
-            self.assertTrue(fnmatch.filter(re.findall(r"#\d+: (\S+)", listed), name), f"no test {name}")
+        known = self.known_tests
+        for name in re.findall(r"`((?:access|docs|explorer|faults|fuzz|install|journey|project|soak)\.[\w*-]+|[A-Z]\w+\.[A-Z]\w+)`", text):
+            self.assertTrue(fnmatch.filter(known, name), f"no test {name}")
         for name in re.findall(r"`(\w+Test)`", text):
             self.assertTrue(list(TOP.glob(f"tests/**/{name}.*")), f"no test {name}")
+
+    @of_each_document
+    def test_each_row_with_a_column_for_it_names_its_tests(self, path, text):
+        for rows in re.findall(r"(?m)^\|.* Tests \|\n\|[-|]+\n((?:^\|.*\n?)+)", text):
+            for row in rows.splitlines():
+                last = row.rstrip(" |").rpartition(" | ")[2]
+                names = re.findall(r"`([^`]+)`", last)
+                self.assertTrue(names, f"{row} names no test")
+                self.assertEqual(set(names) - self.known_tests, set(), row)
+
+    def test_the_security_page_has_a_test_for_each_claim(self):
+        text = (TOP / "SECURITY.md").read_text()
+        for title in "Threat model", "What is protected", "What is wiped", "Changes since 1.0":
+            self.assertRegex(text, rf"(?s)\n## {title}[^\n]*\n(?:(?!\n## ).)*?\n\|[^\n]* Tests \|\n", title)
 
     @of_each_document
     def test_code_stands_in_a_file_that_is_built(self, path, text):

@@ -141,7 +141,9 @@ TEST_F(TokenTimer, ClearsTheTokenWhenItsTimeIsUpSinceTheLastStart) {
     start("1.5");
     EXPECT_FALSE(clearedAfter(1.4));
     EXPECT_FALSE(config.timerPciExpired);
+    const char* const stood = config.currentPciToken.data();
     EXPECT_TRUE(clearedAfter(0.2));
+    EXPECT_EQ(std::string(stood, 5), std::string(5, '\0')) << "wiped where it stood";
     EXPECT_TRUE(config.timerPciExpired);
     EXPECT_TRUE(device.console->has("Timer hit - doing SdkConfig.sharedInstance.currentPciToken = blank"));
     EXPECT_TRUE(device.console->has("handlePCITokenClearTimer - setting SdkConfig timerPciExpired to true"));
