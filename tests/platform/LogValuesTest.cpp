@@ -1,50 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-// Compiled twice, with the adapters: as a release build and as one for development.
-#include <gtest/gtest.h>
-#include <korvane/Journey.h>
 #include <korvane/korvane.h>
 
 #include <cstddef>
 
 #include "platform/linux/LinuxPorts.h"
-
-#ifdef NDEBUG
-#define BUILD LogOfAReleaseBuild
-#else
-#define BUILD LogOfADevelopmentBuild
-#endif
+#include "tests/support/LogOfABuild.h"
 
 namespace korvane::testing {
 namespace {
 
-constexpr const char* card = "card-4711";
-#ifdef NDEBUG
-constexpr bool showsByBuild = false;
-#else
-constexpr bool showsByBuild = true;
-#endif
-
-/// Whether the values of a journey stand on standard output.
-bool showsValues(Ports ports) {
-    installPorts(std::move(ports));
-    ::testing::internal::CaptureStdout();
-    { const Journey journey(JourneyKind::setPIN, card); }
-    const std::string log = ::testing::internal::GetCapturedStdout();
-    uninstallPorts();
-    EXPECT_NE(log.find("SetPIN init - cardID param = "), log.npos) << log;
-    return log.find(card) != log.npos;
-}
-
 TEST(BUILD, OfLinuxPorts) {
-    EXPECT_EQ(showsValues(linuxPorts()), showsByBuild);
-    EXPECT_EQ(showsValues(linuxPorts({})), showsByBuild);
-    EXPECT_EQ(showsValues(linuxPorts("")), showsByBuild);
-    EXPECT_EQ(showsValues(linuxPorts(std::string())), showsByBuild);
-    EXPECT_EQ(showsValues(linuxPorts({}, nullptr)), showsByBuild);
-    EXPECT_EQ(showsValues(linuxPorts("", nullptr, nullptr)), showsByBuild);
-    EXPECT_EQ(showsValues(linuxPorts({.logValues = LogValues::byBuild})), showsByBuild);
-    EXPECT_FALSE(showsValues(linuxPorts({.caFile = "", .logValues = LogValues::masked})));
-    EXPECT_TRUE(showsValues(linuxPorts({.logValues = LogValues::clear})));
+    EXPECT_PORTS_TO_LOG_BY_BUILD(linuxPorts);
+    EXPECT_EQ(portsLogValues(linuxPorts({}, nullptr)), showsByBuild);
+    EXPECT_EQ(portsLogValues(linuxPorts("", nullptr, nullptr)), showsByBuild);
 }
 
 /// The same of a host that speaks C.
@@ -58,8 +26,7 @@ bool showsValues(const korvane_host& like) {
     EXPECT_EQ(korvane_journey_create(KORVANE_SET_PIN, card, &journey), KORVANE_OK);
     korvane_journey_destroy(journey);
     EXPECT_EQ(korvane_tear_down(), KORVANE_OK);
-    EXPECT_NE(log.find("SetPIN init - cardID param = "), log.npos) << log;
-    return log.find(card) != log.npos;
+    return hasValues(log);
 }
 
 TEST(BUILD, OfTheCInterfaceAlsoForHostsOfItsFirstVersion) {

@@ -75,11 +75,11 @@ def tests():
     """The names that a document may give a test: "Suite", "Suite.Name", and those of ctest."""
     listed = subprocess.run(["ctest", "--test-dir", BUILD, "-N", "-C", "Full"], capture_output=True, text=True, check=True).stdout
     found = set(re.findall(r"#\d+: (\S+)", listed))
-    for path in [*TOP.glob("tests/**/*.cpp"), *TOP.glob("tests/**/*.h"), *TOP.glob("include/korvane/contracts/*.h")]:
-        text = path.read_text()
-        for suite, name in re.findall(r"(?m)^(?:TYPED_)?TEST(?:_F|_P)?\((\w+), (\w+)\)", text):
-            for shown in re.findall(rf"(?m)^#define {suite} (\w+)", text) or [suite]:
-                found |= {shown, f"{shown}.{name}"}
+    files = [*TOP.glob("tests/**/*.cpp"), *TOP.glob("tests/**/*.h"), *TOP.glob("include/korvane/contracts/*.h")]
+    sources = "\n".join(path.read_text() for path in files)
+    for suite, name in re.findall(r"(?m)^(?:TYPED_)?TEST(?:_F|_P)?\((\w+), (\w+)\)", sources):
+        for shown in re.findall(rf"(?m)^#define {suite} (\w+)", sources) or [suite]:
+            found |= {shown, f"{shown}.{name}"}
     listed = (TOP / "tests/project/CMakeLists.txt").read_text()  # some builds leave out what it adds
     found |= {"install." + case for case in re.search(r"foreach\(case (Install .*?)\)", listed)[1].split()}
     return found | set(re.findall(r"NAME (\w+\.\w+)", listed))
