@@ -19,7 +19,7 @@ struct FieldLimit {
 inline constexpr FieldLimit fieldLimits[] = {
     {"Pan", 32},         {"Cvv", 8},          {"ExpiryDate", 32},
     {"FirstName", 200},  {"MiddleName", 200}, {"LastName", 200},
-    {"CardNetwork", 64}, {"Language", 64},    {"CardDisclosure", 65'536},
+    {"CardNetwork", 64}, {"Language", 64},    {"CardDisclosure", 32'768},
 };
 inline constexpr std::size_t maxDisclosures = 16;
 inline constexpr std::size_t wearableNameLimit = 200;  ///< for the host's name of a wearable

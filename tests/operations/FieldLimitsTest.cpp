@@ -62,7 +62,7 @@ TEST_F(FieldLimits, HoldForEveryTextOfAReply) {
     const auto& items = *state->decodedDisclosuresStruct->CardDisclosures;
     ASSERT_EQ(items.size(), 16u);
     EXPECT_EQ(items[0].Language, times(63, "é") + "…");
-    EXPECT_EQ(items[1].CardDisclosure, times(65'535, "é") + "…");
+    EXPECT_EQ(items[1].CardDisclosure, times(32'767, "é") + "…");
     EXPECT_EQ(items[15].CardDisclosure, "15");
     EXPECT_THAT(printed(), HasSubstr("decCardDisclosures was cut to 16 disclosures"));
 }

@@ -31,7 +31,7 @@ inline Wiped<std::string> shown(const std::string& text) {
 /// What may stand beside a text that is found.
 enum class Beside {
     oneSide,  ///< digits or letters on one side at most: the end of a longer secret counts
-    nothing   ///< neither: a short text is the end of many others, of a port's number for instance
+    nothing   ///< neither: a short text is the end of many others, of a port's number or a token for instance
 };
 
 /// Where the text, masked, stands in all that this process can write to, as bytes or as UTF-16.

@@ -40,7 +40,7 @@ TEST_P(SecretsLeave, APinThatWasSet) {
     setPin();
     device.on(*journey, "SuccessPinSetView", "sdk.success.setpin.button");
     journey.reset();
-    EXPECT_EQ(find(pin), nowhere);
+    EXPECT_EQ(find(pin, Beside::nothing), nowhere);
 }
 
 TEST_P(SecretsLeave, APinAndWhatProvesPossessionOfANewCard) {
@@ -52,7 +52,7 @@ TEST_P(SecretsLeave, APinAndWhatProvesPossessionOfANewCard) {
     setPin();
     device.on(*journey, "SuccessCardActivatedAndPinSetView", "sdk.success.cardActivatedAndSetPin.button");
     journey.reset();
-    EXPECT_EQ(find(pin), nowhere);
+    EXPECT_EQ(find(pin, Beside::nothing), nowhere);
     EXPECT_EQ(find(newCvvAlone), before);
 }
 
@@ -117,7 +117,7 @@ TEST(MemoryScan, FindsWhatIsPlanted) {
     EXPECT_EQ(find(pin).size(), 2);
     wipe(*bytes);
     wide.assign(4, u' ');
-    EXPECT_EQ(find(pin), nowhere);
+    EXPECT_EQ(find(pin, Beside::nothing), nowhere);
 }
 
 }  // namespace
