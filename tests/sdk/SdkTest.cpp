@@ -64,10 +64,8 @@ TEST_F(Initialize, AnotherKeyOrServiceLogOutAndUninstallingEndTheSession) {
     const std::string key = "AAECAwQFBgcICQoLDA0ODw==", otherKey = "DwECAwQFBgcICQoLDA0ODw==";
     auto& items = device.secureItemStore->items();
     const std::pair<const char*, std::function<void()>> ends[] = {
-        {"key", [&] { call(otherKey); }},
-        {"url", [&] { call(key, "https://other.example"); }},
-        {"log-out", [] { logOut(); }},
-        {"install", [] { const FakePorts others; }},
+        {"key", [&] { call(otherKey); }},        {"url", [&] { call(key, "https://other.example"); }},
+        {"log-out", [] { logOut(); }},           {"install", [] { const FakePorts others; }},
         {"uninstall", [] { uninstallPorts(); }},
     };
     for (const auto& [name, end] : ends) {
