@@ -27,8 +27,8 @@ std::optional<std::string> storeCardDetails(JourneyState& state, RestGetCardImag
     std::optional<std::string> report;
 
     store(&JourneyState::decCardImage, reply.encryptedCardImage, "CardImage");
-    auto disclosures =
-        decodeDisclosures(decipherAndLog(reply.encryptedCardDisclosures, "CardDisclosures", iv));
+    auto disclosures = decodeDisclosures(
+        decipherAndLog(reply.encryptedCardDisclosures, "CardDisclosures", iv), maxDisclosures + 1);
     if (auto* const decoded = std::get_if<DecryptedCardDisclosure>(&disclosures)) {
         limitDisclosures(*decoded);
         state.decodedDisclosuresStruct = std::move(*decoded);

@@ -114,8 +114,9 @@ class Run final : public std::enable_shared_from_this<Run> {
         if (!does_.judgesResult) return store(*reply);
         if (!reply->encryptedResult) return close(failure(does_.noResultMsg));
 
-        log({"theEncResult: ", *reply->encryptedResult});
-        const std::string word = decryptField(iv_, *reply->encryptedResult);
+        std::string& word = *reply->encryptedResult;
+        log({"theEncResult: ", word});
+        decryptFieldInPlace(iv_, word);
         log({"decResult: ", word});
         if (equalIgnoringCase(word, "Success")) return store(*reply);
         if (isExpiredIvWord(word)) return refreshIv("Failure: IV is expired");

@@ -85,7 +85,7 @@ template <class Record, auto store>
 Completion<Record> replyTo(ReplyHandler handler) {
     return [handler = std::move(handler)](std::optional<Record> record, std::optional<CallError> error) {
         if (!record) return handler(std::nullopt, std::move(error));
-        Reply reply{record->encryptedResult, {}};
+        Reply reply{std::move(record->encryptedResult), {}};  // no store reads it
         if constexpr (store != nullptr) {
             reply.store = [record = *std::move(record)](JourneyState& state, const auto& iv,
                                                         Stored stored) mutable {

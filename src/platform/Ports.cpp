@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "platform/Background.h"
 #include "platform/BeforeUninstallPorts.h"
 #include "platform/ThreadQueue.h"
 
@@ -45,6 +46,7 @@ bool portsInstalled() {
 
 void uninstallPorts() {
     if (portsInstalled() && beforeUninstallPorts()) beforeUninstallPorts()();
+    finishBackgroundWork();
     const Ports last = std::exchange(installed(), Ports{});
 }
 

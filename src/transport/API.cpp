@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <utility>
 
+#include "platform/Log.h"
 #include "sdk/SdkConfig.h"
 #include "transport/AuthenticatedCall.h"
 #include "transport/Endpoints.h"

@@ -6,7 +6,6 @@
 #include "platform/Log.h"
 #include "sdk/SdkConfig.h"
 #include "transport/FieldCipher.h"
-#include "transport/Json.h"
 
 namespace korvane {
 
@@ -15,14 +14,9 @@ std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<
         if (renewal->errorMsgEnc.empty()) return std::nullopt;
         return ErrorPayload{renewal->errorMsgEnc, renewal->errorMsgDec};
     }
-    const auto& body = std::get<RequestError>(error).body;
-    if (!body) return std::nullopt;
-    WireText word;
-    const TextSlot slot{"encryptedResult", &word};
-    const auto outcome = decodeTexts(*body, {&slot, 1});
-    if (std::holds_alternative<JsonError>(outcome) || !word) return std::nullopt;
-    std::string plain = decryptField(iv, *word);
-    return ErrorPayload{*std::move(word), std::move(plain)};
+    const auto& word = std::get<RequestError>(error).encryptedResult;
+    if (!word) return std::nullopt;
+    return ErrorPayload{*word, decryptField(iv, *word)};
 }
 
 KorvaneRetStruct handleNon200or401(SdkConfig& config, const CallError& error, const ErrorPayload& payload) {

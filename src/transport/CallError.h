@@ -25,7 +25,8 @@ struct RequestError {
     std::string domain;  ///< empty for every error of the request core
     int code;            ///< HTTP status; -1 without one that counts; -999 cancelled by the platform
     std::map<std::string, std::string> userInfo;  ///< "Error": the reason, for the log
-    std::optional<std::string> body;              ///< body of the answer, when its status was the failure
+    /// The service's result word, when the status of the answer was the failure and its body has one.
+    std::optional<std::string> encryptedResult;
 };
 
 inline constexpr int noAnswerCode = urlRequestFailed;
@@ -40,8 +41,8 @@ struct ErrorPayload {
     std::string deciphered;
 };
 
-/// The result word in the body of a failed request, deciphered with `iv`, or the one of the failed renewal.
-/// None when there is no body or when it holds no such word. Main thread.
+/// The result word of a failed request, deciphered with `iv`, or the one of the failed renewal; none when
+/// there is none. Main thread.
 std::optional<ErrorPayload> payloadOf(const CallError& error, const std::vector<std::uint8_t>& iv);
 
 /// The record of a failed call: "400 error" and the like by the error's code (a failed renewal brings its own

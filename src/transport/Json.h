@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,7 +16,9 @@
 namespace korvane {
 
 // JSON (RFC 8259) of the wire: flat objects of texts. Any thread. Of a key that occurs more than once the
-// last value counts; unknown keys are skipped, whatever their values; nesting of any depth costs no stack.
+// last value counts; unknown keys are skipped, and their values never built; what is nested more than 64 deep
+// is refused, without recursion. A byte order mark in front is skipped. Reading holds a copy of the text and
+// the texts that are read, no more.
 
 /// Why a text could not be read or written, in plain English.
 struct JsonError {
@@ -49,7 +52,7 @@ struct TextSlot {
 
 /// Fills the slots; a key that is missing or null leaves its slot absent. Fails when `json` is not one
 /// well-formed JSON object in UTF-8, or when a value for a slot is not a text; some slots may be filled then.
-std::variant<std::monostate, JsonError> decodeTexts(std::string_view json, std::span<const TextSlot> slots);
+std::optional<JsonError> decodeTexts(std::string_view json, std::span<const TextSlot> slots);
 
 template <class Record>
 auto slotsOf(Record& record) {
@@ -73,8 +76,7 @@ TextMap textsOf(const Record& record) {
 template <class Record>
 std::variant<Record, JsonError> decodeRecord(std::string_view json) {
     Record record;
-    auto outcome = decodeTexts(json, slotsOf(record));
-    if (auto* error = std::get_if<JsonError>(&outcome)) return std::move(*error);
+    if (auto error = decodeTexts(json, slotsOf(record))) return *std::move(error);
     return record;
 }
 
@@ -83,8 +85,9 @@ std::variant<std::string, JsonError> encodeRecord(const Record& record) {
     return encodeTexts(textsOf(record));
 }
 
-/// The card disclosures: {"CardDisclosures": [{"Language": …, "CardDisclosure": …}, …]}.
-std::variant<DecryptedCardDisclosure, JsonError> decodeDisclosures(std::string json);
+/// The card disclosures: {"CardDisclosures": [{"Language": …, "CardDisclosure": …}, …]}. Those behind the
+/// first `most` are skipped. More than 4 MiB are refused.
+std::variant<DecryptedCardDisclosure, JsonError> decodeDisclosures(std::string json, std::size_t most);
 std::variant<std::string, JsonError> encodeDisclosures(const DecryptedCardDisclosure& disclosures);
 
 }  // namespace korvane

@@ -2,14 +2,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 
 #include "base/Handle.h"
-#include "platform/Log.h"
 #include "transport/CallError.h"
 #include "transport/Json.h"
 
@@ -36,31 +35,28 @@ struct RequestParts {
     bool changes = false;
 };
 
-/// The body of a 200 answer, where the shared state keeps it: to be read before anything else is done.
-using RawCompletion = std::function<void(std::variant<std::string_view, RequestError>)>;
+/// Takes the record's texts out of the body of a 200 answer; on a thread of its own when that is long.
+using BodyReader = std::function<std::optional<JsonError>(std::string_view body)>;
 
-/// The part of `doRequest` that does not depend on the record.
-Handle sendRequest(SdkConfig& config, RequestParts parts, ReAuthClosure reAuthClosure,
-                   RawCompletion completion);
+/// The part of `doRequest` that does not depend on the record. The completion gets none when the body was
+/// read.
+Handle sendRequest(SdkConfig& config, RequestParts parts, ReAuthClosure reAuthClosure, BodyReader reader,
+                   std::function<void(std::optional<RequestError>)> completion);
 
 /// Sends one request and turns the answer into a record. Errors: -1 for a body that cannot be written, for no
-/// whole answer and for a 200 answer that does not decode; the HTTP status, with the answer's body, for any
-/// other status but 401; -999 when the platform cancelled it. Whatever body comes is kept in
-/// `SdkConfig.lastJsonResponseStr`. Main thread.
+/// whole answer and for a 200 answer that does not decode; the HTTP status, with the service's result word,
+/// for any other status but 401; -999 when the platform cancelled it. Whatever body comes is kept in
+/// `SdkConfig.lastJsonResponseStr`. Main thread; a body of more than 1 MiB is read on another one.
 template <class Record>
 Handle doRequest(SdkConfig& config, RequestParts parts, ReAuthClosure reAuthClosure,
                  Completion<Record> completion) {
+    const auto record = std::make_shared<Record>();
     return sendRequest(
         config, std::move(parts), std::move(reAuthClosure),
-        [completion = std::move(completion)](std::variant<std::string_view, RequestError> outcome) {
-            if (auto* error = std::get_if<RequestError>(&outcome))
-                return completion(std::nullopt, std::move(*error));
-            auto decoded = decodeRecord<Record>(std::get<std::string_view>(outcome));
-            if (auto* error = std::get_if<JsonError>(&decoded)) {
-                log({". JSON decode error: ", error->text});
-                return completion(std::nullopt, RequestError{noAnswerCode, std::move(error->text)});
-            }
-            completion(std::get<Record>(std::move(decoded)), std::nullopt);
+        [record](std::string_view body) { return decodeTexts(body, slotsOf(*record)); },
+        [record, completion = std::move(completion)](std::optional<RequestError> error) {
+            if (error) return completion(std::nullopt, *std::move(error));
+            completion(std::move(*record), std::nullopt);
         });
 }
 

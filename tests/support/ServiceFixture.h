@@ -11,7 +11,7 @@ namespace korvane {
 
 /// The scripted service below the journeys: the component holds tokens and an IV, "iv-0", and a request
 /// without a scripted answer stays unanswered.
-class ServiceFixture : public testing::Test, protected ScriptedService {
+class ServiceFixture : public ::testing::Test, protected ScriptedService {
   protected:
     ServiceFixture() {
         config.currentPciToken = "pci-token";

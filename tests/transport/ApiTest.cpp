@@ -138,7 +138,7 @@ class RequestCore : public ServiceFixture {
     }
     static std::string describe(const RequestError& error) {
         return error.domain + std::to_string(error.code) + " " + error.userInfo.at("Error") +
-               (error.body ? ": " + *error.body : "");
+               (error.encryptedResult ? ": " + *error.encryptedResult : "");
     }
 
     std::vector<std::string> ends;
@@ -162,9 +162,13 @@ TEST_F(RequestCore, SendsTheTrackingIdAndTheBrandInTheBodyIfTheyAreUtf8) {
 TEST_F(RequestCore, TurnsAnAnswerIntoARecordOrAnErrorAndKeepsItsBody) {
     const std::tuple<UrlReply, std::string, std::string> cases[] = {
         {{200, R"({"encryptedResult":"r"})", ""}, "r", R"(|200|{"encryptedResult":"r"})"},
-        {{500, "oops", ""}, "500 status code = 500: oops", "|500|oops"},
-        {{418, "\xFF", ""}, "418 status code = 418: \xFF", "|418|1 bytes, not UTF-8"},
-        {{401, "?", ""}, "reAuth 401 status code = 401: ?", "|401|?|Got 401... calling reAuthClosure..."},
+        {{200, "\xEF\xBB\xBF{}", ""}, "-", "|200|\xEF\xBB\xBF{}"},
+        {{500, R"({"encryptedResult":"r"})", ""},
+         "500 status code = 500: r",
+         R"(|500|{"encryptedResult":"r"})"},
+        {{502, "<html>", ""}, "502 status code = 502", "|502|<html>"},
+        {{418, "\xFF", ""}, "418 status code = 418", "|418|1 bytes, not UTF-8"},
+        {{401, "?", ""}, "reAuth 401 status code = 401", "|401|?|Got 401... calling reAuthClosure..."},
         {{200, "5", ""}, "-1 not a JSON object", "|200|5|. JSON decode error: not a JSON object"},
         {{0, "", "name not found"}, "-1 name not found", "no response: name not found"},
         {{0, "", "suspended", urlRequestCancelled}, "-999 suspended", "no response: suspended"},

@@ -9,6 +9,8 @@
 
 #include <rapidjson/document.h>
 
+#include "platform/Background.h"
+
 namespace korvane {
 namespace {
 
@@ -122,6 +124,13 @@ void ScriptedCardService::willAnswer(std::vector<UrlReply> replies) {
                                       const UrlRequest&) mutable -> std::optional<UrlReply> {
         return next < left.size() ? std::optional{left[next++]} : std::nullopt;
     });
+}
+
+void ScriptedCardService::settle() {
+    do {
+        device.mainQueue->runAll();
+        finishBackgroundWork();
+    } while (device.mainQueue->pending() > 0);
 }
 
 int ScriptedCardService::calls(const std::string& endpoint) const {

@@ -55,8 +55,8 @@ class KORVANE_API ScriptedCardService {
     /// left unanswered.
     void willAnswer(std::vector<UrlReply> replies);
 
-    /// Runs the main queue until nothing is left.
-    void settle() { device.mainQueue->runAll(); }
+    /// Runs the main queue until nothing is left; waits for long bodies that are read on another thread.
+    void settle();
     /// How often the endpoint was called.
     int calls(const std::string& endpoint) const;
     /// What a field ("encryptedPIN") held the last time that the endpoint was called, deciphered. "absent"
