@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/BearerToken.h"
 
+#include <algorithm>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "base/Base64.h"
@@ -15,6 +17,13 @@
 
 namespace korvane {
 namespace {
+
+/// Whether the token can follow "Bearer " in a header: no control character (RFC 9110, 5.5), and no blank
+/// around it, which would not arrive (RFC 9113, 8.2.1). One that cannot would make every later request fail.
+bool canStandInHeader(std::string_view token) {
+    const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
+    return !token.starts_with(' ') && !token.ends_with(' ') && std::ranges::none_of(token, isControl);
+}
 
 using RenewalCompletion = std::function<void(std::optional<KorvaneRetStruct>)>;
 
@@ -88,21 +97,28 @@ class Renewal final : public std::enable_shared_from_this<Renewal> {
     }
 
     void answered(const RestBearerToken& response) {
+        KorvaneRetStruct failure;
+        failure.error = true;
         if (response.encryptedAccessToken) {
             log({"theEncAccToken: ", *response.encryptedAccessToken});
             std::string token = decryptField(iv_, *response.encryptedAccessToken);
             log({"decAccessToken: ", token});
-            if (!token.empty()) {
+            if (!canStandInHeader(token)) {
+                failure.errorMsg = "the bearer token cannot stand in a header";
+                log("the bearer token cannot stand in a header: it has a control character, or a blank at an "
+                    "end");
+                wipe(token);
+            } else if (!token.empty()) {
                 log({"Setting SdkConfig.sharedInstance.currentBearerToken to ", token});
                 wipe(config_.currentBearerToken);
                 config_.currentBearerToken = std::move(token);
                 return finish(std::nullopt);
             }
         }
-        KorvaneRetStruct failure;
-        failure.error = true;
-        failure.errorMsg = decryptField(iv_, response.encryptedResult.value_or(""));
-        if (!recoverFrom(failure.errorMsg)) finish(std::move(failure));
+        std::string word = decryptField(iv_, response.encryptedResult.value_or(""));
+        if (recoverFrom(word)) return;
+        if (failure.errorMsg.empty()) failure.errorMsg = std::move(word);
+        finish(std::move(failure));
     }
 
     void failed(const CallError& error) {

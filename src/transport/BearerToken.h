@@ -18,7 +18,8 @@ class SdkConfig;
 ///
 /// `completion` runs on the main queue, at most once, never from inside this call: with none on success, else
 /// with the failure ("500 error", "ivId is nil", …). An answer without a token that can be deciphered is a
-/// failure with its result word as the text. Main thread.
+/// failure with its result word as the text; a token that cannot stand in a header is one with a text that
+/// says so. Main thread.
 [[nodiscard]] Handle refreshBearerToken(
     SdkConfig& config, std::string cardId,
     std::function<void(std::optional<KorvaneRetStruct> failure)> completion);

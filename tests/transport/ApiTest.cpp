@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "transport/API.h"
 
+#include <korvane/platform/RedactingConsole.h>
+
 #include <thread>
 
 #include "tests/support/ServiceFixture.h"
@@ -121,6 +123,42 @@ TEST_F(Api, ARefusedIvIsReplacedAndTheRenewalRunsAgain) {
         EXPECT_THAT(printed(), HasSubstr(lines + " self.refreshBearerToken() -- refreshBearerToken()|"));
     }
     EXPECT_EQ(ivsSupplied, 4) << "one each, and one to start with";
+}
+
+TEST_F(Api, ATokenThatCannotStandInAHeaderIsAFailedRenewal) {
+    using namespace std::string_literals;
+    for (const std::string& text :
+         {"a\nb"s, "a\r\nX-Evil: 1"s, "a\0b"s, "\x7F"s, "a\t"s, " a"s, "a "s, " "s}) {
+        willAnswer({answer(401, {}), ok({{"encryptedResult", "Success"}, {"encryptedAccessToken", text}})});
+        pinSet();
+        settle();
+        EXPECT_EQ(std::get<KorvaneRetStruct>(failure.value()).errorMsg,
+                  "the bearer token cannot stand in a header")
+            << text;
+        EXPECT_EQ(config.currentBearerToken, "bearer-0") << text;
+        EXPECT_THAT(printed(),
+                    HasSubstr("|the bearer token cannot stand in a header: it has a control "
+                              "character, or a blank at an end|pinSet - refreshBearerToken failed"));
+    }
+    for (const std::string& text : {"a b"s, "é"s, "!~"s}) {
+        willAnswer({answer(401, {}), token(text), result("Success")});
+        pinSet();
+        settle();
+        EXPECT_EQ(std::exchange(config.currentBearerToken, "bearer-0"), text);
+    }
+}
+
+TEST_F(Api, AMaskedLogHidesWhyThereIsNoAnswer) {
+    Ports masked = ports();
+    masked.console = std::make_shared<RedactingConsole>(device.console);
+    installPorts(std::move(masked));
+    willAnswer({{0, "", "Could not resolve host: cards.example"}, {0, "", "gone", urlRequestCancelled}});
+    for (int i = 0; i < 2; ++i) {
+        pinSet();
+        settle();
+    }
+    EXPECT_EQ(printed(),
+              "inside doRequest<T: ...>|no response: •••|inside doRequest<T: ...>|no response: •••");
 }
 
 class RequestCore : public ServiceFixture {
