@@ -31,10 +31,10 @@ macro(korvane_package component package section text depends)
           EXCLUDE_FROM_ALL)
 endmacro()
 configure_file(cmake/copyright.in copyright @ONLY)
-korvane_package(runtime libkorvane1 libs "Shared libraries." "libcurl4 (>= 7.87)")  # loaded, not linked
+korvane_package(runtime libkorvane1 libs "Shared libraries." "libcurl4 (>= 7.87)")  # its symbols are older
 korvane_package(development libkorvane-dev libdevel "Headers and archives, for C++ and C." "libkorvane1 ${same}")
 korvane_package(sandbox korvane-sandbox devel "A card service for development, and the journeys on the console." "libkorvane1 ${same}")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libssl-dev, libglib2.0-dev, libsecret-1-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libssl-dev, libcurl4-openssl-dev, libglib2.0-dev, libsecret-1-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS libgtest-dev)  # for the contracts
 if(KORVANE_QUICK)
   korvane_package(quick libkorvane-quick1 libs "Shared library for Qt Quick." "libkorvane1 ${same}")

@@ -22,7 +22,7 @@ using namespace std::chrono_literals;
 /// had the processor.
 class RealStack {
   public:
-    /// A request is given up after `timeout`, where an app waits for 60 s.
+    /// A request is given up after `timeout` without data, where an app waits for 60 s.
     explicit RealStack(bool tls, std::chrono::milliseconds timeout = 20s)
         : device_(tls, {.timeout = timeout}), timeout_(timeout) {
         const auto port = device_.url.rfind(':') + 1;

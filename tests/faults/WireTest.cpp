@@ -78,12 +78,13 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
         stack.reconnect();
     };
     expect("refused", {.kind = Kind::refuse}, tryAgain, "no response: Failed to connect");
-    expect("stalled", {.kind = Kind::stall}, tryAgain, "no response: Operation timed out");
+    expect("stalled", {.kind = Kind::stall}, tryAgain, "no response: timed out: no data");
     expect("stalled midway", {.kind = Kind::stall, .bytes = 120}, tryAgain,
-           "no response: Operation timed out");
-    expect("dripped", {.kind = Kind::drip, .bytes = 5, .pause = 3ms}, done, "200");
-    expect("too slow", {.kind = Kind::drip, .bytes = 1, .pause = 20ms}, tryAgain,
-           "no response: Operation timed out");
+           "no response: timed out: no data");
+    expect("dripped for longer than the pause that is allowed",
+           {.kind = Kind::drip, .bytes = 1, .pause = 20ms}, done, "200");
+    expect("too slow", {.kind = Kind::drip, .bytes = 20, .pause = 3s}, tryAgain,
+           "no response: timed out: no data");
 
     const std::string key = R"({"encryptedResult":")", no = "no response: ", json = "JSON decode error: ";
     const std::string word = encryptField(SdkConfig::sharedInstance().ivByteArray, "Success"),
@@ -110,9 +111,10 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
              Row{"33 MiB announced", length(33 << 20), "", no + "the answer is longer than 32 MiB"},
              Row{"33 MiB", ok + end, std::string(33 << 20, ' '), no + "the answer is longer than 32 MiB"},
              Row{"4 MiB", ok + end, std::string(4 << 20, ' ') + good, "200"},
-             Row{"deep", ok + end, "{\"a\":" + deep, json + "Invalid value. (at byte 10007)"},
+             Row{"deep", ok + end, "{\"a\":" + deep, json + "nested more than 64 deep"},
              Row{"deep, closed", ok + end, "{\"a\":" + deep + std::string(10'000, ']') + ',' + good.substr(1),
-                 "200"},
+                 json + "nested more than 64 deep"},
+             Row{"byte order mark", ok + end, "\xEF\xBB\xBF" + good, "200"},
              Row{"equal keys", ok + end, key + "x\"," + good.substr(1), "200"},
              Row{"equal keys, last bad", ok + end,
                  good.substr(0, good.size() - 1) + ',' + key.substr(1) + "x\"}", "errmsg = "},

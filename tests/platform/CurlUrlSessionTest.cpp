@@ -20,13 +20,6 @@ extern "C" __attribute__((visibility("default"))) int getaddrinfo(const char* no
     return real(node, service, hints, result);
 }
 
-/// The same, for libcurl: what stands in its place on the device.
-static const char* libcurl = "libcurl.so.4";
-extern "C" __attribute__((visibility("default"))) void* dlopen(const char* file, int mode) noexcept {
-    static const auto real = reinterpret_cast<decltype(&dlopen)>(dlsym(RTLD_NEXT, "dlopen"));
-    return real(file && file == std::string_view("libcurl.so.4") ? libcurl : file, mode);
-}
-
 namespace korvane::testing {
 namespace {
 
@@ -65,13 +58,6 @@ struct CurlDriver {
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlSessionContract, CurlDriver);
 
-TEST(CurlUrlSession, WithoutLibcurlEachRequestFailsAndTellsWhy) {
-    libcurl = "libc.so.6";  // there, and another
-    CurlUrlSession session;
-    for (int i = 0; i < 2; ++i)
-        expectFailure(post(session, "https://bank.test/"), "libcurl has no curl_easy");
-}
-
 TEST(CurlUrlSession, KeepsItsConnectionBetweenRequestsAndClosesItWhenIdle) {
     TestServer server;
     CurlUrlSession session({.caFile = server.caFile(), .connectionIdle = 400ms});
@@ -105,6 +91,38 @@ TEST(CurlUrlSession, SpeaksHttp2AndLeavesAConnectionThatFellSilent) {
     EXPECT_EQ(post(session, server.url("/")).status, 200) << "a dead connection is used again";
 }
 
+/// Sends the bytes of an answer one by one, one every 50 ms; stops at '|'.
+void drip(TestServer& server, Connection& connection) {
+    const std::string path = server.receive(connection);
+    TestServer::send(connection, "HTTP/1.1 200 OK\r\nContent-Length: 16\r\n\r\n");
+    for (const char byte : std::string(path.starts_with("POST /stop") ? "drop by|" : "drop by drop by ")) {
+        std::this_thread::sleep_for(50ms);
+        if (byte == '|') break;
+        TestServer::send(connection, {byte});
+    }
+    TestServer::waitForClose(connection);
+}
+
+TEST(CurlUrlSession, TimeLimitsFitSlowLines) {
+    TestServer slow(drip, Speaks::http),
+        silent([](TestServer&, Connection&connection) { TestServer::waitForClose(connection); },
+               Speaks::http);
+    CurlUrlSession session({.timeout = 400ms}), hurried({.longestTransfer = 400ms}),
+        connecting({.timeout = 300ms, .connectTimeout = 900ms});
+    const auto took = [](auto work) {
+        const auto begin = std::chrono::steady_clock::now();
+        work();
+        return std::chrono::steady_clock::now() - begin;
+    };
+    EXPECT_GT(took([&] { EXPECT_EQ(post(session, slow.url("/")).body, "drop by drop by "); }), 700ms)
+        << "a transfer that makes progress goes on";
+    expectFailure(post(session, slow.url("/stop")), "no data for 400 ms");
+    EXPECT_LT(took([&] { expectFailure(post(hurried, slow.url("/")), ""); }), 700ms);
+    const std::string tls = "https" + silent.url("/").substr(4);
+    const auto shaken = took([&] { expectFailure(post(connecting, tls), ""); });
+    EXPECT_TRUE(shaken > 800ms && shaken < 5s) << "connecting has a limit of its own";
+}
+
 TEST(CurlUrlSession, NothingThatHangsHoldsUpReleaseOrOtherRequestsOrTheEnd) {
     CurlDriver driver;
     const auto start = [&driver](const std::string& url) {
@@ -130,11 +148,14 @@ TEST(CurlUrlSession, SendsTheRequestAsGivenAndNothingMore) {
     CurlUrlSession& session = *driver.session;
     const std::string body("{\0}", 3), large(2 << 20, 'x');  // where libcurl would ask for leave first
     fetch(session, {"PUT", driver.url("/a?b=c"), {{"Authorization", "Bearer t"}, {"X-None", ""}}, body});
+    fetch(session,
+          {"GET", driver.url("/"), {{"Authorization", "Bearer "}, {"X-A", " \t a b\t"}, {"X-B", " "}}, ""});
     fetch(session, {"POST", driver.url("/"), {}, large});  // with no cookie
     const std::string all = " HTTP/1.1\r\nHost: " + driver.url("").substr(7) + "\r\nAccept: */*\r\n";
     EXPECT_EQ(driver.server.requests(),
               (std::vector{"PUT /a?b=c" + all +
                                "Authorization: Bearer t\r\nX-None:\r\nContent-Length: 3\r\n\r\n" + body,
+                           "GET /" + all + "Authorization: Bearer\r\nX-A: a b\r\nX-B:\r\n\r\n",
                            "POST /" + all + "Content-Length: 2097152\r\n\r\n" + large}));
 }
 

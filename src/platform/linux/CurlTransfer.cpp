@@ -2,6 +2,7 @@
 #include "platform/linux/CurlTransfer.h"
 
 #include <arpa/inet.h>
+#include <openssl/ssl.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -20,9 +21,17 @@ bool hasControlCharacter(std::string_view text) {
     return std::ranges::any_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
 }
 
+/// Blanks around a value are no part of it (RFC 9110, 5.5), and make a request malformed in HTTP/2 (RFC 9113,
+/// 8.2.1).
+std::string_view withoutBlanks(std::string_view value) {
+    constexpr std::string_view blanks = " \t";
+    value.remove_prefix(std::min(value.find_first_not_of(blanks), value.size()));
+    return value.substr(0, value.find_last_not_of(blanks) + 1);
+}
+
 /// libcurl hands all TLS secrets to the file named by the environment variable SSLKEYLOGFILE. Not ours.
 CURLcode keepTlsSecrets(CURL*, void* context, void*) {
-    curl().setKeylogCallback(static_cast<SSL_CTX*>(context), nullptr);
+    SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
     return CURLE_OK;
 }
 
@@ -36,15 +45,14 @@ bool isLoopback(std::string host) {
 /// True when others than this machine would see the request in clear. A URL that libcurl cannot read is left
 /// for it to refuse.
 bool showsItself(const std::string& url, const std::string& proxy) {
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parts{curl().url(), curl().url_cleanup};
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parts{curl_url(), curl_url_cleanup};
     const auto part = [&parts](CURLUPart which) {
         char* text = nullptr;
-        std::string copy = curl().url_get(parts.get(), which, &text, 0) == CURLUE_OK ? text : "";
-        curl().free(text);
+        std::string copy = curl_url_get(parts.get(), which, &text, 0) == CURLUE_OK ? text : "";
+        curl_free(text);
         return copy;
     };
-    if (!parts ||
-        curl().url_set(parts.get(), CURLUPART_URL, url.c_str(), CURLU_DEFAULT_SCHEME) != CURLUE_OK) {
+    if (!parts || curl_url_set(parts.get(), CURLUPART_URL, url.c_str(), CURLU_DEFAULT_SCHEME) != CURLUE_OK) {
         return false;
     }
     return part(CURLUPART_SCHEME) == "http" && !(proxy.empty() && isLoopback(part(CURLUPART_HOST)));
@@ -62,10 +70,27 @@ void appendWiped(std::string& text, std::string_view more) {
     text.append(more);
 }
 
+std::string start() {
+    const curl_version_info_data& version = *curl_version_info(CURLVERSION_NOW);
+    if (version.version_num < 0x075700)  // which can give up a name look-up without waiting for its end
+        return std::string("libcurl is too old: ") + version.version + ", needed is 7.87.0";
+    if (!std::string_view(version.ssl_version ? version.ssl_version : "").starts_with("OpenSSL/3"))
+        return "libcurl does not use OpenSSL 3";
+    // Any thread will do, as libcurl guards its own start (since 7.84). It is never undone: the host may use
+    // libcurl as well.
+    const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
+    return started == CURLE_OK ? "" : std::string("libcurl cannot start: ") + curl_easy_strerror(started);
+}
+
 }  // namespace
 
+const std::string& startCurl() {
+    static const std::string failure = start();
+    return failure;
+}
+
 CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& options)
-    : request_(std::move(request)), easy_(curl().easy_init()) {
+    : request_(std::move(request)), easy_(curl_easy_init()) {
     if (!easy_) {
         refusal_ = "out of memory";
         return;
@@ -82,7 +107,8 @@ CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& opti
     set(CURLOPT_WRITEFUNCTION, &CurlTransfer::receive);
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_TIMEOUT_MS, static_cast<long>(options.timeout.count()));
+    set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(options.connectTimeout.count()));
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(options.longestTransfer.count()));
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(longestBody));
     set(CURLOPT_TCP_NODELAY, 1L);
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
@@ -105,11 +131,11 @@ CurlTransfer::CurlTransfer(UrlRequest request, const CurlUrlSessionOptions& opti
 }
 
 CurlTransfer::~CurlTransfer() {
-    curl().easy_cleanup(easy_);
+    curl_easy_cleanup(easy_);
     for (const curl_slist* header = headers_; header; header = header->next) {
         explicit_bzero(header->data, std::strlen(header->data));
     }
-    curl().slist_free_all(headers_);
+    curl_slist_free_all(headers_);
     for (auto& header : request_.headers) wipe(header.second);
     wipe(request_.body);
     wipe(reply_.body);
@@ -118,11 +144,11 @@ CurlTransfer::~CurlTransfer() {
 /// A setting that libcurl does not take refuses the request: nothing is sent with less than we ask for.
 template <class Value>
 void CurlTransfer::set(CURLoption option, Value value) {
-    const CURLcode code = curl().easy_setopt(easy_, option, value);
+    const CURLcode code = curl_easy_setopt(easy_, option, value);
     if (code != CURLE_OK && refusal_.empty()) {
-        const curl_easyoption* known = curl().easy_option_by_id(option);
+        const curl_easyoption* known = curl_easy_option_by_id(option);
         refusal_ = std::string("cannot set ") + (known ? known->name : "an option") + ": " +
-                   curl().easy_strerror(code);
+                   curl_easy_strerror(code);
     }
 }
 
@@ -135,10 +161,7 @@ void CurlTransfer::setSecurity(const CurlUrlSessionOptions& options) {
         set(CURLOPT_CAPATH,
             static_cast<const char*>(nullptr));  // the system's directory would be trusted beside it
     }
-    if (curl().setKeylogCallback)
-        set(CURLOPT_SSL_CTX_FUNCTION, &keepTlsSecrets);
-    else
-        refusal_ = "libcurl does not use OpenSSL";
+    set(CURLOPT_SSL_CTX_FUNCTION, &keepTlsSecrets);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_DEFAULT_PROTOCOL,
         "https");                     // libcurl would guess from the host's name, and plain HTTP at last
@@ -148,21 +171,23 @@ void CurlTransfer::setSecurity(const CurlUrlSessionOptions& options) {
 
 void CurlTransfer::addHeaders() {
     const auto add = [this](std::string line) {
-        if (curl_slist* longer = curl().slist_append(headers_, line.c_str()))
+        if (curl_slist* longer = curl_slist_append(headers_, line.c_str()))
             headers_ = longer;
         else
             refusal_ = "out of memory";
         wipe(line);
     };
     bool hasType = false;
-    for (const auto& [name, value] : request_.headers) {
+    for (const auto& [name, given] : request_.headers) {
+        const std::string_view value = withoutBlanks(given);
         if (name.empty() || hasControlCharacter(name) || hasControlCharacter(value)) {
             // A line break in a value would make further headers of the rest.
             refusal_ = "a header has no name or a control character";
             return;
         }
         hasType = hasType || strcasecmp(name.c_str(), "Content-Type") == 0;
-        add(value.empty() ? name + ";" : name + ": " + value);  // libcurl's way to write an empty header
+        // An empty header is written with a semicolon.
+        add(value.empty() ? name + ";" : name + ": " + std::string(value));
     }
     add("Expect:");  // a large body is sent at once; libcurl would wait a second for leave
     if (!hasType) add("Content-Type:");  // none, where libcurl would claim a web form
@@ -174,7 +199,7 @@ void CurlTransfer::addHeaders() {
 /// 9110, 9.2.2).
 int CurlTransfer::mayBeSent(void* easy, char*, char*, int, int) {
     long sent = 0;
-    curl().easy_getinfo(static_cast<CURL*>(easy), CURLINFO_REQUEST_SIZE, &sent);
+    curl_easy_getinfo(static_cast<CURL*>(easy), CURLINFO_REQUEST_SIZE, &sent);
     return sent == 0 ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
@@ -186,7 +211,7 @@ std::size_t CurlTransfer::receive(char* data, std::size_t, std::size_t size, voi
     }
     curl_off_t announced = -1;
     if (transfer.reply_.body.empty() &&
-        curl().easy_getinfo(transfer.easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced) == CURLE_OK &&
+        curl_easy_getinfo(transfer.easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced) == CURLE_OK &&
         announced > 0) {
         transfer.reply_.body.reserve(std::min(static_cast<std::size_t>(announced), longestBody));
     }
@@ -194,10 +219,25 @@ std::size_t CurlTransfer::receive(char* data, std::size_t, std::size_t size, voi
     return size;
 }
 
+std::int64_t CurlTransfer::moved() const {
+    curl_off_t up = 0, down = 0;
+    long head = 0, request = 0;
+    curl_easy_getinfo(easy_, CURLINFO_SIZE_UPLOAD_T, &up);
+    curl_easy_getinfo(easy_, CURLINFO_SIZE_DOWNLOAD_T, &down);
+    curl_easy_getinfo(easy_, CURLINFO_HEADER_SIZE, &head);
+    curl_easy_getinfo(easy_, CURLINFO_REQUEST_SIZE, &request);
+    return up + down + head + request;
+}
+
+bool CurlTransfer::isConnected() const {
+    curl_off_t time = 0;
+    return curl_easy_getinfo(easy_, CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
+}
+
 UrlReply CurlTransfer::finish(CURLcode result) {
     if (result == CURLE_OK) {
         long status = 0;
-        curl().easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
+        curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
         reply_.status = static_cast<int>(status);
         return std::exchange(reply_, {});
     }
@@ -205,7 +245,7 @@ UrlReply CurlTransfer::finish(CURLcode result) {
     if (tooLong_ || result == CURLE_FILESIZE_EXCEEDED) {
         none.failure = "the answer is longer than 32 MiB";
     } else {
-        none.failure = error_[0] != '\0' ? error_.data() : curl().easy_strerror(result);
+        none.failure = error_[0] != '\0' ? error_.data() : curl_easy_strerror(result);
     }
     return none;
 }

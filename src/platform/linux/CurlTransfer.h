@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <curl/curl.h>
+
 #include <array>
+#include <cstdint>
 #include <string>
 
-#include "platform/linux/CurlLibrary.h"
 #include "platform/linux/CurlUrlSession.h"
 
 namespace korvane {
 
-/// One request on a libcurl easy handle, and the answer as it comes in. Worker thread only; `curl()` must
-/// have loaded.
+/// Starts libcurl at the first call, which takes milliseconds. Gives why it cannot be used; "" when it can.
+/// Any thread, but the main one should not wait for it.
+const std::string& startCurl();
+
+/// One request on a libcurl easy handle, and the answer as it comes in. Worker thread only; `startCurl` must
+/// have succeeded.
 class CurlTransfer {
   public:
     static constexpr std::size_t longestBody = std::size_t{32} << 20;
@@ -26,6 +32,11 @@ class CurlTransfer {
 
     /// Why the request cannot be sent at all; "" when it can.
     const std::string& refusal() const { return refusal_; }
+
+    /// Bytes of data sent and received so far: grows as long as the transfer makes progress.
+    std::int64_t moved() const;
+    /// Name look-up, connecting and TLS handshake are over.
+    bool isConnected() const;
 
     /// The reply of a transfer that ended with `result`.
     UrlReply finish(CURLcode result);

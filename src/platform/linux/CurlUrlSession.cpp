@@ -12,6 +12,8 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -94,6 +96,8 @@ class CurlUrlSession::Worker {
 
         std::shared_ptr<Call> call;
         CurlTransfer transfer;
+        std::int64_t moved = -1;
+        std::chrono::nanoseconds lastMove{};
     };
     using ActiveMap = std::map<CURL*, std::unique_ptr<Active>>;
 
@@ -103,6 +107,7 @@ class CurlUrlSession::Worker {
     void remove(ActiveMap::iterator active);
     void deliver(Call& call, UrlReply reply);
     void finishTransfers();
+    void endStalled();
     void closeIdleConnections();
     void setMulti(CURLM* multi);
     void waitForWork();
@@ -135,13 +140,14 @@ void CurlUrlSession::Worker::run() {
     pthread_sigmask(SIG_BLOCK, &all, nullptr);  // the host's signal handlers do not expect this thread
 
     // At the first request and not before: a host that opens no journey pays nothing.
-    if (curl().failure.empty()) setMulti(curl().multi_init());
+    if (startCurl().empty()) setMulti(curl_multi_init());
 
     while (takeCommands()) {
         if (multi_) {
             int running = 0;
-            curl().multi_perform(multi_, &running);
+            curl_multi_perform(multi_, &running);
             finishTransfers();
+            endStalled();
         }
         waitForWork();
     }
@@ -160,7 +166,7 @@ void CurlUrlSession::Worker::waitForWork() {
     bool woken = true;
     if (multi_) {
         curl_waitfd commands{wakeUp_, CURL_WAIT_POLLIN, 0};
-        curl().multi_poll(multi_, &commands, 1, pollTimeout(), nullptr);
+        curl_multi_poll(multi_, &commands, 1, pollTimeout(), nullptr);
         woken = commands.revents != 0;
     } else {
         pollfd commands{wakeUp_, POLLIN, 0};
@@ -194,13 +200,13 @@ bool CurlUrlSession::Worker::takeCommands() {
 void CurlUrlSession::Worker::add(std::shared_ptr<Call> call) {
     if (!call->wanted()) return;
     if (!multi_) {
-        const std::string& failure = curl().failure;
+        const std::string& failure = startCurl();
         return deliver(*call, UrlReply{0, {}, failure.empty() ? "out of memory" : failure});
     }
     auto active = std::make_unique<Active>(call, options_);
     CURL* easy = active->transfer.easy();
     std::string refusal = active->transfer.refusal();
-    if (refusal.empty() && curl().multi_add_handle(multi_, easy) != CURLM_OK) refusal = "out of memory";
+    if (refusal.empty() && curl_multi_add_handle(multi_, easy) != CURLM_OK) refusal = "out of memory";
     if (!refusal.empty()) {
         deliver(*call, UrlReply{0, {}, std::move(refusal)});
         return;
@@ -211,8 +217,8 @@ void CurlUrlSession::Worker::add(std::shared_ptr<Call> call) {
 
 void CurlUrlSession::Worker::remove(ActiveMap::iterator active) {
     // Leaves a name look-up that is under way to its own thread; libcurl would wait for its end.
-    curl().easy_setopt(active->first, CURLOPT_QUICK_EXIT, 1L);
-    curl().multi_remove_handle(multi_, active->first);
+    curl_easy_setopt(active->first, CURLOPT_QUICK_EXIT, 1L);
+    curl_multi_remove_handle(multi_, active->first);
     active_.erase(active);
     lastUse_ = TimerFd::now();
 }
@@ -220,7 +226,7 @@ void CurlUrlSession::Worker::remove(ActiveMap::iterator active) {
 void CurlUrlSession::Worker::finishTransfers() {
     std::vector<std::pair<CURL*, CURLcode>> done;  // removing a handle would spoil the messages behind it
     int left = 0;
-    while (const CURLMsg* message = curl().multi_info_read(multi_, &left)) {
+    while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
         if (message->msg == CURLMSG_DONE) done.emplace_back(message->easy_handle, message->data.result);
     }
     for (const auto& [easy, result] : done) {
@@ -231,6 +237,26 @@ void CurlUrlSession::Worker::finishTransfers() {
         // Whoever waits comes first; the handle is put away while the answer is being read.
         deliver(*call, active->second->transfer.finish(result));
         remove(active);
+    }
+}
+
+/// Ends the transfers without data for too long. libcurl's own limits are on the whole time and on a mean
+/// speed.
+void CurlUrlSession::Worker::endStalled() {
+    const auto now = TimerFd::now();
+    for (auto next = active_.begin(); next != active_.end();) {
+        const auto current = next++;
+        Active& active = *current->second;
+        const std::int64_t moved = active.transfer.moved();
+        if (moved != active.moved || !active.transfer.isConnected()) {
+            active.moved = moved;
+            active.lastMove = now;
+        }
+        if (now - active.lastMove < options_.timeout) continue;
+        doubtful_ = true;
+        const std::string waited = std::to_string(options_.timeout.count());
+        deliver(*active.call, UrlReply{0, {}, "timed out: no data for " + waited + " ms"});
+        remove(current);
     }
 }
 
@@ -248,23 +274,28 @@ void CurlUrlSession::Worker::deliver(Call& call, UrlReply reply) {
 void CurlUrlSession::Worker::closeIdleConnections() {
     if (!connected_ || !active_.empty()) return;
     if (!doubtful_ && TimerFd::now() - lastUse_ < options_.connectionIdle) return;
-    CURLM* fresh = curl().multi_init();
+    CURLM* fresh = curl_multi_init();
     if (!fresh) return;
     setMulti(fresh);
     connected_ = doubtful_ = false;
 }
 
 void CurlUrlSession::Worker::setMulti(CURLM* multi) {
-    if (multi_) curl().multi_cleanup(multi_);
+    if (multi_) curl_multi_cleanup(multi_);
     multi_ = multi;
 }
 
 /// In milliseconds. libcurl shortens it to its own timers; commands and a stop wake the poll.
 int CurlUrlSession::Worker::pollTimeout() const {
+    std::optional<std::chrono::nanoseconds> due;
+    if (connected_ && active_.empty()) due = lastUse_ + options_.connectionIdle;
+    for (const auto& [easy, active] : active_) {
+        const auto stalled = active->lastMove + options_.timeout;
+        due = std::min(due.value_or(stalled), stalled);
+    }
     const int longest = wakeUp_ < 0 ? 100 : 3'600'000;  // where no descriptor was left, nobody can wake it
-    if (!connected_ || !active_.empty()) return longest;
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(lastUse_ + options_.connectionIdle - TimerFd::now());
+    if (!due) return longest;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due - TimerFd::now());
     return static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, longest));
 }
 

@@ -18,11 +18,15 @@ struct CurlUrlSessionOptions {
     /// component is configured by arguments alone, and whoever sets a variable should not see where a bank's
     /// app calls.
     std::string proxy = {};
-    /// A request gives up after this, name look-up and connecting included.
+    /// A request gives up when no data came or went for this long. Counted while the device sleeps too.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
     /// A connection that was idle for longer is not used again. Counted while the device sleeps too: a
     /// connection from before the sleep is often dead without our knowing, and would cost the whole time-out.
     std::chrono::milliseconds connectionIdle = std::chrono::seconds(30);
+    /// Name look-up, connecting and TLS handshake together.
+    std::chrono::milliseconds connectTimeout = std::chrono::seconds(30);
+    /// A request gives up after this, even if it makes progress.
+    std::chrono::milliseconds longestTransfer = std::chrono::minutes(10);
 };
 
 /// HTTP over libcurl, on one thread of its own that the first request starts. TLS 1.2 or better, HTTP/2 where
