@@ -12,6 +12,7 @@
 #include "benchmarks/PeakMemory.h"
 #include "flows/CardPictureReading.h"
 #include "operations/Operations.h"
+#include "platform/Background.h"
 #include "sdk/JourneyState.h"
 #include "transport/FieldCipher.h"
 #include "transport/Json.h"
@@ -53,6 +54,8 @@ std::size_t peakOfOperation(const CardReply& reply) {
         CardPicture picture;
         const auto state = std::make_shared<JourneyState>(SdkConfig::sharedInstance(), cardId);
         const Handle call = doCardImage(state, [](const KorvaneRetStruct&) {});
+        device.mainQueue->runAll();
+        finishBackgroundWork();  // a long body is read there
         device.mainQueue->runAll();
         picture = readPicture(state);
         if (!same(picture, reply.image)) std::abort();

@@ -4,6 +4,7 @@
 #include <korvane/platform/Ports.h>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "base/Secret.h"
@@ -121,10 +122,11 @@ void ScreenModel::take(const ScreenSnapshot& snapshot) {
     set(layout_, layout, &ScreenModel::layoutChanged);
     set(backShown_, snapshot.depth > 0, &ScreenModel::backShownChanged);
     set(image_, QString::fromStdString(snapshot.image), &ScreenModel::imageChanged);
-    set(title_, text(layout == Layout::Waiting ? "sdk.onemomentplease" : snapshot.title),
-        &ScreenModel::titleChanged);
+    timeSpinner(snapshot.spinner);
+    set(title_, text(layout == Layout::Waiting ? waitingText() : snapshot.title), &ScreenModel::titleChanged);
     set(body_, std::move(body), &ScreenModel::bodyChanged);
-    set(toast_, text(snapshot.toast), &ScreenModel::toastChanged);
+    const bool tellsSlow = slow_ && layout != Layout::Waiting && snapshot.toast.empty();
+    set(toast_, text(tellsSlow ? waitingText() : snapshot.toast), &ScreenModel::toastChanged);
     set(spinner_, snapshot.spinner, &ScreenModel::spinnerChanged);
     set(popupOpen_, snapshot.popup.has_value(), &ScreenModel::popupOpenChanged);
     set(sheetOpen_, snapshot.sheet.has_value(), &ScreenModel::sheetOpenChanged);
@@ -133,6 +135,27 @@ void ScreenModel::take(const ScreenSnapshot& snapshot) {
     const bool refused = !snapshot.message.empty() && (message_.isEmpty() || emptied);
     set(message_, text(snapshot.message), &ScreenModel::messageChanged);
     if (refused) emit entryWanted();
+}
+
+std::string_view ScreenModel::waitingText() const {
+    return slow_ ? "sdk.takinglonger" : "sdk.onemomentplease";
+}
+
+/// A cardholder on a bad line hears that it goes on.
+void ScreenModel::timeSpinner(bool spinner) {
+    if (!spinner) {
+        slow_ = false;
+        slowTimer_.reset();
+    } else if (!slow_ && !slowTimer_) {
+        slowTimer_ = ports().timers->start(std::chrono::seconds(10), [this] {
+            slow_ = true;
+            if (layout_ == Layout::Waiting) {
+                set(title_, text(waitingText()), &ScreenModel::titleChanged);
+            } else if (toast_.isEmpty()) {
+                set(toast_, text(waitingText()), &ScreenModel::toastChanged);
+            }
+        });
+    }
 }
 
 void ScreenModel::updateSheet(const ScreenSnapshot& snapshot) {

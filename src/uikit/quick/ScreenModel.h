@@ -3,6 +3,7 @@
 
 #include <korvane/CloseNotification.h>
 #include <korvane/Journey.h>
+#include <korvane/platform/Timers.h>
 
 #include <QtQml/qqmlregistration.h>
 #include <QList>
@@ -161,6 +162,8 @@ class ScreenModel : public QObject {
     void set(Value& field, Value value, void (ScreenModel::*changed)());
     void retranslate();
     void take(const ScreenSnapshot& snapshot);
+    void timeSpinner(bool spinner);
+    std::string_view waitingText() const;
     void updateSheet(const ScreenSnapshot& snapshot);
     void updatePopup(const ScreenSnapshot& snapshot);
     void updateCard(const ScreenSnapshot& snapshot);
@@ -186,6 +189,8 @@ class ScreenModel : public QObject {
     QString message_;
     QString toast_;
     bool spinner_ = false;
+    bool slow_ = false;                 // for 10 s
+    std::unique_ptr<Timer> slowTimer_;  // while it turns
     QList<ControlModel*> controls_;
     QList<ControlModel*> buttons_;
     std::string lastUsed_;  ///< the control that a call under way came from

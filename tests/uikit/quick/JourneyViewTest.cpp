@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <korvane/Language.h>
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -25,6 +26,43 @@ TEST_F(JourneyViewTest, WheelStandsOnTheButtonOfTheCallAndTypingIsNotLost) {
     EXPECT_TRUE(find(resend)->property("busy").toBool());
     EXPECT_FALSE(find("sdk.sms.code.button")->property("busy").toBool());
     EXPECT_EQ(focused(), "sdk.sms.code.input");
+}
+
+TEST_F(JourneyViewTest, ASpinnerTellsAfterTenSecondsThatItTakesLongerThanUsual) {
+    const QString usual = "One moment please", longer = "This is taking longer than usual";
+    const auto pass = [this](double seconds) {
+        service.device.timers->advance(std::chrono::duration<double>(seconds));
+        settle();
+    };
+    const auto answer = [this](const UrlReply& reply) {
+        service.device.urlSession->reply(service.device.urlSession->startedCount() - 1, reply);
+        settle();
+    };
+    service.hang("getCardStatus");
+    show("SetPIN { cardId: 'card-1' }");
+    pass(9.9);
+    EXPECT_EQ(screen()->title(), usual);
+    pass(0.2);
+    EXPECT_EQ(screen()->title(), longer);
+    EXPECT_TRUE(setLanguage("de"));
+    EXPECT_EQ(screen()->title(), "Das dauert länger als üblich");
+    EXPECT_TRUE(setLanguage("en"));
+    answer(service.ok(
+        {{"encryptedResult", "Success"}, {"encryptedCardStatus", "A1"}, {"encryptedCardType", "physical"}}));
+
+    service.hang("pinSet");
+    walk({"type 8642", "key Return > ConfirmCardPINView", "type 8642", "key Return"});
+    EXPECT_TRUE(screen()->spinner());
+    pass(9.9);
+    EXPECT_EQ(screen()->toast(), "");
+    pass(0.2);
+    EXPECT_EQ(screen()->toast(), longer);
+    EXPECT_EQ(text("toast"), longer);
+    pass(60);
+    EXPECT_EQ(screen()->toast(), longer) << "as long as it takes";
+    answer(service.result("Success"));
+    EXPECT_EQ(view(), "SuccessPinSetView");
+    EXPECT_EQ(screen()->toast(), "");
 }
 
 TEST_F(JourneyViewTest, EscapeGoesBackAndThenIsTheHosts) {

@@ -87,6 +87,7 @@ QQuickItem* QuickFixture::toPinEntry(QSize size) {
 }
 
 void QuickFixture::settle() {
+    service.settle();  // long answers are read on another thread
     do {
         QTest::qWait(0);
     } while (service.device.mainQueue->runAll() > 0);

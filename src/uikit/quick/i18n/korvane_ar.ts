@@ -9,6 +9,10 @@
         <source></source>
         <translation>لحظة من فضلك</translation>
     </message>
+    <message id="sdk.takinglonger">
+        <source></source>
+        <translation>يستغرق هذا وقتًا أطول من المعتاد</translation>
+    </message>
     <message id="errors.generic.api">
         <source></source>
         <translation>حدث خطأ من جانبنا. يُرجى المحاولة مرة أخرى.</translation>

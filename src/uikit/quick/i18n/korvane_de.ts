@@ -9,6 +9,10 @@
         <source></source>
         <translation>Einen Moment bitte</translation>
     </message>
+    <message id="sdk.takinglonger">
+        <source></source>
+        <translation>Das dauert länger als üblich</translation>
+    </message>
     <message id="errors.generic.api">
         <source></source>
         <translation>Bei uns ist etwas schiefgelaufen. Bitte versuchen Sie es noch einmal.</translation>

@@ -9,6 +9,10 @@
         <source></source>
         <translation>One moment please</translation>
     </message>
+    <message id="sdk.takinglonger">
+        <source></source>
+        <translation>This is taking longer than usual</translation>
+    </message>
     <message id="errors.generic.api">
         <source></source>
         <translation>Something went wrong on our side. Please try again.</translation>

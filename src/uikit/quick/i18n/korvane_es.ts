@@ -9,6 +9,10 @@
         <source></source>
         <translation>Un momento, por favor</translation>
     </message>
+    <message id="sdk.takinglonger">
+        <source></source>
+        <translation>Esto está tardando más de lo habitual</translation>
+    </message>
     <message id="errors.generic.api">
         <source></source>
         <translation>Algo ha fallado por nuestra parte. Inténtalo de nuevo.</translation>

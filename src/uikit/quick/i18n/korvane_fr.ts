@@ -9,6 +9,10 @@
         <source></source>
         <translation>Un instant, s’il vous plaît</translation>
     </message>
+    <message id="sdk.takinglonger">
+        <source></source>
+        <translation>Cela prend plus de temps que d’habitude</translation>
+    </message>
     <message id="errors.generic.api">
         <source></source>
         <translation>Un problème est survenu chez nous. Veuillez réessayer.</translation>
