@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-// korvane-bench-round-trips ROUND: the first decision of a journey in this process, and one operation after
-// it, over TLS with a service that is 100 ms away. One JSON object for each, in milliseconds, with the round
-// trips that the protocol needs. A process has one first time, so each round is one of its own.
+// korvane-bench-round-trips ROUND [prepared|preparing]: the first decision of a journey in this process, and one
+// operation after it, over TLS with a service that is 100 ms away; after `prepare`, or while it is at work. One
+// JSON object for each, in milliseconds, with the round trips that the protocol needs. A process has one first
+// time, so each round is one of its own.
 #include <glib.h>
 #include <korvane/Journey.h>
+#include <korvane/Prepare.h>
 #include <korvane/platform/Ports.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 #include "benchmarks/support/CannedService.h"
 #include "benchmarks/support/DelayingProxy.h"
@@ -39,7 +43,7 @@ double timed(Start start) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
 }
 
-void measure(int round) {
+void measure(int round, std::string_view mode) {
     CannedService service(true);
     const DelayingProxy proxy(service.server().port(), roundTrip);
     require(installPorts({.mainQueue = std::make_shared<GLibMainQueue>(),
@@ -51,6 +55,9 @@ void measure(int round) {
     CannedService::initialize(service.server().urlAt(proxy.port()));
     SdkConfig::sharedInstance().currentPciToken = "pci-token";
 
+    if (mode != "cold") prepare();
+    while (mode == "prepared" && SdkConfig::sharedInstance().preparation)
+        g_main_context_iteration(nullptr, TRUE);
     Journey journey(JourneyKind::setPIN, "card-1");
     const double first = timed([&journey](bool& done) {
         journey.onChange([&] { done = !journey.screen().spinner; });
@@ -64,8 +71,11 @@ void measure(int round) {
             done = true;
         });
     });
-    printSample("round_trips_first/ours", round, {{"ms", first}});
-    printSample("round_trips_first/needed", round, {{"ms", neededAtFirst * roundTrip.count()}});
+    const std::string name = "round_trips_" + (mode == "cold" ? "first" : std::string(mode));
+    const double needed = mode == "prepared" ? neededLater : neededAtFirst;
+    printSample(name + "/ours", round, {{"ms", first}});
+    printSample(name + "/needed", round, {{"ms", needed * roundTrip.count()}});
+    if (mode != "cold") return uninstallPorts();
     printSample("round_trips_second/ours", round, {{"ms", later}});
     printSample("round_trips_second/needed", round, {{"ms", neededLater * roundTrip.count()}});
     uninstallPorts();
@@ -75,5 +85,5 @@ void measure(int round) {
 }  // namespace korvane::bench
 
 int main(int argc, char** argv) {
-    korvane::bench::measure(argc > 1 ? std::atoi(argv[1]) : 0);
+    korvane::bench::measure(argc > 1 ? std::atoi(argv[1]) : 0, argc > 2 ? argv[2] : "cold");
 }

@@ -80,7 +80,8 @@ class Measurements:
     def round_trips(self):
         """A journey's first decision at 100 ms"""
         for number in range(self.sizes.rounds):
-            self.add_lines(run([self.bin / "korvane-bench-round-trips", number])[0])
+            for mode in ("cold", "prepared", "preparing"):
+                self.add_lines(run([self.bin / "korvane-bench-round-trips", number, mode])[0])
 
     def first_frames(self):
         """From answer to frame"""

@@ -128,6 +128,12 @@ typedef struct korvane_config {
 /** Call it before a journey is made; a later call overwrites what it sets. */
 KORVANE_API korvane_status korvane_initialize(const korvane_config* config);
 
+/** Saves the first journey three round trips: asks for an IV and renews the bearer token, which opens the
+ * connection. Call it once the person has logged in. It shows and reports nothing; when it fails, a journey
+ * does what it does without it. A journey that starts meanwhile waits for it, for 30 s at most. KORVANE_OK
+ * also when there is nothing to do. */
+KORVANE_API korvane_status korvane_prepare(void);
+
 /** The person logs out: journeys that are shown end with "CANCELED"; IV, tokens and timer are dropped and
  * wiped, and what the secure store holds is deleted. korvane_initialize with another key or URL, and
  * korvane_tear_down, drop the same from memory. */

@@ -4,6 +4,7 @@
 #include <korvane/CloseNotification.h>
 #include <korvane/Initialize.h>
 #include <korvane/Journey.h>
+#include <korvane/Prepare.h>
 
 #include <glib.h>
 
@@ -190,6 +191,13 @@ korvane_status korvane_initialize(const korvane_config* config) {
             config->use_biometrics != 0, korvane::KorvaneColors{}, korvane::KorvaneCornerRadii{},
             optionalText(config->wearable_name));
         return done ? KORVANE_OK : KORVANE_BAD_KEY;
+    });
+}
+
+korvane_status korvane_prepare(void) {
+    return guarded([] {
+        korvane::prepare();
+        return KORVANE_OK;
     });
 }
 

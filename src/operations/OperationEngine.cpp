@@ -6,6 +6,7 @@
 #include "transport/Backoff.h"
 #include "transport/FieldCipher.h"
 #include "transport/IvAcquisition.h"
+#include "transport/Preparation.h"
 
 namespace korvane {
 namespace {
@@ -23,6 +24,12 @@ class Run final : public std::enable_shared_from_this<Run> {
           completion_(std::move(completion)) {}
 
     void start() {
+        if (const auto& preparation = state_->sdk.preparation) {
+            underWay_ = preparation->wait([weak = weak_from_this()] {
+                if (const auto self = weak.lock()) self->start();
+            });
+            return;
+        }
         log({"inside (middlelayer) ", inClear(does_.name), "( ... )"});
         if (ivAtHand(state_->sdk)) {
             send();

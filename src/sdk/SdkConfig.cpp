@@ -32,6 +32,7 @@ void SdkConfig::endSession() {
     for (const auto before = journeys; JourneyState* const each : before) {
         if (journeys.contains(each)) each->end();
     }
+    preparation.reset();
     pciTimer.stop();
     for (std::string* const text : {&currentBearerToken, &currentPciToken, &decPciTokenExpiration,
                                     &decBiometricsAuthenticationTimer, &lastJsonResponseStr}) {

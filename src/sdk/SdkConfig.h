@@ -19,6 +19,7 @@
 namespace korvane {
 
 struct JourneyState;
+class Preparation;
 
 /// The one process-wide record: settings, IV and tokens, which all journeys share. A plain bag of fields.
 /// Made on first use, never destroyed. What describes one journey is in `JourneyState`, which refers to this
@@ -60,6 +61,7 @@ class SdkConfig {
     PCITimer pciTimer;
     Handle session = std::make_shared<int>();  // ends with the person's session
     Handle initializeCheck;                    // the biometric check that `initialize` asked for
+    std::shared_ptr<Preparation> preparation;  // under way; none: nothing is
     std::set<JourneyState*> journeys;          // those alive; each enters and removes itself
 
     /// Puts another PCI token in the place of the one held, which is wiped; its timer stops.

@@ -55,6 +55,7 @@ const std::vector<Call> calls{
          int held = 0, expired = 0;
          return korvane_pci_token_state(&held, &expired);
      }},
+    {"korvane_prepare", [](CHost&) { return korvane_prepare(); }},
     {"korvane_log_out", [](CHost&) { return korvane_log_out(); }},
     {"korvane_on_close", [](CHost& host) { return host.observe(); }},
     {"korvane_on_close of nobody", [](CHost&) { return korvane_on_close(nullptr, nullptr); }},

@@ -65,6 +65,14 @@ TEST_F(JourneyViewTest, ASpinnerTellsAfterTenSecondsThatItTakesLongerThanUsual) 
     EXPECT_EQ(screen()->toast(), "");
 }
 
+TEST_F(JourneyViewTest, AHostPreparesTheFirstJourneyInQml) {
+    service.config.currentBearerToken.clear();
+    show("Item { Component.onCompleted: Korvane.prepare() }");
+    EXPECT_EQ(service.calls("token"), 1);
+    toPinEntry();
+    EXPECT_EQ(service.calls("token"), 1);
+}
+
 TEST_F(JourneyViewTest, EscapeGoesBackAndThenIsTheHosts) {
     toPinEntry();
     walk({"type 8642", "key Return > ConfirmCardPINView", "key Esc > EnterCardPINView"});
