@@ -82,7 +82,7 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
     expect("stalled midway", {.kind = Kind::stall, .bytes = 120}, tryAgain,
            "no response: timed out: no data");
     expect("dripped for longer than the pause that is allowed",
-           {.kind = Kind::drip, .bytes = 1, .pause = 20ms}, done, "200");
+           {.kind = Kind::drip, .bytes = 1, .pause = 5ms}, done, "200");
     expect("too slow", {.kind = Kind::drip, .bytes = 20, .pause = 3s}, tryAgain,
            "no response: timed out: no data");
 
@@ -114,7 +114,7 @@ TEST(Faults, EachFaultOfTheWireAndOfTheAnswerLeadsToAPageAndIsTold) {
              Row{"deep", ok + end, "{\"a\":" + deep, json + "nested more than 64 deep"},
              Row{"deep, closed", ok + end, "{\"a\":" + deep + std::string(10'000, ']') + ',' + good.substr(1),
                  json + "nested more than 64 deep"},
-             Row{"byte order mark", ok + end, "\xEF\xBB\xBF" + good, "200"},
+             Row{"byte order mark", length(good.size() + 3), "\xEF\xBB\xBF" + good, "200"},
              Row{"equal keys", ok + end, key + "x\"," + good.substr(1), "200"},
              Row{"equal keys, last bad", ok + end,
                  good.substr(0, good.size() - 1) + ',' + key.substr(1) + "x\"}", "errmsg = "},
@@ -185,7 +185,7 @@ TEST(Faults, Http2ThatEndsTheStreamOrTheConnectionLeadsToAPageAndNothingIsSentAg
     for (const Row& row : {
              Row{"GOAWAY, nothing done", frame(7, 0, 0, word(0) + word(0)),
                  "Error in the HTTP2 framing layer"},
-             Row{"GOAWAY, and no answer", frame(7, 0, 0, word(1) + word(11)), "Operation timed out"},
+             Row{"GOAWAY, and no answer", frame(7, 0, 0, word(1) + word(11)), "no data for"},
              Row{"GOAWAY midway", ok + frame(7, 0, 0, word(0) + word(2)), "Error in the HTTP2 framing layer"},
              Row{"RST_STREAM", frame(3, 0, 1, word(2)), "INTERNAL_ERROR"},
              Row{"RST_STREAM midway", ok + frame(3, 0, 1, word(2)), "INTERNAL_ERROR"},
