@@ -31,6 +31,9 @@ struct CardServiceOptions {
     /// For tests alone: whoever knows the seed knows them all. TLS keys are random all the same.
     std::optional<std::uint64_t> seed{};
 
+    /// The bytes of every card's picture; empty: one is drawn for the card's type.
+    std::string picture{};
+
     /// Fault rules in force from the start, as JSON (see FaultRule.h); empty: none.
     std::string faultRules{};
 

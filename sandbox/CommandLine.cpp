@@ -56,15 +56,19 @@ std::string seed(std::string_view value, std::optional<std::uint64_t>& result) {
 using Line = CommandLine&;
 using Value = std::string_view;
 
+std::string file(std::string_view path, std::string& result) {
+    std::ifstream stream{std::string(path), std::ios::binary};
+    result.assign(std::istreambuf_iterator<char>(stream), {});
+    return stream ? "" : "cannot read " + std::string(path);
+}
+
 std::string faults(std::string_view path, std::string& result) {
-    std::ifstream file{std::string(path), std::ios::binary};
-    result.assign(std::istreambuf_iterator<char>(file), {});
-    if (!file) return "cannot read " + std::string(path);
+    if (std::string error = file(path, result); !error.empty()) return error;
     const auto rules = readFaultRules(result);
     return rules ? "" : std::string(path) + ": " + rules.reason();
 }
 
-constexpr std::array<Option, 16> options{{
+constexpr std::array<Option, 17> options{{
     {"--listen", true, [](Line line, Value value) { return text(value, line.service.address); }},
     {"--port", true, [](Line line, Value value) { return whole(value, 0, 65535, line.service.port); }},
     {"--http", false, [](Line line, Value) { return line.service.tls = false, std::string{}; }},
@@ -74,6 +78,7 @@ constexpr std::array<Option, 16> options{{
     {"--key", true, [](Line line, Value value) { return text(value, line.service.keyBase64); }},
     {"--seed", true, [](Line line, Value value) { return seed(value, line.service.seed); }},
     {"--fault", true, [](Line line, Value value) { return faults(value, line.service.faultRules); }},
+    {"--picture", true, [](Line line, Value value) { return file(value, line.service.picture); }},
     {"--iv-seconds", true, [](Line line, Value value) { return seconds(value, line.service.ivLife); }},
     {"--pci-token-seconds", true,
      [](Line line, Value value) { return seconds(value, line.service.pciTokenLife); }},
@@ -133,6 +138,7 @@ State
   --db FILE              keep cards, IVs, tokens and the key in the SQLite database FILE; without it, in memory
   --key BASE64           pre-shared key of 16, 24 or 32 bytes; without it, that of FILE or a new one of 32 bytes
   --fault FILE           fault rules from the start: a JSON object or a list of them, see below
+  --picture FILE         every card's picture, in the place of one that is drawn for its type
   --seed N               make key, IVs, tokens and SMS codes repeatable. For tests alone: they are no secret then
 
 Lifetimes in seconds

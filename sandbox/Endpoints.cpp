@@ -140,6 +140,9 @@ std::string disclosures() {
 Reply getCardImage(Call& call) {
     const Card& card = call.card;
     std::string& picture = call.state.pictures[card.type];
+    const std::string& given = call.state.options.picture;
+    if (picture.empty() && !given.empty())
+        picture = base64Encode({reinterpret_cast<const std::uint8_t*>(given.data()), given.size()});
     if (picture.empty()) picture = base64Encode(cardImagePng(card.type));
     if (picture.empty()) return failure("No Card Image");
     Reply reply;

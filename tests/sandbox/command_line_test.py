@@ -47,7 +47,7 @@ class CommandLine(unittest.TestCase):
             for status, message, *arguments in [
                     (2, "unknown option --colour", "--colour"), (2, "--port needs a value", "--port"),
                     (2, "--port takes a whole number from 0 to 65535", "--port", "65536"), (2, "--seed takes", "--seed", "12x"),
-                    (2, "--http has no certificate", "--http", "--ca-out", "ca.pem"), (2, "cannot read /none", "--fault", "/none"),
+                    (2, "--http has no certificate", "--http", "--ca-out", "ca.pem"), (2, "cannot read /none", "--fault", "/none"), (2, "cannot read /none", "--picture", "/none"),
                     (2, "--http is for the loopback", "--http", "--listen", "0.0.0.0"), (1, "not 16, 24 or 32", "--key", "AAAA"),
                     (2, "(line 102, column 1)", "--fault", text), (2, "rule 2: unexpected key \"x\"", "--fault", rules),
                     (1, "not a database", "--db", text), (1, "neither address nor name", "--listen", "a,DNS:b"),
