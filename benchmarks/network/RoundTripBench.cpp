@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// korvane-bench-round-trips ROUND [prepared|preparing]: the first decision of a journey in this process, and one
-// operation after it, over TLS with a service that is 100 ms away; after `prepare`, or while it is at work. One
-// JSON object for each, in milliseconds, with the round trips that the protocol needs. A process has one first
-// time, so each round is one of its own.
+// korvane-bench-round-trips ROUND [prepared|preparing]: the first decision of a journey in this process, and
+// one operation after it, over TLS with a service that is 100 ms away; after `prepare`, or while it is at
+// work. One JSON object for each, in milliseconds, with the round trips that the protocol needs. A process
+// has one first time, so each round is one of its own.
 #include <glib.h>
 #include <korvane/Journey.h>
 #include <korvane/Prepare.h>
