@@ -54,7 +54,7 @@ endfunction()
 korvane_install_pc(korvane development "Card journeys behind a C interface")
 korvane_install_pc(korvane-core development "Card journeys without a window, in C++" PRIVATE libcrypto)
 korvane_install_pc(korvane-linux development "Card journeys: the ports of a Linux device" REQUIRES korvane-core
-                   PRIVATE glib-2.0 libsecret-1)
+                   PRIVATE libcurl libssl glib-2.0 libsecret-1)
 korvane_install_pc(korvane-fakes development "Card journeys: a device of fakes, for tests" REQUIRES korvane-core
                    PRIVATE libcrypto)
 
