@@ -154,7 +154,10 @@ class Journeys:
                 # nghttpx may reset the stream behind a page that it sends before it has read the request: then the page is
                 # lost on the way now and then, and the person sees the same.
                 lost = {"no response: •••\n"} if self.kind is gateways.Nghttpx else set()
-                self.assertTrue((statuses | lost) & set(journey.log), journey.log[-16:])
+                end = time.monotonic() + 10  # the log comes by a pipe of its own
+                while not (statuses | lost) & set(journey.log):
+                    self.assertLess(time.monotonic(), end, journey.log[-16:])
+                    time.sleep(0.01)
         self.assertEqual(silent.requests, 1)
         self.assertEqual(self.service.requests()["pinSet"], 0)
 
