@@ -4,8 +4,20 @@
 #include <utility>
 
 namespace korvane {
+namespace {
 
-FakeBackgroundQueue::FakeBackgroundQueue(std::shared_ptr<MainQueue> turns) : turns_(std::move(turns)) {}
+bool runOldest(std::deque<std::function<void()>>& waiting) {
+    if (waiting.empty()) return false;
+    const auto work = std::move(waiting.front());
+    waiting.pop_front();
+    work();
+    return true;
+}
+
+}  // namespace
+
+FakeBackgroundQueue::FakeBackgroundQueue(std::shared_ptr<MainQueue> turns)
+    : turns_(std::move(turns)), waiting_(std::make_shared<std::deque<std::function<void()>>>()) {}
 
 // What waits still runs, as the port has it.
 FakeBackgroundQueue::~FakeBackgroundQueue() {
@@ -13,16 +25,15 @@ FakeBackgroundQueue::~FakeBackgroundQueue() {
 }
 
 void FakeBackgroundQueue::post(std::function<void()> work) {
-    if (!held_) return turns_->post(std::move(work));
-    waiting_.push_back(std::move(work));
+    waiting_->push_back(std::move(work));
+    if (held_) return;
+    turns_->post([weak = std::weak_ptr(waiting_)] {
+        if (const auto waiting = weak.lock()) runOldest(*waiting);
+    });
 }
 
 bool FakeBackgroundQueue::runOne() {
-    if (waiting_.empty()) return false;
-    const auto work = std::move(waiting_.front());
-    waiting_.pop_front();
-    work();
-    return true;
+    return runOldest(*waiting_);
 }
 
 }  // namespace korvane

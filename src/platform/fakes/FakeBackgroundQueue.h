@@ -28,7 +28,8 @@ class KORVANE_API FakeBackgroundQueue final : public BackgroundQueue {
   private:
     std::shared_ptr<MainQueue> turns_;
     bool held_ = false;
-    std::deque<std::function<void()>> waiting_;
+    // Not in the main queue: a piece may own that.
+    std::shared_ptr<std::deque<std::function<void()>>> waiting_;
 };
 
 }  // namespace korvane
