@@ -140,7 +140,7 @@ class World : public ScriptedService {
     std::size_t acting_ = 0;   // whom the step concerns
     std::uint64_t asker_ = 0;  // owner of what was just answered
     std::string cause_;        // the call that was just answered, or why
-    std::size_t requestsSeen_ = 0, checksSeen_ = 0, numbers_ = 0;
+    std::size_t checksSeen_ = 0, numbers_ = 0;
     std::shared_ptr<NotificationCenter::Observation> observation_;
 };
 
