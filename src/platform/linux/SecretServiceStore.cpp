@@ -38,10 +38,9 @@ class SecretServiceStore::Call {
     Call(const SecretServiceStore& store, const SecureItemName& name)
         : calls_(*store.calls_),
           client_(std::make_unique<SecretServiceClient>(cancellable_.get(), store.options_.appId, name)),
-          alarm_(attachSource(calls_.thread.context().get(), "korvane secrets",
-                              [cancellable = cancellable_] { g_cancellable_cancel(cancellable.get()); })) {
-        g_source_set_ready_time(
-            alarm_, g_get_monotonic_time() + std::chrono::microseconds(store.options_.timeout).count());
+          alarm_(g_timeout_source_new(static_cast<guint>(store.options_.timeout.count()))) {
+        g_source_set_callback(alarm_, cancel, g_object_ref(cancellable_.get()), g_object_unref);
+        g_source_attach(alarm_, calls_.thread.context().get());
         if (g_get_monotonic_time() - calls_.silentAt < rest) {
             found = secureItemTimedOut;
             return;
@@ -70,8 +69,13 @@ class SecretServiceStore::Call {
     SecureItemStatus found = secureItemFailed;  ///< what the search for the item gave
 
   private:
+    static gboolean cancel(gpointer cancellable) {
+        g_cancellable_cancel(G_CANCELLABLE(cancellable));
+        return G_SOURCE_REMOVE;
+    }
+
     Calls& calls_;
-    const std::shared_ptr<GCancellable> cancellable_{g_cancellable_new(), g_object_unref};
+    const GLibPtr<GCancellable> cancellable_{g_cancellable_new()};
     std::unique_ptr<SecretServiceClient> client_;
     GSource* const alarm_;
 };
