@@ -19,7 +19,6 @@ class KeychainCommunicator {
   public:
     struct keychainError : std::exception {};
 
-    /// @param owner  see `SecureItemName`
     KeychainCommunicator(std::shared_ptr<SecureItemStore> store, std::string owner)
         : store_(std::move(store)), owner_(std::move(owner)) {}
     /// The same store, with the items of another owner.

@@ -103,7 +103,6 @@ void removeWhatIsDue(const KeychainCommunicator& keychain) {
     });
 }
 
-/// Runs `work` in the background.
 void inStore(const SdkConfig& config, Work work, std::function<void(Attempts&)> done) {
     inBackground<Attempts>(
         [keychain = KeychainCommunicator(ports().secureItemStore, AuthenticateBiometric::ownerOf(config)),

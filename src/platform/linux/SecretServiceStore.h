@@ -57,7 +57,6 @@ class KORVANE_API SecretServiceStore final : public SecureItemStore {
   private:
     struct KORVANE_HIDDEN Calls;
     class KORVANE_HIDDEN Call;
-
     const SecretServiceStoreOptions options_;
     std::unique_ptr<Calls> calls_;
 };
