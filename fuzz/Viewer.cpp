@@ -18,6 +18,7 @@
 #include "fuzz/Bounds.h"
 #include "fuzz/Input.h"
 #include "platform/qt/QtImageDecoder.h"
+#include "platform/Background.h"
 #include "tests/support/ScriptedService.h"
 #include "uikit/quick/CardFaceItem.h"
 #include "uikit/quick/JourneyModel.h"
@@ -123,6 +124,7 @@ void texts(Input& input) {
     }
     const Bounds bounds;
     viewer.see(service);
+    finishBackgroundWork();
 }
 
 }  // namespace korvane::fuzz
