@@ -17,8 +17,8 @@
 
 #include "fuzz/Bounds.h"
 #include "fuzz/Input.h"
-#include "platform/qt/QtImageDecoder.h"
 #include "platform/Background.h"
+#include "platform/qt/QtImageDecoder.h"
 #include "tests/support/ScriptedService.h"
 #include "uikit/quick/CardFaceItem.h"
 #include "uikit/quick/JourneyModel.h"
