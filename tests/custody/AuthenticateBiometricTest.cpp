@@ -45,7 +45,7 @@ class Custody : public testing::Test {
     }
     std::size_t count() const { return device.secureItemStore->items().size(); }
 
-    /// What a call logs until it tells `expected`, which it does once.
+    /// The lines that a call logs; it reports `expected`, once.
     Lines linesOf(bool expected, const std::function<void(std::function<void(bool)>)>& call) {
         device.console->clear();
         std::optional<bool> told;
@@ -250,7 +250,7 @@ TEST_F(Custody, AJourneyJoinsTheCheckThatInitializeStarted) {
         device.biometricContext->answer(match);
         one.reset();
         device.mainQueue->runAll();
-        EXPECT_EQ(first, "") << "it was let go of";
+        EXPECT_EQ(first, "") << "its handle was released";
         EXPECT_EQ(second, match ? "authenticated" : "notAuthenticated");
         EXPECT_EQ(device.console->lines(), match ? loaded : Lines{"evaluate policy 'success' is false"});
         EXPECT_EQ(config.pciTimer.isArmed(), match);

@@ -20,7 +20,7 @@ from driver import PROGRAMS, Journey, Sandbox
 
 
 def picture(path, width=1200, height=1120):
-    """A PNG file of 4 MB, as noise is not compressed (PNG specification, W3C)."""
+    """A PNG file of 4 MB, since noise cannot be compressed."""
     noise = random.Random(7)
     rows = b"".join(b"\0" + noise.randbytes(3 * width) for _ in range(height))
     with open(path, "wb") as file:

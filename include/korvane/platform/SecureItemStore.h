@@ -52,7 +52,7 @@ struct SecureItemName {
 /// store that is absent, locked or hanging answers with a status; it never throws and falls back to nothing
 /// weaker. A store that other apps of the user share keeps their items apart from this app's.
 ///
-/// A locked store may have the user asked to open it, but not for `remove`: nobody asked for that.
+/// A locked store may have the user asked to open it, but not for `remove`.
 class SecureItemStore {
   public:
     virtual ~SecureItemStore() = default;
